@@ -1,0 +1,50 @@
+// What the interstitial and the rewarded ad share: ad unit, bid floor, readiness, delegate and
+// the load path. Instantiated only for the two ad classes (in the library).
+//
+// Owned by the host through std::shared_ptr (use create() or std::make_shared): the load path
+// holds the ad weakly, and an ad that is not owned by a shared_ptr stops loading at once. Used on
+// the main thread; all delegate calls arrive there. Hosts may subclass and override.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "vemba/Error.h"
+
+namespace vemba {
+
+namespace ads {
+class BidExchange;
+}
+
+template <typename Self, typename Delegate>
+class FullScreenAd : public std::enable_shared_from_this<Self> {
+ public:
+  virtual ~FullScreenAd();
+
+  virtual std::shared_ptr<Delegate> delegate() const { return delegate_.lock(); }
+  virtual void setDelegate(std::weak_ptr<Delegate> delegate) { delegate_ = std::move(delegate); }
+  const std::string& adUnitId() const;
+  // Sent as the bid floor when strictly greater than zero.
+  virtual double bidFloor() const;
+  virtual void setBidFloor(double bidFloor);
+  // True between a successful load and the next show.
+  virtual bool isReady() const;
+
+  // Requests a bid; the outcome arrives as adDidLoad or adDidFailToLoad on the main thread,
+  // except when the ad is released before the answer arrives (then nothing is called).
+  virtual void load();
+
+  FullScreenAd(const FullScreenAd&) = delete;
+  FullScreenAd& operator=(const FullScreenAd&) = delete;
+
+ protected:
+  explicit FullScreenAd(std::string adUnitId);
+  ads::BidExchange& exchange() const { return *exchange_; }
+
+ private:
+  std::weak_ptr<Delegate> delegate_;
+  std::unique_ptr<ads::BidExchange> exchange_;
+};
+
+}  // namespace vemba

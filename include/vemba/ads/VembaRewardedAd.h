@@ -1,0 +1,19 @@
+// A full-screen rewarded ad for one ad unit; closing its screen grants VembaReward::standard().
+// See FullScreenAd for ownership and threads.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "vemba/ads/FullScreenAd.h"
+#include "vemba/ads/VembaAdDelegates.h"
+
+namespace vemba {
+
+class VembaRewardedAd : public FullScreenAd<VembaRewardedAd, VembaRewardedAdDelegate> {
+ public:
+  explicit VembaRewardedAd(std::string adUnitId);
+  static std::shared_ptr<VembaRewardedAd> create(std::string adUnitId);
+};
+
+}  // namespace vemba

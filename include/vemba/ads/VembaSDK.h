@@ -1,0 +1,47 @@
+// The host's entry into the ad half: one process-wide instance holding the publisher's API key.
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace vemba {
+
+// A plain value built by the host. `isDebugMode` is stored for interface compatibility and has
+// no behaviour.
+struct VembaConfiguration {
+  VembaConfiguration(std::string key, bool debugMode)
+      : apiKey(std::move(key)), isDebugMode(debugMode) {}
+  std::string apiKey;
+  bool isDebugMode;
+};
+
+// Created lazily and thread-safely on first access, never destroyed. initialize() belongs on
+// the main thread at start-up; apiKey() may be read from any thread.
+class VembaSDK {
+ public:
+  static VembaSDK& shared();
+  static std::string version() { return "1.0.0"; }
+
+  // The key stored by the last initialize(); absent before the first one.
+  std::optional<std::string> apiKey() const;
+
+  // Stores the key, pre-warms the user-agent cache and calls `completion` (when given) with true,
+  // synchronously, before returning. Never fails.
+  void initialize(const VembaConfiguration& configuration,
+                  const std::function<void(bool)>& completion = nullptr);
+
+  // Tests only: forget the stored key.
+  void resetForTesting();
+
+  VembaSDK(const VembaSDK&) = delete;
+  VembaSDK& operator=(const VembaSDK&) = delete;
+
+ private:
+  VembaSDK() = default;
+  mutable std::mutex mutex_;
+  std::optional<std::string> apiKey_;
+};
+
+}  // namespace vemba

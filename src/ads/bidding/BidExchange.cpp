@@ -1,0 +1,215 @@
+#include "ads/bidding/BidExchange.h"
+
+#include <cmath>
+#include <utility>
+
+#include "ads/bidding/BidRecordsJson.h"
+#include "ads/core/DeviceDescription.h"
+#include "ads/core/UserAgentFetcher.h"
+#include "ads/core/VembaLogger.h"
+#include "platform/DeviceInfo.h"
+#include "platform/MainQueue.h"
+#include "platform/Services.h"
+#include "platform/UrlErrorCode.h"
+#include "vemba/ads/VembaError.h"
+#include "vemba/ads/VembaSDK.h"
+
+#ifndef VEMBA_EXCHANGE_ORIGIN
+#error "VEMBA_EXCHANGE_ORIGIN must be defined by the build"
+#endif
+
+namespace vemba::ads {
+namespace {
+
+constexpr const char* kBidPath = "/bid";
+constexpr const char* kBillingPath = "/v1/billing";
+constexpr const char* kImpressionId = "1";
+constexpr const char* kPost = "POST";
+constexpr const char* kGet = "GET";
+constexpr const char* kContentTypeHeader = "Content-Type";
+constexpr const char* kJsonContentType = "application/json";
+constexpr const char* kApiKeyHeader = "X-API-Key";
+constexpr const char* kBidIdQuery = "?bidid=";
+constexpr const char* kWinQuery = "&win=1";
+constexpr std::chrono::seconds kBidRequestTimeout{60};
+
+void log(std::string_view prefix, std::string_view value) {
+  std::string message(prefix);
+  message += value;
+  VembaLogger::log(message);
+}
+
+}  // namespace
+
+BidEndpoints BidEndpoints::defaults() {
+  return BidEndpoints{std::string(VEMBA_EXCHANGE_ORIGIN) + kBidPath,
+                      std::string(VEMBA_EXCHANGE_ORIGIN) + kBillingPath};
+}
+
+BidExchange::BidExchange(AdFormat format, std::string adUnitId, BidOutcomeHandlers handlers,
+                         BidEndpoints endpoints)
+    : format_(format),
+      adUnitId_(std::move(adUnitId)),
+      handlers_(std::move(handlers)),
+      endpoints_(std::move(endpoints)) {}
+
+std::optional<std::string> BidExchange::bidId() const {
+  const std::lock_guard lock(mutex_);
+  return bidId_;
+}
+
+std::optional<Url> BidExchange::admURL() const {
+  const std::lock_guard lock(mutex_);
+  return admURL_;
+}
+
+std::optional<Url> BidExchange::billingURL() const {
+  const std::lock_guard lock(mutex_);
+  return billingURL_;
+}
+
+void BidExchange::load(const std::weak_ptr<void>& owner) {
+  log(format_.loadMessage, adUnitId_);
+  UserAgentFetcher::shared().fetch([this, &owner](const std::string& userAgent) {
+    if (owner.expired()) {
+      return;
+    }
+    performBidRequest(userAgent, owner);
+  });
+}
+
+BidRequest BidExchange::createBidRequest(const std::string& ua) const {
+  Impression impression;
+  impression.id = kImpressionId;
+  impression.tagid = adUnitId_;
+  // NaN compares false, so it is left out together with zero and negative floors.
+  if (bidFloor_ > 0) {
+    impression.bidfloor = bidFloor_;
+  }
+  if (format_.kind == AdFormat::Kind::interstitial) {
+    impression.interstitial = Interstitial{};
+  } else {
+    impression.rewarded = Rewarded{};
+  }
+  BidRequest request;
+  request.id = platform::uuidString(platform::services().uuids->randomUuid());
+  request.app = currentAppInfo();
+  request.device = currentDeviceInfo(ua);
+  request.imp.push_back(std::move(impression));
+  return request;
+}
+
+void BidExchange::performBidRequest(const std::string& ua, const std::weak_ptr<void>& owner) {
+  Expected<std::string, EncodingFailure> body = encodeBidRequestText(createBidRequest(ua));
+  if (!body) {
+    notifyDelegateDidFail(VembaError::encodingFailed().toError(), owner.lock());
+    return;
+  }
+  const std::optional<Url> endpoint = Url::parse(endpoints_.bidEndpoint);
+  if (!endpoint) {
+    return;  // An unusable endpoint is silent by design: no callback, no log.
+  }
+  platform::HttpRequest request;
+  request.method = kPost;
+  request.url = endpoint->absoluteString();
+  request.cachePolicy = platform::CachePolicy::useProtocolCachePolicy;
+  request.timeout = kBidRequestTimeout;
+  request.headers.emplace_back(kContentTypeHeader, kJsonContentType);
+  if (std::optional<std::string> apiKey = VembaSDK::shared().apiKey()) {
+    request.headers.emplace_back(kApiKeyHeader, std::move(*apiKey));
+  }
+  request.body = std::move(body.value());
+  log(log_message::kSendingBidRequest, endpoint->absoluteString());
+
+  platform::services().http->dataTask(
+      std::move(request), [this, owner](platform::HttpResult result) {
+        std::shared_ptr<void> ad = owner.lock();
+        if (!ad) {
+          return;  // Released while in flight: nobody is told.
+        }
+        handleHttpResult(std::move(result), std::move(ad));
+      });
+}
+
+void BidExchange::handleHttpResult(platform::HttpResult result, std::shared_ptr<void> owner) {
+  if (auto* failure = std::get_if<platform::TransportError>(&result)) {
+    log(log_message::kBidRequestFailed, failure->description);
+    notifyDelegateDidFail(Error{std::string(platform::kUrlErrorDomain), failure->code, failure->description},
+                          std::move(owner));
+    return;
+  }
+  const auto& response = std::get<platform::HttpResponse>(result);
+  // The status code is not looked at: any body that decodes is handled alike.
+  if (!response.body) {
+    notifyDelegateDidFail(VembaError::noData().toError(), std::move(owner));
+    return;
+  }
+  Expected<BidResponse, json::DecodingError> decoded = decodeBidResponseText(*response.body);
+  if (!decoded) {
+    const std::string description = decoded.error().description();
+    log(log_message::kDecodingError, description);
+    notifyDelegateDidFail(decoded.error().toError(), std::move(owner));
+    return;
+  }
+  handleBidResponse(decoded.value(), std::move(owner));
+}
+
+void BidExchange::handleBidResponse(const BidResponse& response, std::shared_ptr<void> owner) {
+  // Only the first bid of the first seat is ever looked at.
+  const Bid* bid = nullptr;
+  if (response.seatbid && !response.seatbid->empty() && !response.seatbid->front().bid.empty()) {
+    bid = &response.seatbid->front().bid.front();
+  }
+  if (bid == nullptr || !bid->adm) {
+    notifyDelegateDidFail(VembaError::noBid().toError(), std::move(owner));
+    return;
+  }
+  std::optional<Url> adm = Url::parse(*bid->adm);
+  if (!adm) {
+    notifyDelegateDidFail(VembaError::noBid().toError(), std::move(owner));
+    return;
+  }
+  {
+    const std::lock_guard lock(mutex_);
+    bidId_ = response.bidid;
+    admURL_ = std::move(adm);
+    std::optional<Url> burl = bid->burl ? Url::parse(*bid->burl) : std::nullopt;
+    if (burl) {
+      billingURL_ = std::move(burl);
+    } else if (bidId_) {
+      // The bid id goes in as it stands, without percent-encoding.
+      billingURL_ = Url::parse(endpoints_.billingEndpointBase + kBidIdQuery + *bidId_ + kWinQuery);
+    }
+    // Otherwise a billing URL from an earlier load of this ad stays in place.
+  }
+  platform::services().mainQueue->post([this, ad = std::move(owner)] {
+    isReady_ = true;
+    if (handlers_.didLoad) {
+      handlers_.didLoad();
+    }
+  });
+}
+
+void BidExchange::notifyDelegateDidFail(Error error, std::shared_ptr<void> owner) {
+  // The stored bid state is deliberately left as it is.
+  platform::services().mainQueue->post([this, ad = std::move(owner), error = std::move(error)] {
+    isReady_ = false;
+    if (handlers_.didFail) {
+      handlers_.didFail(error);
+    }
+  });
+}
+
+void BidExchange::fireBillingPixel() const {
+  const std::optional<Url> url = billingURL();
+  if (!url) {
+    return;
+  }
+  log(log_message::kFiringBillingPixel, url->absoluteString());
+  platform::HttpRequest request;
+  request.method = kGet;
+  request.url = url->absoluteString();
+  platform::services().http->dataTask(std::move(request), nullptr);
+}
+
+}  // namespace vemba::ads

@@ -1,0 +1,34 @@
+// The process-wide cache of the browser-style user agent sent in bid requests. The text is
+// composed once from the device's model and system version and never refreshed.
+// Created once, never destroyed; thread-safe.
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace vemba {
+
+class UserAgentFetcher {
+ public:
+  static UserAgentFetcher& shared();
+
+  // Calls `completion` exactly once, synchronously, before returning, with the user agent.
+  void fetch(const std::function<void(const std::string&)>& completion);
+
+  std::optional<std::string> cachedUserAgent() const;
+
+  // The composition rule, for a model and a system version such as "17.4.1".
+  static std::string compose(const std::string& model, const std::string& systemVersion);
+
+  // Tests only: empty the cache.
+  void resetForTesting();
+
+ private:
+  UserAgentFetcher() = default;
+  mutable std::mutex mutex_;
+  std::optional<std::string> cachedUserAgent_;
+};
+
+}  // namespace vemba

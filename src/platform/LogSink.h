@@ -1,0 +1,19 @@
+// The platform's system log.
+#pragma once
+
+#include <string_view>
+
+namespace vemba::platform {
+
+enum class LogSeverity { debug, info, error, fault };
+
+// Contract: thread-safe; write() takes the complete line and never treats it as a format string.
+// `subsystem` and `category` identify the writer in the system log.
+class LogSink {
+ public:
+  virtual ~LogSink() = default;
+  virtual void write(LogSeverity severity, std::string_view subsystem, std::string_view category,
+                     std::string_view line) = 0;
+};
+
+}  // namespace vemba::platform

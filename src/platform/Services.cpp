@@ -1,0 +1,20 @@
+#include "platform/Services.h"
+
+#include <atomic>
+
+namespace vemba::platform {
+namespace {
+std::atomic<const Services*> gOverride{nullptr};
+}  // namespace
+
+const Services& services() {
+  const Services* installed = gOverride.load(std::memory_order_acquire);
+  return installed != nullptr ? *installed : defaultServices();
+}
+
+ScopedServices::ScopedServices(const Services& installed)
+    : previous_(gOverride.exchange(&installed, std::memory_order_acq_rel)) {}
+
+ScopedServices::~ScopedServices() { gOverride.store(previous_, std::memory_order_release); }
+
+}  // namespace vemba::platform

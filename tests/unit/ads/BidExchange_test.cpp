@@ -1,0 +1,285 @@
+// The bid exchange: request shape, outcome classification, callback order and threads of
+// delivery, billing URL rules and the billing pixel.
+#include "ads/bidding/BidExchange.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "AdTestSupport.h"
+#include "RecordingDelegate.h"
+#include "ads/bidding/BidRecordsJson.h"
+#include "platform/UrlErrorCode.h"
+
+namespace vemba::testing {
+namespace {
+
+// An interstitial ad that lets the test read its bid state.
+struct InspectableAd : VembaInterstitialAd {
+  using VembaInterstitialAd::VembaInterstitialAd;
+  const ads::BidExchange& bidState() const { return exchange(); }
+};
+
+class BidExchangeTest : public AdTest {
+ protected:
+  BidExchangeTest() {
+    delegate = std::make_shared<RecordingDelegate>();
+    ad = std::make_shared<InspectableAd>("unit-1");
+    ad->setDelegate(delegate);
+  }
+
+  // Loads and answers the request with `body`, then runs the main queue.
+  void loadAndAnswer(long status, std::optional<std::string> body) {
+    ad->load();
+    platform.http.respondLast(status, std::move(body));
+    platform.mainQueue.runUntilIdle();
+  }
+
+  std::optional<Url> billingURL() const { return exchangeOf().billingURL(); }
+  const ads::BidExchange& exchangeOf() const { return ad->bidState(); }
+
+  std::shared_ptr<RecordingDelegate> delegate;
+  std::shared_ptr<InspectableAd> ad;
+};
+
+TEST_F(BidExchangeTest, RequestShapeAndHeaders) {
+  ad->setBidFloor(0.25);
+  ad->load();
+  ASSERT_EQ(platform.http.taskCount(), 1U);
+  const platform::HttpRequest& request = platform.http.request(0);
+  EXPECT_EQ(request.method, "POST");
+  EXPECT_EQ(request.url, "https://127.0.0.1:18443/bid");
+  EXPECT_EQ(request.timeout, std::chrono::seconds(60));
+  EXPECT_EQ(request.cachePolicy, platform::CachePolicy::useProtocolCachePolicy);
+  EXPECT_EQ(platform.http.header(0, "Content-Type"), "application/json");
+  EXPECT_FALSE(platform.http.header(0, "X-API-Key"));  // not initialised: no header at all
+
+  const auto body = ads::decodeBidRequestText(request.body.value());
+  ASSERT_TRUE(body);
+  EXPECT_EQ(body->id, "00000000-0000-4000-8000-000000000001");
+  EXPECT_EQ(body->app, (ads::AppInfo{"com.example.host", "2.3"}));
+  EXPECT_EQ(body->device, (ads::DeviceInfo{"00000000-0000-0000-0000-000000000000", kIPhoneUserAgent,
+                                           "", "iOS", "17.4.1", "iPhone", "wifi"}));
+  ASSERT_EQ(body->imp.size(), 1U);
+  EXPECT_EQ(body->imp[0], (ads::Impression{"1", "unit-1", ads::Interstitial{}, std::nullopt, 0.25}));
+  EXPECT_EQ(logs, (std::vector<std::string>{"Loading ad for Unit ID: unit-1",
+                                            "Sending Bid Request to: https://127.0.0.1:18443/bid"}));
+
+  VembaSDK::shared().initialize(VembaConfiguration("secret", false));
+  ad->load();
+  EXPECT_EQ(platform.http.header(1, "X-API-Key"), "secret");
+  // Every request carries a fresh id.
+  EXPECT_NE(ads::decodeBidRequestText(*platform.http.request(1).body)->id, body->id);
+}
+
+TEST_F(BidExchangeTest, BidFloorIsSentOnlyWhenStrictlyPositive) {
+  const double floors[] = {0.0, -1.0, std::numeric_limits<double>::quiet_NaN(), 1e-9};
+  for (const double floor : floors) {
+    ad->setBidFloor(floor);
+    ad->load();
+    const auto body = ads::decodeBidRequestText(*platform.http.request(platform.http.taskCount() - 1).body);
+    EXPECT_EQ(body->imp[0].bidfloor.has_value(), floor > 0) << floor;
+  }
+}
+
+TEST_F(BidExchangeTest, OutcomesAreClassified) {
+  struct Case {
+    const char* name;
+    long status;
+    std::optional<std::string> body;
+    const char* domain;  // nullptr: success
+    int code;
+  };
+  const Case cases[] = {
+      {"usable bid", 200, bidResponse("https://127.0.0.1/ad.html"), nullptr, 0},
+      {"4xx whose body decodes", 404, bidResponse("https://127.0.0.1/ad.html"), nullptr, 0},
+      {"no body at all", 200, std::nullopt, "VembaError", 5},
+      {"zero-length body", 200, std::string(), "DecodingError", 4864},
+      {"500 with empty object", 500, std::string("{}"), "DecodingError", 4865},
+      {"garbage", 200, std::string("<html>"), "DecodingError", 4864},
+      {"no seatbid", 200, std::string(R"({"id":"r"})"), "VembaError", 6},
+      {"empty seatbid", 200, std::string(R"({"id":"r","seatbid":[]})"), "VembaError", 6},
+      {"first seat empty, second full", 200,
+       std::string(R"({"id":"r","seatbid":[{"bid":[]},{"bid":[{"impid":"1","price":1,"adm":"https://a/"}]}]})"),
+       "VembaError", 6},
+      {"bid without adm", 200, std::string(R"({"id":"r","seatbid":[{"bid":[{"impid":"1","price":1}]}]})"),
+       "VembaError", 6},
+      {"adm not a URL", 200, bidResponse("not a url"), "VembaError", 6},
+      {"adm empty", 200, bidResponse(""), "VembaError", 6},
+  };
+  for (const Case& c : cases) {
+    delegate->calls.clear();
+    loadAndAnswer(c.status, c.body);
+    ASSERT_EQ(delegate->calls.size(), 1U) << c.name;
+    const RecordingDelegate::Call& call = delegate->calls[0];
+    if (c.domain == nullptr) {
+      EXPECT_EQ(call.name, "adDidLoad") << c.name;
+      EXPECT_TRUE(call.isReady) << c.name;  // set before the delegate hears of it
+      EXPECT_TRUE(ad->isReady());
+    } else {
+      EXPECT_EQ(call.name, "adDidFailToLoad") << c.name;
+      EXPECT_FALSE(call.isReady) << c.name;
+      EXPECT_EQ(call.error.domain, c.domain) << c.name;
+      EXPECT_EQ(call.error.code, c.code) << c.name;
+    }
+  }
+}
+
+TEST_F(BidExchangeTest, DecodingFailureNamesThePathAndIsLogged) {
+  loadAndAnswer(200, std::string(R"({"id":"r","seatbid":[{"bid":[{"impid":"1"}]}]})"));
+  ASSERT_EQ(delegate->calls.size(), 1U);
+  const Error& error = delegate->calls[0].error;
+  EXPECT_NE(error.description.find("seatbid[0].bid[0].price"), std::string::npos);
+  EXPECT_EQ(logs.back(), "Decoding error: " + error.description);
+}
+
+TEST_F(BidExchangeTest, TransportErrorsPassThroughUnchangedAndAreLogged) {
+  ad->load();
+  platform.http.fail(0, platform::UrlErrorCode::timedOut);
+  platform.mainQueue.runUntilIdle();
+  ASSERT_EQ(delegate->calls.size(), 1U);
+  EXPECT_EQ(delegate->calls[0].error,
+            (Error{"URLError", -1001, "The request timed out."}));
+  EXPECT_EQ(logs.back(), "Bid Request failed: The request timed out.");
+}
+
+TEST_F(BidExchangeTest, CallbacksWaitForTheMainQueue) {
+  ad->load();
+  platform.http.respondLast(200, bidResponse("https://127.0.0.1/ad.html"));
+  EXPECT_TRUE(delegate->calls.empty());
+  EXPECT_FALSE(ad->isReady());
+  EXPECT_EQ(platform.mainQueue.runUntilIdle(), 1U);
+  EXPECT_EQ(delegate->names(), (std::vector<std::string>{"adDidLoad"}));
+}
+
+TEST_F(BidExchangeTest, AdReleasedInFlightGetsNoCallback) {
+  ad->load();
+  std::weak_ptr<InspectableAd> weak = ad;
+  ad.reset();
+  EXPECT_TRUE(weak.expired());
+  platform.http.respondLast(200, bidResponse("https://127.0.0.1/ad.html"));
+  EXPECT_EQ(platform.mainQueue.runUntilIdle(), 0U);
+  EXPECT_TRUE(delegate->calls.empty());
+}
+
+TEST_F(BidExchangeTest, AnsweredAdIsKeptAliveUntilItsCallbackRan) {
+  ad->load();
+  platform.http.respondLast(200, bidResponse("https://127.0.0.1/ad.html"));
+  std::weak_ptr<InspectableAd> weak = ad;
+  ad.reset();
+  EXPECT_FALSE(weak.expired());  // the queued outcome holds it
+  platform.mainQueue.runUntilIdle();
+  EXPECT_EQ(delegate->names(), (std::vector<std::string>{"adDidLoad"}));
+  EXPECT_TRUE(weak.expired());
+}
+
+TEST_F(BidExchangeTest, MissingDelegateStillChangesState) {
+  ad->setDelegate({});
+  loadAndAnswer(200, bidResponse("https://127.0.0.1/ad.html"));
+  EXPECT_TRUE(ad->isReady());
+  loadAndAnswer(200, std::nullopt);
+  EXPECT_FALSE(ad->isReady());
+}
+
+TEST_F(BidExchangeTest, OverlappingLoadsApplyInArrivalOrder) {
+  ad->load();
+  ad->load();
+  platform.http.respond(1, 200, bidResponse("https://127.0.0.1/second.html"));
+  platform.http.respond(0, 200, bidResponse("https://127.0.0.1/first.html"));
+  platform.mainQueue.runUntilIdle();
+  EXPECT_EQ(delegate->names(), (std::vector<std::string>{"adDidLoad", "adDidLoad"}));
+  EXPECT_EQ(exchangeOf().admURL()->absoluteString(), "https://127.0.0.1/first.html");
+}
+
+TEST_F(BidExchangeTest, FailureAfterSuccessKeepsTheBidButClearsReadiness) {
+  loadAndAnswer(200, bidResponse("https://127.0.0.1/ad.html", "", R"(,"bidid":"b1")"));
+  loadAndAnswer(200, std::string(R"({"id":"r"})"));
+  EXPECT_FALSE(ad->isReady());
+  EXPECT_EQ(exchangeOf().admURL()->absoluteString(), "https://127.0.0.1/ad.html");
+  EXPECT_EQ(exchangeOf().bidId(), "b1");
+}
+
+TEST_F(BidExchangeTest, BillingUrlRules) {
+  struct Step {
+    const char* name;
+    std::string body;
+    std::optional<std::string> expected;
+  };
+  const std::string base = "https://127.0.0.1:18443/v1/billing";
+  // Applied in order to one ad: each step sees what the earlier ones left.
+  const Step steps[] = {
+      {"fresh ad, no burl, no bidid", bidResponse("https://a/p"), std::nullopt},
+      {"burl wins", bidResponse("https://a/p", R"(,"burl":"https://b/win?x=1")", R"(,"bidid":"abc")"),
+       "https://b/win?x=1"},
+      {"no burl and no bidid keeps the earlier one", bidResponse("https://a/p"), "https://b/win?x=1"},
+      {"bidid builds from the base", bidResponse("https://a/p", "", R"(,"bidid":"abc")"),
+       base + "?bidid=abc&win=1"},
+      {"unparsable burl falls back to bidid",
+       bidResponse("https://a/p", R"(,"burl":"bad url")", R"(,"bidid":"x-1")"),
+       base + "?bidid=x-1&win=1"},
+      {"bidid that breaks the URL clears it", bidResponse("https://a/p", "", R"(,"bidid":"a b")"),
+       std::nullopt},
+  };
+  for (const Step& step : steps) {
+    loadAndAnswer(200, step.body);
+    const std::optional<Url> url = billingURL();
+    EXPECT_EQ(url ? std::optional(url->absoluteString()) : std::nullopt, step.expected) << step.name;
+  }
+}
+
+TEST_F(BidExchangeTest, BillingPixelIsAPlainGetOrNothing) {
+  VembaSDK::shared().initialize(VembaConfiguration("secret", false));
+  loadAndAnswer(200, bidResponse("https://a/p"));
+  logs.clear();
+  exchangeOf().fireBillingPixel();
+  EXPECT_EQ(platform.http.taskCount(), 1U);  // no billing URL: nothing sent
+  EXPECT_TRUE(logs.empty());
+
+  loadAndAnswer(200, bidResponse("https://a/p", R"(,"burl":"https://127.0.0.1/bill?b=1")"));
+  logs.clear();
+  exchangeOf().fireBillingPixel();
+  ASSERT_EQ(platform.http.taskCount(), 3U);
+  const platform::HttpRequest& pixel = platform.http.request(2);
+  EXPECT_EQ(pixel.method, "GET");
+  EXPECT_EQ(pixel.url, "https://127.0.0.1/bill?b=1");
+  EXPECT_TRUE(pixel.headers.empty());
+  EXPECT_FALSE(pixel.body);
+  EXPECT_FALSE(platform.http.task(2).completion);
+  EXPECT_EQ(logs, (std::vector<std::string>{"Firing Billing Pixel: https://127.0.0.1/bill?b=1"}));
+}
+
+TEST_F(BidExchangeTest, InvalidEndpointIsSilent) {
+  int callbacks = 0;
+  ads::BidExchange exchange(
+      {ads::AdFormat::Kind::rewarded, "Loading: "}, "u",
+      {[&] { ++callbacks; }, [&](const Error&) { ++callbacks; }},
+      {"https://exa mple/bid", "https://exa mple/v1/billing"});
+  auto owner = std::make_shared<int>(0);
+  exchange.load(owner);
+  platform.mainQueue.runUntilIdle();
+  EXPECT_EQ(platform.http.taskCount(), 0U);
+  EXPECT_EQ(callbacks, 0);
+  EXPECT_EQ(logs, (std::vector<std::string>{"Loading: u"}));  // no send line either
+  EXPECT_FALSE(exchange.isReady());
+}
+
+TEST_F(BidExchangeTest, UnencodableRequestFailsWithEncodingFailed) {
+  auto bad = VembaInterstitialAd::create("unit\xff");
+  bad->setDelegate(delegate);
+  bad->load();
+  platform.mainQueue.runUntilIdle();
+  EXPECT_EQ(platform.http.taskCount(), 0U);
+  ASSERT_EQ(delegate->calls.size(), 1U);
+  EXPECT_EQ(delegate->calls[0].error.domain, "VembaError");
+  EXPECT_EQ(delegate->calls[0].error.code, 4);
+
+  delegate->calls.clear();
+  ad->setBidFloor(std::numeric_limits<double>::infinity());
+  ad->load();
+  platform.mainQueue.runUntilIdle();
+  ASSERT_EQ(delegate->calls.size(), 1U);
+  EXPECT_EQ(delegate->calls[0].error.code, 4);
+}
+
+}  // namespace
+}  // namespace vemba::testing

@@ -1,0 +1,113 @@
+// The JSON shape of the bid records.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "ads/bidding/BidRecordsJson.h"
+
+namespace vemba::ads {
+namespace {
+
+BidRequest sampleRequest() {
+  Impression impression{"1", "unit-7", Interstitial{}, std::nullopt, 0.5};
+  return BidRequest{"REQ-1",
+                    {"com.host", "2.3"},
+                    {"IFA", "Mozilla/5.0 (iPhone)", "", "iOS", "17.4.1", "iPhone", "wifi"},
+                    {impression}};
+}
+
+TEST(BidRecordsTest, RequestEncodesExactlyWithSlashesEscaped) {
+  const auto text = encodeBidRequestText(sampleRequest());
+  ASSERT_TRUE(text);
+  EXPECT_EQ(*text,
+            R"({"app":{"bundle":"com.host","ver":"2.3"},"device":{"connection":"wifi","ifa":"IFA",)"
+            R"x("ip":"","model":"iPhone","os":"iOS","osv":"17.4.1","ua":"Mozilla\/5.0 (iPhone)"},)x"
+            R"("id":"REQ-1","imp":[{"bidfloor":0.5,"id":"1","interstitial":{},"tagid":"unit-7"}]})");
+}
+
+TEST(BidRecordsTest, FormatMarkerAndAbsentOptionalsAreLeftOut) {
+  BidRequest request = sampleRequest();
+  request.imp[0] = Impression{"1", std::nullopt, std::nullopt, Rewarded{}, std::nullopt};
+  const json::Json encoded = encode(request);
+  const json::Json& imp = encoded["imp"][0];
+  EXPECT_EQ(imp, (json::Json{{"id", "1"}, {"rewarded", json::Json::object()}}));
+}
+
+TEST(BidRecordsTest, UnencodableValuesFail) {
+  BidRequest request = sampleRequest();
+  request.imp[0].tagid = std::string("bad\xff");
+  EXPECT_FALSE(encodeBidRequestText(request));
+  request = sampleRequest();
+  request.imp[0].bidfloor = std::numeric_limits<double>::infinity();
+  EXPECT_FALSE(encodeBidRequestText(request));
+}
+
+TEST(BidRecordsTest, EveryRecordRoundTrips) {
+  const BidRequest request = sampleRequest();
+  const auto decodedRequest = decodeBidRequestText(*encodeBidRequestText(request));
+  ASSERT_TRUE(decodedRequest);
+  EXPECT_EQ(*decodedRequest, request);
+
+  const BidResponse response{
+      "r", "bid-9",
+      std::vector<SeatBid>{SeatBid{{Bid{"b", "1", 2.25, "https://a/p", "https://a/i", "https://a/b"},
+                                    Bid{std::nullopt, "2", 0, std::nullopt, std::nullopt,
+                                        std::nullopt}}}}};
+  const auto decodedResponse = decodeBidResponseText(json::dumpCompact(encode(response)));
+  ASSERT_TRUE(decodedResponse);
+  EXPECT_EQ(*decodedResponse, response);
+}
+
+TEST(BidRecordsTest, ResponseDecoding) {
+  struct Case {
+    const char* name;
+    const char* text;
+    bool decodes;
+    const char* failingPath;
+  };
+  const Case cases[] = {
+      {"only an id", R"({"id":"r"})", true, ""},
+      {"null bidid", R"({"id":"r","bidid":null,"seatbid":null})", true, ""},
+      {"empty seats", R"({"id":"r","seatbid":[]})", true, ""},
+      {"empty bids", R"({"id":"r","seatbid":[{"bid":[]}]})", true, ""},
+      {"unknown keys", R"({"id":"r","x":{"y":[1]},"seatbid":[{"seat":"s","bid":[]}]})", true, ""},
+      {"missing id", R"({"seatbid":[]})", false, "id"},
+      {"id null", R"({"id":null})", false, "id"},
+      {"id number", R"({"id":1})", false, "id"},
+      {"bidid number", R"({"id":"r","bidid":5})", false, "bidid"},
+      {"seatbid object", R"({"id":"r","seatbid":{}})", false, "seatbid"},
+      {"seat without bid", R"({"id":"r","seatbid":[{}]})", false, "seatbid[0].bid"},
+      {"bid without price", R"({"id":"r","seatbid":[{"bid":[{"impid":"1"}]}]})", false,
+       "seatbid[0].bid[0].price"},
+      {"bid without impid", R"({"id":"r","seatbid":[{"bid":[{"price":1}]}]})", false,
+       "seatbid[0].bid[0].impid"},
+      {"price as string", R"({"id":"r","seatbid":[{"bid":[{"impid":"1","price":"1"}]}]})", false,
+       "seatbid[0].bid[0].price"},
+      {"adm as number", R"({"id":"r","seatbid":[{"bid":[{"impid":"1","price":1,"adm":3}]}]})",
+       false, "seatbid[0].bid[0].adm"},
+      {"top-level array", R"([])", false, ""},
+      {"garbage", "<html>", false, ""},
+      {"empty body", "", false, ""},
+  };
+  for (const Case& c : cases) {
+    const auto result = decodeBidResponseText(c.text);
+    EXPECT_EQ(result.hasValue(), c.decodes) << c.name;
+    if (!result) {
+      EXPECT_EQ(result.error().path, c.failingPath) << c.name;
+    }
+  }
+}
+
+TEST(BidRecordsTest, MarkersAcceptAnyValue) {
+  for (const char* marker : {"{}", "[]", "\"x\"", "3", "true"}) {
+    const std::string text =
+        std::string(R"({"id":"1","interstitial":)") + marker + R"(,"rewarded":)" + marker + "}";
+    const Impression impression = decodeImpression(*json::parseJson(text), json::JsonPath());
+    EXPECT_TRUE(impression.interstitial) << marker;
+    EXPECT_TRUE(impression.rewarded) << marker;
+  }
+}
+
+}  // namespace
+}  // namespace vemba::ads

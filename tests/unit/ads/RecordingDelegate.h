@@ -1,0 +1,55 @@
+// A delegate for both ad formats that records each call as one line, with the ad's readiness at
+// the moment of the call.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "vemba/ads/VembaInterstitialAd.h"
+#include "vemba/ads/VembaRewardedAd.h"
+
+namespace vemba::testing {
+
+class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaRewardedAdDelegate {
+ public:
+  struct Call {
+    std::string name;
+    bool isReady = false;
+    Error error;
+  };
+  std::vector<Call> calls;
+
+  std::vector<std::string> names() const {
+    std::vector<std::string> out;
+    for (const Call& call : calls) {
+      out.push_back(call.name);
+    }
+    return out;
+  }
+
+  void adDidLoad(VembaInterstitialAd& ad) override { record("adDidLoad", ad.isReady()); }
+  void adDidFailToLoad(VembaInterstitialAd& ad, const Error& error) override {
+    record("adDidFailToLoad", ad.isReady(), error);
+  }
+  void adDidShow(VembaInterstitialAd& ad) override { record("adDidShow", ad.isReady()); }
+  void adDidDismiss(VembaInterstitialAd& ad) override { record("adDidDismiss", ad.isReady()); }
+  void adDidClick(VembaInterstitialAd& ad) override { record("adDidClick", ad.isReady()); }
+
+  void adDidLoad(VembaRewardedAd& ad) override { record("adDidLoad", ad.isReady()); }
+  void adDidFailToLoad(VembaRewardedAd& ad, const Error& error) override {
+    record("adDidFailToLoad", ad.isReady(), error);
+  }
+  void adDidShow(VembaRewardedAd& ad) override { record("adDidShow", ad.isReady()); }
+  void adDidDismiss(VembaRewardedAd& ad) override { record("adDidDismiss", ad.isReady()); }
+  void adDidClick(VembaRewardedAd& ad) override { record("adDidClick", ad.isReady()); }
+  void adDidEarnReward(VembaRewardedAd& ad, const VembaReward&) override {
+    record("adDidEarnReward", ad.isReady());
+  }
+
+ private:
+  void record(std::string name, bool ready, Error error = {}) {
+    calls.push_back(Call{std::move(name), ready, std::move(error)});
+  }
+};
+
+}  // namespace vemba::testing

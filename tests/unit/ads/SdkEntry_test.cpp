@@ -1,0 +1,129 @@
+// Initialisation, the user-agent cache, the device description and the error values.
+#include <gtest/gtest.h>
+
+#include "AdTestSupport.h"
+#include "ads/core/DeviceDescription.h"
+#include "vemba/ads/VembaError.h"
+#include "vemba/ads/VembaReward.h"
+
+namespace vemba::testing {
+namespace {
+
+using SdkEntryTest = AdTest;
+
+TEST_F(SdkEntryTest, InitializeStoresKeyPrewarmsAndCompletesSynchronouslyOnce) {
+  EXPECT_FALSE(VembaSDK::shared().apiKey());
+  int calls = 0;
+  bool value = false;
+  VembaSDK::shared().initialize(VembaConfiguration("key-1", true), [&](bool ok) {
+    ++calls;
+    value = ok;
+  });
+  EXPECT_EQ(calls, 1);  // before initialize returned
+  EXPECT_TRUE(value);
+  EXPECT_EQ(VembaSDK::shared().apiKey(), "key-1");
+  EXPECT_EQ(UserAgentFetcher::shared().cachedUserAgent(), kIPhoneUserAgent);
+  EXPECT_EQ(logs, (std::vector<std::string>{"VembaSDK initializing with API Key: key-1",
+                                            std::string("User Agent pre-warmed: ") +
+                                                kIPhoneUserAgent}));
+  EXPECT_EQ(platform.mainQueue.pendingCount(), 0U);  // nothing dispatched
+}
+
+TEST_F(SdkEntryTest, SecondInitializeOverwritesKeyAndFindsTheUserAgentCached) {
+  VembaSDK::shared().initialize(VembaConfiguration("first", false));
+  const int readsAfterFirst = platform.device.deviceReads;
+  platform.device.modelValue = "iPad";  // a changed device must not change the cached text
+  VembaSDK::shared().initialize(VembaConfiguration("", false));
+  EXPECT_EQ(VembaSDK::shared().apiKey(), "");  // empty keys are stored, not refused
+  EXPECT_EQ(platform.device.deviceReads, readsAfterFirst);
+  EXPECT_EQ(UserAgentFetcher::shared().cachedUserAgent(), kIPhoneUserAgent);
+  EXPECT_EQ(VembaSDK::version(), "1.0.0");
+}
+
+TEST_F(SdkEntryTest, UserAgentComposition) {
+  struct Case {
+    const char* model;
+    const char* version;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {"iPhone", "17.4.1", kIPhoneUserAgent},
+      {"iPad", "18",
+       "Mozilla/5.0 (iPad; CPU iPad OS 18 like Mac OS X) AppleWebKit/605.1.15 (KHTML, like "
+       "Gecko) Mobile/15E148"},
+      {"Linux", "6.1.0.1",
+       "Mozilla/5.0 (Linux; CPU Linux OS 6_1_0_1 like Mac OS X) AppleWebKit/605.1.15 (KHTML, "
+       "like Gecko) Mobile/15E148"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(UserAgentFetcher::compose(c.model, c.version), c.expected);
+  }
+}
+
+TEST_F(SdkEntryTest, AppInfoFallbacks) {
+  struct Case {
+    std::optional<std::string> bundle;
+    bool hasDictionary;
+    std::optional<platform::InfoValue> version;
+    const char* expectedBundle;
+    const char* expectedVersion;
+  };
+  using Kind = platform::InfoValue::Kind;
+  const Case cases[] = {
+      {"com.host", true, platform::InfoValue{Kind::string, "4.5"}, "com.host", "4.5"},
+      {std::nullopt, true, platform::InfoValue{Kind::string, "4.5"}, "unknown.bundle", "4.5"},
+      {"com.host", false, platform::InfoValue{Kind::string, "4.5"}, "com.host", "1.0"},
+      {"com.host", true, std::nullopt, "com.host", "1.0"},
+      {"com.host", true, platform::InfoValue{Kind::other, ""}, "com.host", "1.0"},
+  };
+  for (const Case& c : cases) {
+    platform.device.bundleIdentifierValue = c.bundle;
+    platform.device.hasInfoDictionaryValue = c.hasDictionary;
+    platform.device.shortVersionValue = c.version;
+    const ads::AppInfo app = ads::currentAppInfo();
+    EXPECT_EQ(app.bundle, c.expectedBundle);
+    EXPECT_EQ(app.ver, c.expectedVersion);
+  }
+}
+
+TEST_F(SdkEntryTest, DeviceInfoConstantsAndAllZeroIdentifier) {
+  platform.device.systemVersionValue = "18";
+  const ads::DeviceInfo device = ads::currentDeviceInfo("ua");
+  EXPECT_EQ(device.ifa, "00000000-0000-0000-0000-000000000000");
+  EXPECT_EQ(device.ip, "");
+  EXPECT_EQ(device.os, "iOS");
+  EXPECT_EQ(device.osv, "18");
+  EXPECT_EQ(device.model, "iPhone");
+  EXPECT_EQ(device.connection, "wifi");
+  platform.device.advertisingIdValue = {0xDE, 0xAD, 0xBE, 0xEF, 0, 1, 0x40, 2, 0x80, 3, 4, 5, 6, 7, 8, 0xAB};
+  EXPECT_EQ(ads::currentDeviceInfo("ua").ifa, "DEADBEEF-0001-4002-8003-0405060708AB");
+}
+
+TEST_F(SdkEntryTest, ErrorCodesKeepTheirPlaces) {
+  const VembaError all[] = {VembaError::internalError("m"), VembaError::invalidRequest(),
+                            VembaError::noFill(),           VembaError::timeout(),
+                            VembaError::encodingFailed(),   VembaError::noData(),
+                            VembaError::noBid()};
+  for (int code = 0; code < 7; ++code) {
+    const Error error = all[code].toError();
+    EXPECT_EQ(error.domain, "VembaError");
+    EXPECT_EQ(error.code, code);
+    EXPECT_EQ(error.description, "The operation couldn\u2019t be completed. (VembaError error " +
+                                     std::to_string(code) + ".)");
+    if (code > 0) {
+      EXPECT_EQ(VembaError::from(error), all[code]);
+    }
+  }
+  EXPECT_FALSE(VembaError::from(Error{"URLError", 6, ""}));
+  VembaLogger::log("");
+  VembaLogger::log(std::string(1 << 20, 'x'));  // any length is accepted
+}
+
+TEST_F(SdkEntryTest, StandardRewardIsOneReward) {
+  EXPECT_EQ(VembaReward::standard().amount(), 1);
+  EXPECT_EQ(VembaReward::standard().type(), "reward");
+  EXPECT_EQ(&VembaReward::standard(), &VembaReward::standard());
+}
+
+}  // namespace
+}  // namespace vemba::testing

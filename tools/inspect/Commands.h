@@ -1,0 +1,16 @@
+// The subcommands of vemba-inspect. Each takes the arguments after its name and returns the
+// process exit status.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vemba::inspect {
+
+using Args = std::vector<std::string>;
+
+int runLoad(const Args& args);       // vemba-inspect load ...
+int runRequest(const Args& args);    // vemba-inspect request ...
+int runUserAgent(const Args& args);  // vemba-inspect user-agent [--checkout ...]
+
+}  // namespace vemba::inspect
