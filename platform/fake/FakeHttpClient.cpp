@@ -1,7 +1,8 @@
 #include "FakeHttpClient.h"
 
-#include <stdexcept>
 #include <strings.h>
+
+#include <stdexcept>
 #include <utility>
 
 #include "common/Url.h"

@@ -2,7 +2,9 @@
 
 namespace vemba::fake {
 
-void FakeMainQueue::post(std::function<void()> work) { postAfter({}, std::move(work)); }
+void FakeMainQueue::post(std::function<void()> work) {
+  postAfter({}, std::move(work));
+}
 
 void FakeMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> work) {
   if (delay.count() < 0) {
@@ -20,7 +22,9 @@ std::chrono::steady_clock::time_point FakeMainQueue::monotonicNow() const {
   return std::chrono::steady_clock::time_point(now_);
 }
 
-std::size_t FakeMainQueue::runUntilIdle() { return advance({}); }
+std::size_t FakeMainQueue::runUntilIdle() {
+  return advance({});
+}
 
 std::size_t FakeMainQueue::advance(std::chrono::milliseconds delta) {
   const std::chrono::milliseconds target = now_ + delta;

@@ -43,8 +43,7 @@ platform::Uuid SequentialUuids::randomUuid() {
 
 void RecordingLogSink::write(platform::LogSeverity severity, std::string_view subsystem,
                              std::string_view category, std::string_view line) {
-  lines.push_back(
-      Line{severity, std::string(subsystem), std::string(category), std::string(line)});
+  lines.push_back(Line{severity, std::string(subsystem), std::string(category), std::string(line)});
 }
 
 FakePlatform::FakePlatform() {

@@ -56,8 +56,8 @@ class RecordingLogSink final : public platform::LogSink {
     std::string category;
     std::string text;
   };
-  void write(platform::LogSeverity severity, std::string_view subsystem,
-             std::string_view category, std::string_view line) override;
+  void write(platform::LogSeverity severity, std::string_view subsystem, std::string_view category,
+             std::string_view line) override;
   std::vector<Line> lines;
 };
 

@@ -14,7 +14,9 @@ std::string rangeText(const UriTextRangeA& range) {
   return std::string(range.first, static_cast<std::size_t>(range.afterLast - range.first));
 }
 
-bool rangePresent(const UriTextRangeA& range) { return range.first != nullptr; }
+bool rangePresent(const UriTextRangeA& range) {
+  return range.first != nullptr;
+}
 
 std::string percentDecode(std::string text) {
   // uriUnescapeInPlaceExA works on a NUL-terminated buffer; embedded NULs end the text.
@@ -56,8 +58,8 @@ std::optional<Url> Url::parse(std::string_view text) {
   }
   // Rebuild the path text from the parsed segments so that it matches what was written.
   std::string path;
-  if (holder.uri.absolutePath == URI_TRUE || (holder.uri.hostText.first != nullptr &&
-                                              holder.uri.pathHead != nullptr)) {
+  if (holder.uri.absolutePath == URI_TRUE ||
+      (holder.uri.hostText.first != nullptr && holder.uri.pathHead != nullptr)) {
     path.push_back('/');
   }
   for (const UriPathSegmentA* segment = holder.uri.pathHead; segment != nullptr;

@@ -15,6 +15,8 @@ const Services& services() {
 ScopedServices::ScopedServices(const Services& installed)
     : previous_(gOverride.exchange(&installed, std::memory_order_acq_rel)) {}
 
-ScopedServices::~ScopedServices() { gOverride.store(previous_, std::memory_order_release); }
+ScopedServices::~ScopedServices() {
+  gOverride.store(previous_, std::memory_order_release);
+}
 
 }  // namespace vemba::platform

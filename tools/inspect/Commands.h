@@ -12,5 +12,7 @@ using Args = std::vector<std::string>;
 int runLoad(const Args& args);       // vemba-inspect load ...
 int runRequest(const Args& args);    // vemba-inspect request ...
 int runUserAgent(const Args& args);  // vemba-inspect user-agent [--checkout ...]
+// vemba-inspect user-agent --checkout ...: the arguments after "--checkout".
+int runCheckoutUserAgent(const Args& args);
 
 }  // namespace vemba::inspect

@@ -41,7 +41,9 @@ class VembaError {
 
   VembaError(Case value) : value_(std::move(value)) {}  // NOLINT: implicit from a case
 
-  static VembaError internalError(std::string message) { return VembaError(InternalError{std::move(message)}); }
+  static VembaError internalError(std::string message) {
+    return VembaError(InternalError{std::move(message)});
+  }
   static VembaError invalidRequest() { return VembaError(InvalidRequest{}); }
   static VembaError noFill() { return VembaError(NoFill{}); }
   static VembaError timeout() { return VembaError(Timeout{}); }

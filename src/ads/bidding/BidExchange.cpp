@@ -121,21 +121,22 @@ void BidExchange::performBidRequest(const std::string& ua, const std::weak_ptr<v
   request.body = std::move(body.value());
   log(log_message::kSendingBidRequest, endpoint->absoluteString());
 
-  platform::services().http->dataTask(
-      std::move(request), [this, owner](platform::HttpResult result) {
-        std::shared_ptr<void> ad = owner.lock();
-        if (!ad) {
-          return;  // Released while in flight: nobody is told.
-        }
-        handleHttpResult(std::move(result), std::move(ad));
-      });
+  platform::services().http->dataTask(std::move(request),
+                                      [this, owner](platform::HttpResult result) {
+                                        std::shared_ptr<void> ad = owner.lock();
+                                        if (!ad) {
+                                          return;  // Released while in flight: nobody is told.
+                                        }
+                                        handleHttpResult(std::move(result), std::move(ad));
+                                      });
 }
 
 void BidExchange::handleHttpResult(platform::HttpResult result, std::shared_ptr<void> owner) {
   if (auto* failure = std::get_if<platform::TransportError>(&result)) {
     log(log_message::kBidRequestFailed, failure->description);
-    notifyDelegateDidFail(Error{std::string(platform::kUrlErrorDomain), failure->code, failure->description},
-                          std::move(owner));
+    notifyDelegateDidFail(
+        Error{std::string(platform::kUrlErrorDomain), failure->code, failure->description},
+        std::move(owner));
     return;
   }
   const auto& response = std::get<platform::HttpResponse>(result);

@@ -35,11 +35,17 @@ Json encode(const Impression& value) {
   return out;
 }
 
-Json encode(const AppInfo& value) { return Json{{"bundle", value.bundle}, {"ver", value.ver}}; }
+Json encode(const AppInfo& value) {
+  return Json{{"bundle", value.bundle}, {"ver", value.ver}};
+}
 
 Json encode(const DeviceInfo& value) {
-  return Json{{"ifa", value.ifa}, {"ua", value.ua},       {"ip", value.ip},
-              {"os", value.os},   {"osv", value.osv},     {"model", value.model},
+  return Json{{"ifa", value.ifa},
+              {"ua", value.ua},
+              {"ip", value.ip},
+              {"os", value.os},
+              {"osv", value.osv},
+              {"model", value.model},
               {"connection", value.connection}};
 }
 
@@ -121,13 +127,11 @@ AppInfo decodeAppInfo(const Json& value, const JsonPath& path) {
 
 DeviceInfo decodeDeviceInfo(const Json& value, const JsonPath& path) {
   const Json& object = json::requireObject(value, path);
-  return DeviceInfo{json::requireString(object, "ifa", path),
-                    json::requireString(object, "ua", path),
-                    json::requireString(object, "ip", path),
-                    json::requireString(object, "os", path),
-                    json::requireString(object, "osv", path),
-                    json::requireString(object, "model", path),
-                    json::requireString(object, "connection", path)};
+  return DeviceInfo{
+      json::requireString(object, "ifa", path),       json::requireString(object, "ua", path),
+      json::requireString(object, "ip", path),        json::requireString(object, "os", path),
+      json::requireString(object, "osv", path),       json::requireString(object, "model", path),
+      json::requireString(object, "connection", path)};
 }
 
 BidRequest decodeBidRequest(const Json& value, const JsonPath& path) {
@@ -136,8 +140,8 @@ BidRequest decodeBidRequest(const Json& value, const JsonPath& path) {
   out.id = json::requireString(object, "id", path);
   out.app = decodeAppInfo(json::requireKey(object, "app", path), path / "app");
   out.device = decodeDeviceInfo(json::requireKey(object, "device", path), path / "device");
-  out.imp = json::decodeArray(json::requireKey(object, "imp", path), path / "imp",
-                              decodeImpression);
+  out.imp =
+      json::decodeArray(json::requireKey(object, "imp", path), path / "imp", decodeImpression);
   return out;
 }
 

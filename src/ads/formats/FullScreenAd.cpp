@@ -28,17 +28,16 @@ template <typename Self, typename Delegate>
 FullScreenAd<Self, Delegate>::FullScreenAd(std::string adUnitId) {
   // The handlers run on the main queue while the exchange holds the ad strongly, so `this` is
   // alive whenever they run.
-  ads::BidOutcomeHandlers handlers{
-      [this] {
-        if (std::shared_ptr<Delegate> listener = delegate()) {
-          listener->adDidLoad(static_cast<Self&>(*this));
-        }
-      },
-      [this](const Error& error) {
-        if (std::shared_ptr<Delegate> listener = delegate()) {
-          listener->adDidFailToLoad(static_cast<Self&>(*this), error);
-        }
-      }};
+  ads::BidOutcomeHandlers handlers{[this] {
+                                     if (std::shared_ptr<Delegate> listener = delegate()) {
+                                       listener->adDidLoad(static_cast<Self&>(*this));
+                                     }
+                                   },
+                                   [this](const Error& error) {
+                                     if (std::shared_ptr<Delegate> listener = delegate()) {
+                                       listener->adDidFailToLoad(static_cast<Self&>(*this), error);
+                                     }
+                                   }};
   exchange_ = std::make_unique<ads::BidExchange>(formatOf<Self>(), std::move(adUnitId),
                                                  std::move(handlers));
 }
@@ -74,7 +73,8 @@ void FullScreenAd<Self, Delegate>::load() {
 template class FullScreenAd<VembaInterstitialAd, VembaInterstitialAdDelegate>;
 template class FullScreenAd<VembaRewardedAd, VembaRewardedAdDelegate>;
 
-VembaInterstitialAd::VembaInterstitialAd(std::string adUnitId) : FullScreenAd(std::move(adUnitId)) {}
+VembaInterstitialAd::VembaInterstitialAd(std::string adUnitId)
+    : FullScreenAd(std::move(adUnitId)) {}
 
 std::shared_ptr<VembaInterstitialAd> VembaInterstitialAd::create(std::string adUnitId) {
   return std::make_shared<VembaInterstitialAd>(std::move(adUnitId));

@@ -38,8 +38,9 @@ inline constexpr const char* kIPhoneUserAgent =
 // A bid response whose first bid is usable.
 inline std::string bidResponse(const std::string& adm, const std::string& extraBidFields = "",
                                const std::string& extraTopFields = "") {
-  return R"({"id":"r1")" + extraTopFields + R"(,"seatbid":[{"bid":[{"impid":"1","price":1.5,"adm":")" +
-         adm + "\"" + extraBidFields + "}]}]}";
+  return R"({"id":"r1")" + extraTopFields +
+         R"(,"seatbid":[{"bid":[{"impid":"1","price":1.5,"adm":")" + adm + "\"" + extraBidFields +
+         "}]}]}";
 }
 
 }  // namespace vemba::testing

@@ -61,9 +61,11 @@ TEST_F(BidExchangeTest, RequestShapeAndHeaders) {
   EXPECT_EQ(body->device, (ads::DeviceInfo{"00000000-0000-0000-0000-000000000000", kIPhoneUserAgent,
                                            "", "iOS", "17.4.1", "iPhone", "wifi"}));
   ASSERT_EQ(body->imp.size(), 1U);
-  EXPECT_EQ(body->imp[0], (ads::Impression{"1", "unit-1", ads::Interstitial{}, std::nullopt, 0.25}));
-  EXPECT_EQ(logs, (std::vector<std::string>{"Loading ad for Unit ID: unit-1",
-                                            "Sending Bid Request to: https://127.0.0.1:18443/bid"}));
+  EXPECT_EQ(body->imp[0],
+            (ads::Impression{"1", "unit-1", ads::Interstitial{}, std::nullopt, 0.25}));
+  EXPECT_EQ(logs,
+            (std::vector<std::string>{"Loading ad for Unit ID: unit-1",
+                                      "Sending Bid Request to: https://127.0.0.1:18443/bid"}));
 
   VembaSDK::shared().initialize(VembaConfiguration("secret", false));
   ad->load();
@@ -77,7 +79,8 @@ TEST_F(BidExchangeTest, BidFloorIsSentOnlyWhenStrictlyPositive) {
   for (const double floor : floors) {
     ad->setBidFloor(floor);
     ad->load();
-    const auto body = ads::decodeBidRequestText(*platform.http.request(platform.http.taskCount() - 1).body);
+    const auto body =
+        ads::decodeBidRequestText(*platform.http.request(platform.http.taskCount() - 1).body);
     EXPECT_EQ(body->imp[0].bidfloor.has_value(), floor > 0) << floor;
   }
 }
@@ -100,10 +103,11 @@ TEST_F(BidExchangeTest, OutcomesAreClassified) {
       {"no seatbid", 200, std::string(R"({"id":"r"})"), "VembaError", 6},
       {"empty seatbid", 200, std::string(R"({"id":"r","seatbid":[]})"), "VembaError", 6},
       {"first seat empty, second full", 200,
-       std::string(R"({"id":"r","seatbid":[{"bid":[]},{"bid":[{"impid":"1","price":1,"adm":"https://a/"}]}]})"),
+       std::string(
+           R"({"id":"r","seatbid":[{"bid":[]},{"bid":[{"impid":"1","price":1,"adm":"https://a/"}]}]})"),
        "VembaError", 6},
-      {"bid without adm", 200, std::string(R"({"id":"r","seatbid":[{"bid":[{"impid":"1","price":1}]}]})"),
-       "VembaError", 6},
+      {"bid without adm", 200,
+       std::string(R"({"id":"r","seatbid":[{"bid":[{"impid":"1","price":1}]}]})"), "VembaError", 6},
       {"adm not a URL", 200, bidResponse("not a url"), "VembaError", 6},
       {"adm empty", 200, bidResponse(""), "VembaError", 6},
   };
@@ -138,8 +142,7 @@ TEST_F(BidExchangeTest, TransportErrorsPassThroughUnchangedAndAreLogged) {
   platform.http.fail(0, platform::UrlErrorCode::timedOut);
   platform.mainQueue.runUntilIdle();
   ASSERT_EQ(delegate->calls.size(), 1U);
-  EXPECT_EQ(delegate->calls[0].error,
-            (Error{"URLError", -1001, "The request timed out."}));
+  EXPECT_EQ(delegate->calls[0].error, (Error{"URLError", -1001, "The request timed out."}));
   EXPECT_EQ(logs.back(), "Bid Request failed: The request timed out.");
 }
 
@@ -209,9 +212,11 @@ TEST_F(BidExchangeTest, BillingUrlRules) {
   // Applied in order to one ad: each step sees what the earlier ones left.
   const Step steps[] = {
       {"fresh ad, no burl, no bidid", bidResponse("https://a/p"), std::nullopt},
-      {"burl wins", bidResponse("https://a/p", R"(,"burl":"https://b/win?x=1")", R"(,"bidid":"abc")"),
+      {"burl wins",
+       bidResponse("https://a/p", R"(,"burl":"https://b/win?x=1")", R"(,"bidid":"abc")"),
        "https://b/win?x=1"},
-      {"no burl and no bidid keeps the earlier one", bidResponse("https://a/p"), "https://b/win?x=1"},
+      {"no burl and no bidid keeps the earlier one", bidResponse("https://a/p"),
+       "https://b/win?x=1"},
       {"bidid builds from the base", bidResponse("https://a/p", "", R"(,"bidid":"abc")"),
        base + "?bidid=abc&win=1"},
       {"unparsable burl falls back to bidid",
@@ -223,7 +228,8 @@ TEST_F(BidExchangeTest, BillingUrlRules) {
   for (const Step& step : steps) {
     loadAndAnswer(200, step.body);
     const std::optional<Url> url = billingURL();
-    EXPECT_EQ(url ? std::optional(url->absoluteString()) : std::nullopt, step.expected) << step.name;
+    EXPECT_EQ(url ? std::optional(url->absoluteString()) : std::nullopt, step.expected)
+        << step.name;
   }
 }
 
@@ -250,10 +256,9 @@ TEST_F(BidExchangeTest, BillingPixelIsAPlainGetOrNothing) {
 
 TEST_F(BidExchangeTest, InvalidEndpointIsSilent) {
   int callbacks = 0;
-  ads::BidExchange exchange(
-      {ads::AdFormat::Kind::rewarded, "Loading: "}, "u",
-      {[&] { ++callbacks; }, [&](const Error&) { ++callbacks; }},
-      {"https://exa mple/bid", "https://exa mple/v1/billing"});
+  ads::BidExchange exchange({ads::AdFormat::Kind::rewarded, "Loading: "}, "u",
+                            {[&] { ++callbacks; }, [&](const Error&) { ++callbacks; }},
+                            {"https://exa mple/bid", "https://exa mple/v1/billing"});
   auto owner = std::make_shared<int>(0);
   exchange.load(owner);
   platform.mainQueue.runUntilIdle();

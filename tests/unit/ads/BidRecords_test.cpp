@@ -20,10 +20,11 @@ BidRequest sampleRequest() {
 TEST(BidRecordsTest, RequestEncodesExactlyWithSlashesEscaped) {
   const auto text = encodeBidRequestText(sampleRequest());
   ASSERT_TRUE(text);
-  EXPECT_EQ(*text,
-            R"({"app":{"bundle":"com.host","ver":"2.3"},"device":{"connection":"wifi","ifa":"IFA",)"
-            R"x("ip":"","model":"iPhone","os":"iOS","osv":"17.4.1","ua":"Mozilla\/5.0 (iPhone)"},)x"
-            R"("id":"REQ-1","imp":[{"bidfloor":0.5,"id":"1","interstitial":{},"tagid":"unit-7"}]})");
+  EXPECT_EQ(
+      *text,
+      R"({"app":{"bundle":"com.host","ver":"2.3"},"device":{"connection":"wifi","ifa":"IFA",)"
+      R"x("ip":"","model":"iPhone","os":"iOS","osv":"17.4.1","ua":"Mozilla\/5.0 (iPhone)"},)x"
+      R"("id":"REQ-1","imp":[{"bidfloor":0.5,"id":"1","interstitial":{},"tagid":"unit-7"}]})");
 }
 
 TEST(BidRecordsTest, FormatMarkerAndAbsentOptionalsAreLeftOut) {
@@ -51,9 +52,9 @@ TEST(BidRecordsTest, EveryRecordRoundTrips) {
 
   const BidResponse response{
       "r", "bid-9",
-      std::vector<SeatBid>{SeatBid{{Bid{"b", "1", 2.25, "https://a/p", "https://a/i", "https://a/b"},
-                                    Bid{std::nullopt, "2", 0, std::nullopt, std::nullopt,
-                                        std::nullopt}}}}};
+      std::vector<SeatBid>{
+          SeatBid{{Bid{"b", "1", 2.25, "https://a/p", "https://a/i", "https://a/b"},
+                   Bid{std::nullopt, "2", 0, std::nullopt, std::nullopt, std::nullopt}}}}};
   const auto decodedResponse = decodeBidResponseText(json::dumpCompact(encode(response)));
   ASSERT_TRUE(decodedResponse);
   EXPECT_EQ(*decodedResponse, response);

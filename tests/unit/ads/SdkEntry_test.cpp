@@ -23,9 +23,9 @@ TEST_F(SdkEntryTest, InitializeStoresKeyPrewarmsAndCompletesSynchronouslyOnce) {
   EXPECT_TRUE(value);
   EXPECT_EQ(VembaSDK::shared().apiKey(), "key-1");
   EXPECT_EQ(UserAgentFetcher::shared().cachedUserAgent(), kIPhoneUserAgent);
-  EXPECT_EQ(logs, (std::vector<std::string>{"VembaSDK initializing with API Key: key-1",
-                                            std::string("User Agent pre-warmed: ") +
-                                                kIPhoneUserAgent}));
+  EXPECT_EQ(logs,
+            (std::vector<std::string>{"VembaSDK initializing with API Key: key-1",
+                                      std::string("User Agent pre-warmed: ") + kIPhoneUserAgent}));
   EXPECT_EQ(platform.mainQueue.pendingCount(), 0U);  // nothing dispatched
 }
 
@@ -95,14 +95,18 @@ TEST_F(SdkEntryTest, DeviceInfoConstantsAndAllZeroIdentifier) {
   EXPECT_EQ(device.osv, "18");
   EXPECT_EQ(device.model, "iPhone");
   EXPECT_EQ(device.connection, "wifi");
-  platform.device.advertisingIdValue = {0xDE, 0xAD, 0xBE, 0xEF, 0, 1, 0x40, 2, 0x80, 3, 4, 5, 6, 7, 8, 0xAB};
+  platform.device.advertisingIdValue = {0xDE, 0xAD, 0xBE, 0xEF, 0, 1, 0x40, 2,
+                                        0x80, 3,    4,    5,    6, 7, 8,    0xAB};
   EXPECT_EQ(ads::currentDeviceInfo("ua").ifa, "DEADBEEF-0001-4002-8003-0405060708AB");
 }
 
 TEST_F(SdkEntryTest, ErrorCodesKeepTheirPlaces) {
-  const VembaError all[] = {VembaError::internalError("m"), VembaError::invalidRequest(),
-                            VembaError::noFill(),           VembaError::timeout(),
-                            VembaError::encodingFailed(),   VembaError::noData(),
+  const VembaError all[] = {VembaError::internalError("m"),
+                            VembaError::invalidRequest(),
+                            VembaError::noFill(),
+                            VembaError::timeout(),
+                            VembaError::encodingFailed(),
+                            VembaError::noData(),
                             VembaError::noBid()};
   for (int code = 0; code < 7; ++code) {
     const Error error = all[code].toError();

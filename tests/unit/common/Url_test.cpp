@@ -28,13 +28,15 @@ TEST(UrlTest, AcceptsAndRejectsByTheUriGrammar) {
 TEST(UrlTest, ExposesComponentsAndKeepsTheText) {
   const auto url = Url::parse("https://127.0.0.1:18443/v1/billing?bidid=a%20b&win=1&flag#frag");
   ASSERT_TRUE(url);
-  EXPECT_EQ(url->absoluteString(), "https://127.0.0.1:18443/v1/billing?bidid=a%20b&win=1&flag#frag");
+  EXPECT_EQ(url->absoluteString(),
+            "https://127.0.0.1:18443/v1/billing?bidid=a%20b&win=1&flag#frag");
   EXPECT_EQ(url->scheme(), "https");
   EXPECT_EQ(url->host(), "127.0.0.1");
   EXPECT_EQ(url->port(), "18443");
   EXPECT_EQ(url->path(), "/v1/billing");
   EXPECT_EQ(url->pathComponents(), (std::vector<std::string>{"v1", "billing"}));
-  const std::vector<Url::QueryItem> expected{{"bidid", "a b"}, {"win", "1"}, {"flag", std::nullopt}};
+  const std::vector<Url::QueryItem> expected{
+      {"bidid", "a b"}, {"win", "1"}, {"flag", std::nullopt}};
   EXPECT_EQ(url->queryItems(), expected);
   EXPECT_EQ(url->fragment(), "frag");
 }

@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds and runs every test: the CI build (warnings are errors), the
+# AddressSanitizer+UBSan and ThreadSanitizer builds, the formatting check and a short run of each
+# fuzzer. Exits non-zero on the first failure.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+jobs=${VEMBA_JOBS:-2}
+fuzz_seconds=${VEMBA_FUZZ_SECONDS:-20}
+
+scripts/install-deps.sh
+
+section() { printf '\n==== %s ====\n' "$*"; }
+
+section "format"
+scripts/check-format.sh
+
+for preset in ci asan-ubsan tsan; do
+  section "build ($preset)"
+  cmake --preset "$preset" >/dev/null
+  cmake --build --preset "$preset" -j "$jobs"
+  section "test ($preset)"
+  ctest --preset "$preset" -j "$jobs" --timeout 300
+done
+
+section "fuzz (${fuzz_seconds}s each)"
+cmake --preset fuzz >/dev/null
+cmake --build --preset fuzz -j "$jobs"
+scripts/run-fuzzers.sh build/fuzz "$fuzz_seconds"
+
+echo
+echo "All tests passed."

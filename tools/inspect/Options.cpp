@@ -1,0 +1,62 @@
+#include "Options.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace vemba::inspect {
+
+std::optional<Options> Options::parse(const Args& args, const std::set<std::string>& valued,
+                                      const std::set<std::string>& flags) {
+  Options options;
+  for (std::size_t i = 0; i < args.size(); ++i) {
+    const std::string& arg = args[i];
+    const bool isValued = valued.count(arg) != 0;
+    if (!isValued && flags.count(arg) == 0) {
+      std::fprintf(stderr, "vemba-inspect: unknown option '%s'\n", arg.c_str());
+      return std::nullopt;
+    }
+    if (options.values_.count(arg) != 0 || options.flags_.count(arg) != 0) {
+      std::fprintf(stderr, "vemba-inspect: option '%s' given twice\n", arg.c_str());
+      return std::nullopt;
+    }
+    if (!isValued) {
+      options.flags_.insert(arg);
+      continue;
+    }
+    if (i + 1 >= args.size()) {
+      std::fprintf(stderr, "vemba-inspect: option '%s' needs a value\n", arg.c_str());
+      return std::nullopt;
+    }
+    options.values_[arg] = args[++i];
+  }
+  return options;
+}
+
+std::optional<std::string> Options::value(const std::string& name) const {
+  const auto it = values_.find(name);
+  return it == values_.end() ? std::nullopt : std::optional(it->second);
+}
+
+std::optional<double> Options::number(const std::string& name, bool& ok) const {
+  const std::optional<std::string> text = value(name);
+  if (!text) {
+    return std::nullopt;
+  }
+  char* end = nullptr;
+  const double parsed = std::strtod(text->c_str(), &end);
+  if (text->empty() || end == nullptr || *end != '\0') {
+    std::fprintf(stderr, "vemba-inspect: %s expects a number, got '%s'\n", name.c_str(),
+                 text->c_str());
+    ok = false;
+    return std::nullopt;
+  }
+  return parsed;
+}
+
+void printLine(const std::string& line) {
+  std::fwrite(line.data(), 1, line.size(), stdout);
+  std::fputc('\n', stdout);
+  std::fflush(stdout);
+}
+
+}  // namespace vemba::inspect

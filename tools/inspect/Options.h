@@ -1,0 +1,34 @@
+// A small command-line option reader for the inspector: "--name value" options and "--flag"
+// switches, each allowed once; anything else is an error with a readable message.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "Commands.h"
+
+namespace vemba::inspect {
+
+class Options {
+ public:
+  // `valued` names take a value, `flags` do not. Returns absent (after printing why to stderr)
+  // when the arguments do not fit.
+  static std::optional<Options> parse(const Args& args, const std::set<std::string>& valued,
+                                      const std::set<std::string>& flags);
+
+  std::optional<std::string> value(const std::string& name) const;
+  bool flag(const std::string& name) const { return flags_.count(name) != 0; }
+  // The value of `name` as a number; absent when missing; prints and returns nullopt on junk.
+  std::optional<double> number(const std::string& name, bool& ok) const;
+
+ private:
+  std::map<std::string, std::string> values_;
+  std::set<std::string> flags_;
+};
+
+// Prints `line` to standard output with a newline and flushes, so a reader sees it at once.
+void printLine(const std::string& line);
+
+}  // namespace vemba::inspect
