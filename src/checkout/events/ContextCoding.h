@@ -1,0 +1,15 @@
+// JSON decoding and encoding of a pixel event's browser context. Keys equal the field names,
+// except Location::locationProtocol, carried under "protocol". Every field is optional; a value
+// of the wrong type anywhere fails the whole context.
+#pragma once
+
+#include "common/JsonDecoding.h"
+#include "vemba/checkout/events/Context.h"
+
+namespace vemba::checkout {
+
+// Throws json::DecodingFailure.
+Context decodeContext(const json::Json& value, const json::JsonPath& path);
+json::Json toJson(const Context& context);
+
+}  // namespace vemba::checkout

@@ -1,0 +1,203 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "CheckoutTestSupport.h"
+#include "checkout/events/CheckoutCompletedEventCoding.h"
+#include "checkout/events/CheckoutCompletedEventDecoder.h"
+
+namespace vemba::checkout {
+namespace {
+
+using json::Json;
+
+// A complete summary using every field once.
+constexpr std::string_view kFullSummary = R"({
+  "orderDetails": {
+    "id": "gid://shop/OrderIdentity/9912",
+    "email": "ada@example.com",
+    "phone": "+15550100",
+    "billingAddress": {"address1": "1 Main St", "address2": "Apt 4", "city": "Ottawa",
+      "countryCode": "CA", "firstName": "Ada", "lastName": "Lovelace", "name": "Ada Lovelace",
+      "phone": "+15550100", "postalCode": "K1A 0B1", "referenceId": "ref-1", "zoneCode": "ON"},
+    "cart": {
+      "token": "c1-abc",
+      "lines": [{
+        "title": "Wool socks", "quantity": 2, "merchandiseId": "gid://shop/ProductVariant/1",
+        "productId": "gid://shop/Product/7",
+        "price": {"amount": 24.5, "currencyCode": "CAD"},
+        "image": {"sm": "https://cdn.example/s.jpg", "md": "https://cdn.example/m.jpg",
+                  "lg": "https://cdn.example/l.jpg", "altText": "Grey socks"},
+        "discounts": [{"title": "WINTER", "amount": {"amount": 2, "currencyCode": "CAD"},
+                       "applicationType": "DISCOUNT_CODE", "value": 10, "valueType": "PERCENTAGE"}]
+      }],
+      "price": {"subtotal": {"amount": 49, "currencyCode": "CAD"},
+                "total": {"amount": 52.37, "currencyCode": "CAD"},
+                "taxes": {"amount": 3.37, "currencyCode": "CAD"},
+                "shipping": {"amount": 0, "currencyCode": "CAD"},
+                "discounts": [{"title": "WINTER"}]}
+    },
+    "deliveries": [{"method": "SHIPPING", "details": {"name": "Standard",
+      "additionalInfo": "3-5 days", "location": {"city": "Ottawa"}}}],
+    "paymentMethods": [{"type": "creditCard", "details": {"brand": "VISA", "last4": null}}]
+  },
+  "unknownTopLevel": {"ignored": [1, 2, 3]}
+})";
+
+Json envelope(std::string_view body) {
+  return Json{{"name", "completed"}, {"body", body}};
+}
+
+class CompletedEventDecoderTest : public testing::CheckoutTest {
+ protected:
+  static CheckoutCompletedEvent decode(const Json& message) {
+    return CheckoutCompletedEventDecoder::decode(message);
+  }
+};
+
+TEST_F(CompletedEventDecoderTest, DecodesAFullSummaryWithoutLogging) {
+  const CheckoutCompletedEvent event = decode(envelope(kFullSummary));
+  const auto& order = event.orderDetails;
+  EXPECT_EQ(order.id, "gid://shop/OrderIdentity/9912");
+  EXPECT_EQ(order.billingAddress->zoneCode, "ON");
+  ASSERT_EQ(order.cart.lines.size(), 1U);
+  const auto& line = order.cart.lines[0];
+  EXPECT_EQ(line.quantity, 2);
+  EXPECT_EQ(line.price.amount, 24.5);
+  EXPECT_EQ(line.image->altText, "Grey socks");
+  EXPECT_EQ(line.discounts->at(0).amount->amount, 2.0);
+  EXPECT_EQ(order.cart.price.total->amount, 52.37);
+  EXPECT_EQ(order.deliveries->at(0).details.location->city, "Ottawa");
+  EXPECT_TRUE(logLines().empty());
+}
+
+TEST_F(CompletedEventDecoderTest, PaymentDetailsKeepKeysWhoseValueIsNull) {
+  const CheckoutCompletedEvent event = decode(envelope(kFullSummary));
+  const auto& method = event.orderDetails.paymentMethods->at(0);
+  ASSERT_EQ(method.details.size(), 2U);
+  EXPECT_EQ(method.details.at("brand"), "VISA");
+  ASSERT_EQ(method.details.count("last4"), 1U);
+  EXPECT_FALSE(method.details.at("last4").has_value());
+}
+
+TEST_F(CompletedEventDecoderTest, FailureLogsOnceAndYieldsTheEmptyEvent) {
+  struct Case {
+    const char* name;
+    Json message;
+    const char* descriptionPart;  // expected inside the logged description
+  };
+  const Case cases[] = {
+      {"no orderDetails", envelope("{}"), "orderDetails"},
+      {"not JSON", envelope("{\"orderDetails\":"), "not valid JSON"},
+      {"empty body", envelope(""), "not valid JSON"},
+      {"body missing", Json{{"name", "completed"}}, "body"},
+      {"body not a string", Json{{"name", "completed"}, {"body", Json::parse(kFullSummary)}},
+       "body"},
+  };
+  for (const Case& c : cases) {
+    platform.log.lines.clear();
+    EXPECT_EQ(decode(c.message), createEmptyCheckoutCompletedEvent(std::nullopt)) << c.name;
+    const std::vector<std::string> lines = logLines();
+    ASSERT_EQ(lines.size(), 1U) << c.name;
+    const std::string& text = lines[0];
+    EXPECT_EQ(
+        text.rfind("error|[VembaCheckoutKit] (Error) - Error decoding \"completed\" event - ", 0),
+        0U)
+        << text;
+    EXPECT_NE(text.find(c.descriptionPart), std::string::npos) << c.name << ": " << text;
+  }
+}
+
+TEST_F(CompletedEventDecoderTest, ExactLogLineNamesThePath) {
+  decode(envelope("{}"));
+  EXPECT_EQ(logLines(), std::vector<std::string>{
+                            "error|[VembaCheckoutKit] (Error) - Error decoding \"completed\" "
+                            "event - Key not found at \"orderDetails\": No value "
+                            "associated with key \"orderDetails\"."});
+}
+
+// Each edit applied to the full summary must discard the whole summary (or must not).
+TEST_F(CompletedEventDecoderTest, OneBadFieldAnywhereDiscardsTheWholeSummary) {
+  struct Case {
+    const char* pointer;  // JSON pointer into the summary
+    Json value;           // replacement; discarded() = remove the key
+    bool decodes;
+  };
+  const Json remove = Json(Json::value_t::discarded);
+  const Case cases[] = {
+      {"/orderDetails", "x", false},
+      {"/orderDetails/id", remove, false},
+      {"/orderDetails/id", nullptr, false},
+      {"/orderDetails/id", 12, false},
+      {"/orderDetails/email", nullptr, true},
+      {"/orderDetails/email", false, false},
+      {"/orderDetails/billingAddress/city", 1, false},
+      {"/orderDetails/billingAddress", nullptr, true},
+      {"/orderDetails/cart/token", remove, false},
+      {"/orderDetails/cart/lines", remove, false},
+      {"/orderDetails/cart/lines", Json::array(), true},
+      {"/orderDetails/cart/lines/0/title", remove, false},
+      {"/orderDetails/cart/lines/0/quantity", 2.5, false},
+      {"/orderDetails/cart/lines/0/quantity", "2", false},
+      {"/orderDetails/cart/lines/0/quantity", 2, true},
+      {"/orderDetails/cart/lines/0/price", remove, false},
+      {"/orderDetails/cart/lines/0/price/amount", "24.50", false},
+      {"/orderDetails/cart/lines/0/image/lg", remove, false},
+      {"/orderDetails/cart/lines/0/image", nullptr, true},
+      {"/orderDetails/cart/lines/0/discounts/0/value", "10", false},
+      {"/orderDetails/cart/price/discounts", nullptr, true},
+      {"/orderDetails/cart/price/discounts", Json::object(), false},
+      {"/orderDetails/cart/price/total/currencyCode", 1, false},
+      {"/orderDetails/deliveries/0/method", remove, false},
+      {"/orderDetails/deliveries/0/details", remove, false},
+      {"/orderDetails/deliveries/0/details/location/city", true, false},
+      {"/orderDetails/paymentMethods/0/details/brand", 4, false},
+      {"/orderDetails/paymentMethods/0/details", remove, false},
+      {"/orderDetails/paymentMethods/0/type", remove, false},
+      {"/orderDetails/paymentMethods", Json::object(), false},
+      {"/orderDetails/cart/lines/0/extra", "ignored", true},
+  };
+  const CheckoutCompletedEvent empty = createEmptyCheckoutCompletedEvent(std::nullopt);
+  for (const Case& c : cases) {
+    Json summary = Json::parse(kFullSummary);
+    const Json::json_pointer pointer(c.pointer);
+    if (c.value.is_discarded()) {
+      summary[pointer.parent_pointer()].erase(pointer.back());
+    } else {
+      summary[pointer] = c.value;
+    }
+    platform.log.lines.clear();
+    const CheckoutCompletedEvent event = decode(envelope(summary.dump()));
+    EXPECT_EQ(event != empty, c.decodes) << c.pointer << " = " << c.value.dump();
+    EXPECT_EQ(platform.log.lines.size(), c.decodes ? 0U : 1U) << c.pointer;
+  }
+}
+
+TEST(CheckoutCompletedEventTest, EmptyEventEncodesFourEmptyPrices) {
+  EXPECT_EQ(toJson(createEmptyCheckoutCompletedEvent(std::nullopt)).dump(),
+            R"({"orderDetails":{"cart":{"lines":[],"price":{"shipping":{},"subtotal":{},)"
+            R"("taxes":{},"total":{}},"token":""},"id":""}})");
+  EXPECT_EQ(createEmptyCheckoutCompletedEvent("order-1").orderDetails.id, "order-1");
+}
+
+TEST(CheckoutCompletedEventTest, EncodingRoundTripsAndLeavesAbsentOptionalsOut) {
+  const auto decoded =
+      json::decodeText(Json::parse(kFullSummary).dump(), decodeCheckoutCompletedEvent);
+  ASSERT_TRUE(decoded);
+  const Json encoded = toJson(*decoded);
+  // A null payment detail is part of the details, so it is written as null.
+  EXPECT_TRUE(encoded["orderDetails"]["paymentMethods"][0]["details"]["last4"].is_null());
+  EXPECT_FALSE(encoded.contains("unknownTopLevel"));
+  const auto again = json::decodeText(encoded.dump(), decodeCheckoutCompletedEvent);
+  ASSERT_TRUE(again);
+  EXPECT_EQ(*again, *decoded);
+
+  CheckoutCompletedEvent sparse = createEmptyCheckoutCompletedEvent("x");
+  sparse.orderDetails.cart.price = {};
+  sparse.orderDetails.cart.lines.push_back({});
+  const Json line = toJson(sparse)["orderDetails"]["cart"]["lines"][0];
+  EXPECT_EQ(line.dump(), R"({"price":{},"quantity":0,"title":""})");
+}
+
+}  // namespace
+}  // namespace vemba::checkout

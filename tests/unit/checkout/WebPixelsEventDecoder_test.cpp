@@ -1,0 +1,289 @@
+#include "checkout/events/WebPixelsEventDecoder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "FakePlatform.h"
+#include "checkout/events/ContextCoding.h"
+#include "checkout/events/PixelEventCoding.h"
+#include "checkout/events/StandardEventDataCoding.h"
+#include "checkout/events/WebPixelsEventCoding.h"
+#include "common/JsonDecoding.h"
+
+namespace vemba::checkout {
+namespace {
+
+using json::Json;
+
+Json payload(Json event) {
+  return Json{{"name", "page_viewed"}, {"event", std::move(event)}};
+}
+
+Json body(std::string_view type) {
+  return Json{{"id", "sh-1"},
+              {"name", "checkout_started"},
+              {"timestamp", "2024-03-01T10:00:00.000Z"},
+              {"type", type},
+              {"context", Json::object()}};
+}
+
+Expected<std::optional<PixelEvent>, json::DecodingError> decodeMessage(const Json& message) {
+  return WebPixelsEventDecoder::decode(message);
+}
+
+Expected<std::optional<PixelEvent>, json::DecodingError> decodePayload(const Json& p) {
+  return decodeMessage(Json{{"name", "webPixels"}, {"body", p.dump()}});
+}
+
+// The decoded event, failing the test when there is none.
+template <typename T>
+T decodeAs(const Json& p) {
+  auto decoded = decodePayload(p);
+  EXPECT_TRUE(decoded) << (decoded ? "" : decoded.error().description());
+  if (!decoded || !decoded->has_value() || !std::holds_alternative<T>(**decoded)) {
+    ADD_FAILURE() << "no event of the expected kind for " << p.dump();
+    return T{};
+  }
+  return std::get<T>(**decoded);
+}
+
+TEST(WebPixelsEventDecoderTest, StandardEventWithEmptyContextAndNoData) {
+  fake::InstalledFakePlatform platform;
+  const auto event = decodeAs<StandardEvent>(payload(body("standard")));
+  EXPECT_EQ(event.id, "sh-1");
+  EXPECT_EQ(event.name, "checkout_started");  // the inner name, not the outer one
+  EXPECT_EQ(event.timestamp, "2024-03-01T10:00:00.000Z");
+  EXPECT_EQ(event.context, Context{});
+  EXPECT_FALSE(event.data.has_value());
+  EXPECT_TRUE(platform.log.lines.empty());
+}
+
+TEST(WebPixelsEventDecoderTest, OtherTypesYieldNoEventAndNoFailure) {
+  for (const char* type : {"Standard", "STANDARD", "Custom", "", "dom"}) {
+    auto decoded = decodePayload(payload(body(type)));
+    ASSERT_TRUE(decoded) << type;
+    EXPECT_FALSE(decoded->has_value()) << type;
+  }
+}
+
+TEST(WebPixelsEventDecoderTest, FailuresAreReportedNotSwallowed) {
+  Json noContext = body("custom");
+  noContext.erase("context");
+  noContext["customData"] = Json::object();
+  Json nullContext = body("standard");
+  nullContext["context"] = nullptr;
+  Json customWithoutData = body("custom");
+  Json customDataString = body("custom");
+  customDataString["customData"] = "{}";
+  Json dataNotObject = body("standard");
+  dataNotObject["data"] = Json::array();
+  Json badPort = body("standard");
+  badPort["context"] = Json::parse(R"({"document":{"location":{"port":443}}})");
+  Json badCookie = body("standard");
+  badCookie["context"] = Json::parse(R"({"navigator":{"cookieEnabled":"true"}})");
+  Json noId = body("standard");
+  noId.erase("id");
+  Json deepData = body("standard");
+  deepData["data"] = Json::parse(std::string(600, '[') + std::string(600, ']'));
+  deepData["data"] = Json{{"k", deepData["data"]}};
+
+  struct Case {
+    const char* name;
+    Json message;
+    const char* path;
+  };
+  const Case cases[] = {
+      {"body missing", Json{{"name", "webPixels"}}, "body"},
+      {"body not a string", Json{{"name", "webPixels"}, {"body", payload(body("standard"))}},
+       "body"},
+      {"body not JSON", Json{{"name", "webPixels"}, {"body", "{"}}, ""},
+      {"outer name missing", Json{{"name", "webPixels"}, {"body", R"({"event":{}})"}}, "name"},
+      {"no context, custom", Json{{"body", payload(noContext).dump()}}, "event.context"},
+      {"null context", Json{{"body", payload(nullContext).dump()}}, "event.context"},
+      {"custom without customData", Json{{"body", payload(customWithoutData).dump()}},
+       "event.customData"},
+      {"customData a string", Json{{"body", payload(customDataString).dump()}}, "event.customData"},
+      {"data not an object", Json{{"body", payload(dataNotObject).dump()}}, "event.data"},
+      {"port a number", Json{{"body", payload(badPort).dump()}},
+       "event.context.document.location.port"},
+      {"cookieEnabled a string", Json{{"body", payload(badCookie).dump()}},
+       "event.context.navigator.cookieEnabled"},
+      {"id missing", Json{{"body", payload(noId).dump()}}, "event.id"},
+  };
+  for (const Case& c : cases) {
+    auto decoded = decodeMessage(c.message);
+    ASSERT_FALSE(decoded) << c.name;
+    EXPECT_EQ(decoded.error().path, c.path) << c.name << ": " << decoded.error().description();
+  }
+  auto deep = decodePayload(payload(deepData));
+  ASSERT_FALSE(deep);
+  EXPECT_EQ(deep.error().kind, json::DecodingError::Kind::dataCorrupted);
+}
+
+TEST(WebPixelsEventDecoderTest, CustomDataIsReserialisedWithFreeFormKinds) {
+  Json custom = body("custom");
+  custom["customData"] = Json::parse(R"({"b":[1,"x",null],"a":1,"c":null,"d":{"e":0.5}})");
+  custom["data"] = "ignored for custom events";
+  const auto event = decodeAs<CustomEvent>(payload(custom));
+  ASSERT_TRUE(event.customData.has_value());
+  EXPECT_EQ(*event.customData, R"({"a":1,"b":[1.0,"x"],"d":{"e":0.5}})");
+  EXPECT_EQ(event.id, "sh-1");
+  EXPECT_EQ(event.context, Context{});
+  // Slashes are escaped as the encoder does everywhere; the text stays valid JSON.
+  custom["customData"] = Json{{"url", "https://a/b"}};
+  EXPECT_EQ(decodeAs<CustomEvent>(payload(custom)).customData, R"({"url":"https:\/\/a\/b"})");
+}
+
+TEST(WebPixelsEventDecoderTest, StandardDataIsTypedOrLeftOut) {
+  struct Case {
+    const char* data;
+    bool hasData;
+  };
+  const Case cases[] = {
+      {R"({})", true},
+      {R"({"checkout":null})", true},
+      {R"({"checkout":{"lineItems":[{"quantity":2}]}})", true},
+      {R"({"checkout":{"totalPrice":{"amount":"10.00","currencyCode":"CAD"}}})", false},
+      {R"({"checkout":{"lineItems":[{"quantity":"2"}]}})", false},
+      {R"({"checkout":{"buyerAcceptsSmsMarketing":1}})", false},
+      {R"({"checkout":[]})", false},
+      {R"({"checkout":{"order":{"customer":{"isFirstOrder":"yes"}}}})", false},
+      {R"({"checkout":{"token":"t"},"unknown":[1,{"x":null}]})", true},
+  };
+  for (const Case& c : cases) {
+    Json standard = body("standard");
+    standard["data"] = Json::parse(c.data);
+    const auto event = decodeAs<StandardEvent>(payload(standard));
+    EXPECT_EQ(event.data.has_value(), c.hasData) << c.data;
+    EXPECT_EQ(event.id, "sh-1") << c.data;
+  }
+  Json standard = body("standard");
+  standard["data"] = Json::parse(R"({"checkout":{"lineItems":[{"quantity":2}],
+      "discountApplications":[{"value":{"percentage":10}}]}})");
+  const auto data = decodeAs<StandardEvent>(payload(standard)).data;
+  ASSERT_TRUE(data && data->checkout);
+  EXPECT_EQ(data->checkout->lineItems->at(0).quantity, 2.0);
+  EXPECT_EQ(data->checkout->discountApplications->at(0).value->percentage, 10.0);
+  EXPECT_FALSE(data->checkout->discountApplications->at(0).value->amount.has_value());
+}
+
+TEST(ContextTest, KeysAndTypes) {
+  const auto decode = [](std::string_view text) { return json::decodeText(text, decodeContext); };
+  const auto context = decode(R"({"document":{"location":{"protocol":"https:","port":""}},
+      "window":{"innerWidth":390,"screen":{"height":844.5}},
+      "navigator":{"languages":["en-CA","fr"],"cookieEnabled":true}})");
+  ASSERT_TRUE(context);
+  EXPECT_EQ(context->document->location->locationProtocol, "https:");
+  EXPECT_EQ(context->document->location->port, "");
+  EXPECT_EQ(context->window->innerWidth, 390.0);
+  EXPECT_EQ(context->window->screen->height, 844.5);
+  EXPECT_EQ(context->navigator->languages, (std::vector<std::string>{"en-CA", "fr"}));
+  EXPECT_EQ(toJson(*context)["document"]["location"].dump(), R"({"port":"","protocol":"https:"})");
+
+  const auto renamed = decode(R"({"document":{"location":{"locationProtocol":"https:"}}})");
+  ASSERT_TRUE(renamed);
+  EXPECT_FALSE(renamed->document->location->locationProtocol.has_value());
+
+  const auto empty = decode("{}");
+  ASSERT_TRUE(empty);
+  EXPECT_EQ(*empty, Context{});
+  EXPECT_EQ(toJson(*empty).dump(), "{}");
+
+  EXPECT_FALSE(decode(R"({"navigator":{"languages":["en",1]}})"));
+  EXPECT_FALSE(decode(R"({"window":{"scrollY":"0"}})"));
+}
+
+// A payload using every record of the pixel model once.
+constexpr std::string_view kFullStandardData = R"({"checkout":{
+  "attributes":[{"key":"gift","value":"yes"}],
+  "billingAddress":{"address1":"1 Main St","address2":"","city":"Ottawa","country":"Canada",
+    "countryCode":"CA","firstName":"Ada","lastName":"Lovelace","phone":"+15550100",
+    "province":"Ontario","provinceCode":"ON","zip":"K1A 0B1"},
+  "buyerAcceptsEmailMarketing":false,"buyerAcceptsSmsMarketing":true,"currencyCode":"CAD",
+  "delivery":{"selectedDeliveryOptions":[{"cost":{"amount":5,"currencyCode":"CAD"},
+    "costAfterDiscounts":{"amount":0,"currencyCode":"CAD"},"description":"3-5 days",
+    "handle":"std","title":"Standard","type":"shipping"}]},
+  "discountApplications":[{"allocationMethod":"ACROSS","targetSelection":"ALL",
+    "targetType":"LINE_ITEM","title":"WINTER","type":"DISCOUNT_CODE",
+    "value":{"amount":2.5,"currencyCode":"CAD"}}],
+  "discountsAmount":{"amount":2.5,"currencyCode":"CAD"},"email":"ada@example.com",
+  "lineItems":[{"discountAllocations":[{"amount":{"amount":2.5,"currencyCode":"CAD"},
+      "discountApplication":{"title":"WINTER","value":{"percentage":10}}}],
+    "finalLinePrice":{"amount":22,"currencyCode":"CAD"},"id":"li-1",
+    "properties":[{"key":"engraving","value":"AL"}],"quantity":2,
+    "sellingPlanAllocation":{"sellingPlan":{"id":"sp-1","name":"Monthly"}},"title":"Socks",
+    "variant":{"id":"v-1","image":{"src":"https://cdn.example/s.jpg"},
+      "price":{"amount":12.25,"currencyCode":"CAD"},"product":{"id":"p-1","title":"Socks",
+      "type":"Apparel","untranslatedTitle":"Socks","url":"/products/socks","vendor":"Knits"},
+      "sku":"SK-1","title":"Grey","untranslatedTitle":"Grey"}}],
+  "localization":{"country":{"isoCode":"CA"},"language":{"isoCode":"EN"},
+    "market":{"handle":"ca","id":"m-1"}},
+  "order":{"customer":{"id":"c-1","isFirstOrder":true},"id":"o-1"},"phone":"+15550100",
+  "shippingAddress":{"city":"Ottawa"},"shippingLine":{"price":{"amount":0,"currencyCode":"CAD"}},
+  "smsMarketingPhone":"+15550100","subtotalPrice":{"amount":24.5,"currencyCode":"CAD"},
+  "token":"tok","totalPrice":{"amount":27.37,"currencyCode":"CAD"},
+  "totalTax":{"amount":2.87,"currencyCode":"CAD"},
+  "transactions":[{"amount":{"amount":27.37,"currencyCode":"CAD"},"gateway":"shopify_payments",
+    "paymentMethod":{"name":"VISA","type":"creditCard"}}]}})";
+
+// Decoding, encoding and decoding again gives the same record.
+template <typename T, typename Decode>
+void expectRoundTrip(std::string_view text, Decode decode) {
+  const auto first = json::decodeText(text, decode);
+  ASSERT_TRUE(first) << first.error().description();
+  const std::string encoded = json::dumpCompact(toJson(*first));
+  const auto second = json::decodeText(encoded, decode);
+  ASSERT_TRUE(second) << encoded;
+  EXPECT_EQ(T(*second), T(*first)) << encoded;
+}
+
+TEST(PixelRecordsTest, RoundTrips) {
+  expectRoundTrip<StandardEventData>(kFullStandardData, decodeStandardEventData);
+  const std::string contextText =
+      R"({"document":{"characterSet":"UTF-8","location":{"hash":"","host":"shop.example:8443",)"
+      R"("hostname":"shop.example","href":"https://shop.example:8443/c?x=1","origin":"https://)"
+      R"(shop.example:8443","pathname":"/c","port":"8443","protocol":"https:","search":"?x=1"},)"
+      R"("referrer":"","title":"Checkout"},"navigator":{"cookieEnabled":true,"language":"en",)"
+      R"("languages":["en"],"userAgent":"UA"},"window":{"innerHeight":844,"innerWidth":390,)"
+      R"("location":{"href":"https://shop.example/c"},"origin":"https://shop.example",)"
+      R"("outerHeight":844,"outerWidth":390,"pageXOffset":0,"pageYOffset":12.5,)"
+      R"("screen":{"height":844,"width":390},"screenX":0,"screenY":0,"scrollX":0,"scrollY":12.5}})";
+  expectRoundTrip<Context>(contextText, decodeContext);
+  expectRoundTrip<StandardEvent>(R"({"context":)" + contextText + R"(,"id":"1","name":"n",)" +
+                                     R"("timestamp":"t","data":)" + std::string(kFullStandardData) +
+                                     "}",
+                                 decodeStandardEvent);
+  expectRoundTrip<CustomEvent>(R"({"customData":"{\"a\":1}","id":"1","name":"n"})",
+                               decodeCustomEvent);
+  expectRoundTrip<CartLine>(R"({"cost":{"totalAmount":{"amount":1}},"merchandise":{"id":"v"},)"
+                            R"("quantity":1})",
+                            decodeCartLine);
+  expectRoundTrip<PricingPercentageValue>(R"({"percentage":12.5})", decodePricingPercentageValue);
+  expectRoundTrip<CustomData>(R"({"ignored":1})", decodeCustomData);
+
+  Json custom = body("custom");
+  custom["customData"] = Json{{"a", 1}, {"b", Json::array({1, "x"})}};
+  expectRoundTrip<WebPixelsEvent>(payload(custom).dump(), decodeWebPixelsEvent);
+  Json standard = body("standard");
+  standard["data"] = Json::parse(kFullStandardData);
+  expectRoundTrip<WebPixelsEvent>(payload(standard).dump(), decodeWebPixelsEvent);
+
+  // Every field of the typed tree survives: nothing was dropped on the way.
+  const auto full = json::decodeText(kFullStandardData, decodeStandardEventData);
+  ASSERT_TRUE(full);
+  EXPECT_EQ(toJson(*full), Json::parse(kFullStandardData));
+}
+
+TEST(PixelRecordsTest, AbsentFieldsAreLeftOutWhenEncoding) {
+  EXPECT_EQ(toJson(StandardEvent{}).dump(), "{}");
+  EXPECT_EQ(toJson(CustomEvent{}).dump(), "{}");
+  EXPECT_EQ(toJson(StandardEventData{Checkout{}}).dump(), R"({"checkout":{}})");
+  StandardEvent event;
+  event.data = StandardEventData{};
+  event.name = "page_viewed";
+  EXPECT_EQ(toJson(event).dump(), R"({"data":{},"name":"page_viewed"})");
+}
+
+}  // namespace
+}  // namespace vemba::checkout
