@@ -14,5 +14,7 @@ int runRequest(const Args& args);    // vemba-inspect request ...
 int runUserAgent(const Args& args);  // vemba-inspect user-agent [--checkout ...]
 // vemba-inspect user-agent --checkout ...: the arguments after "--checkout".
 int runCheckoutUserAgent(const Args& args);
+// vemba-inspect bridge [--log-level LEVEL]: decodes checkout bridge messages read from stdin.
+int runBridge(const Args& args);
 
 }  // namespace vemba::inspect

@@ -20,6 +20,7 @@ constexpr Subcommand kSubcommands[] = {
      "request --ad-unit ID [--format interstitial|rewarded] [--bid-floor F]"},
     {"user-agent", vemba::inspect::runUserAgent,
      "user-agent [--checkout [--recovery] [--color-scheme S] [--platform P] [--entry-point E]]"},
+    {"bridge", vemba::inspect::runBridge, "bridge [--log-level all|debug|error|none]"},
 };
 
 int usage() {

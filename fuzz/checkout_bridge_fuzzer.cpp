@@ -1,0 +1,98 @@
+// Feeds arbitrary bytes to the checkout bridge's message decoder. The first byte chooses how the
+// rest becomes a script message, so that every message name and every kind of body is reached:
+//   0      the rest is the envelope text, posted as a string body;
+//   1      the rest stands for a non-string body (which must fail without an underlying error);
+//   2..6   an envelope {"name": <name>, "body": <the rest as a string>};
+//   7      an envelope whose "body" is the rest inserted as raw JSON (any type, or broken);
+// with <name> one of the page's message names or a name outside the vocabulary.
+// Nothing may crash, hang or leak. The page's two contract violations (an "error" body that is
+// an empty array, a "checkoutBlockingEvent" body other than "true"/"false") end the process by
+// design; here a hook turns them into an exception, and they must come only from those names.
+// Whatever is decoded also goes through the error mapping the web view applies, and the rest is
+// used as a kit-to-page message body to build the dispatch script.
+#include <cstddef>
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+
+#include "FakePlatform.h"
+#include "checkout/CheckoutBridge.h"
+#include "checkout/CheckoutErrorMapping.h"
+#include "checkout/ContractViolation.h"
+#include "checkout/OSLogger.h"
+#include "platform/ScriptMessage.h"
+
+namespace {
+
+using vemba::checkout::CheckoutBridge;
+using WebEvent = CheckoutBridge::WebEvent;
+
+constexpr std::string_view kNames[] = {"completed", "error", "checkoutBlockingEvent", "webPixels",
+                                       "presented"};
+
+std::string envelopeWithStringBody(std::string_view name, std::string_view body) {
+  const nlohmann::json envelope = {{"name", name}, {"body", body}};
+  return envelope.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static vemba::fake::InstalledFakePlatform platform;
+  static const vemba::checkout::ScopedContractViolationHook hook(
+      vemba::checkout::throwContractViolationForTesting);
+  vemba::checkout::OSLogger::shared().setLogLevel(vemba::checkout::LogLevel::all);
+  platform.log.lines.clear();
+  if (size == 0) {
+    return 0;
+  }
+
+  const unsigned mode = data[0] % 8U;
+  const std::string_view rest(reinterpret_cast<const char*>(data + 1), size - 1);
+  std::string_view name;
+  vemba::platform::ScriptMessage message;
+  message.name = std::string(CheckoutBridge::kMessageHandlerName);
+  if (mode == 0) {
+    message.body = std::string(rest);
+  } else if (mode == 1) {
+    message.body = vemba::platform::ScriptMessage::NonStringBody{std::string(rest)};
+  } else if (mode <= 6) {
+    name = kNames[mode - 2];
+    message.body = envelopeWithStringBody(name, rest);
+  } else {
+    name = kNames[(size % 5)];
+    message.body = "{\"name\":\"" + std::string(name) + "\",\"body\":" + std::string(rest) + "}";
+  }
+
+  try {
+    const auto decoded = CheckoutBridge::decode(message);
+    if (!decoded) {
+      if (mode == 1 && decoded.error().underlying().has_value()) {
+        __builtin_trap();
+      }
+      if (!vemba::checkout::checkoutErrorForBridgeFailure(decoded.error()).isRecoverable()) {
+        __builtin_trap();
+      }
+    } else {
+      if (mode == 1) {
+        __builtin_trap();
+      }
+      // A well-formed envelope with a name outside the vocabulary is always unsupported.
+      if (mode == 6 && !(decoded.value() == WebEvent{WebEvent::Unsupported{"presented"}})) {
+        __builtin_trap();
+      }
+      (void)vemba::checkout::checkoutErrorForWebEvent(decoded.value());
+    }
+  } catch (const vemba::checkout::ContractViolationForTesting&) {
+    if (mode >= 2 && name != "error" && name != "checkoutBlockingEvent") {
+      __builtin_trap();
+    }
+  }
+
+  const std::string script = CheckoutBridge::script("instrumentation", rest);
+  if (script.size() < 2 * rest.size()) {
+    __builtin_trap();
+  }
+  return 0;
+}

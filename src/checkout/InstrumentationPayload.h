@@ -1,0 +1,51 @@
+// The measurement the kit sends to the checkout page in an "instrumentation" message, and the
+// envelope of every kit-to-page message body. Value types.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "common/DecodingError.h"
+#include "common/Expected.h"
+
+namespace vemba::checkout {
+
+enum class InstrumentationType { histogram };
+
+std::string_view rawValue(InstrumentationType type);  // "histogram"
+
+struct InstrumentationPayload {
+  std::string name;
+  std::int64_t value = 0;
+  InstrumentationType type = InstrumentationType::histogram;
+  std::map<std::string, std::string> tags;
+
+  friend bool operator==(const InstrumentationPayload&, const InstrumentationPayload&) = default;
+};
+
+// The body of a message sent to the page: {"detail": <Detail>}.
+template <typename Detail>
+struct SdkToWebEvent {
+  Detail detail;
+
+  friend bool operator==(const SdkToWebEvent&, const SdkToWebEvent&) = default;
+};
+
+// JSON coding. Keys: "detail"; "name", "value", "type", "tags". Encoding throws
+// nlohmann::json::exception when a string is not valid UTF-8.
+nlohmann::json encodeInstrumentationPayload(const InstrumentationPayload& payload);
+nlohmann::json encodeSdkToWebEvent(const SdkToWebEvent<InstrumentationPayload>& event);
+
+// The JSON text of `event`, or absent when it cannot be encoded; the failure is then printed to
+// standard output as "toJson() unencodableInstrumentation(<error>)".
+std::optional<std::string> toJson(const SdkToWebEvent<InstrumentationPayload>& event);
+
+// Reads the text back (strict, unknown keys ignored).
+Expected<SdkToWebEvent<InstrumentationPayload>, json::DecodingError>
+decodeInstrumentationSdkToWebEvent(std::string_view text);
+
+}  // namespace vemba::checkout

@@ -1,0 +1,117 @@
+#include "checkout/OSLogger.h"
+
+#include <utility>
+
+#include "platform/LogSink.h"
+#include "platform/Services.h"
+#include "vemba/checkout/Configuration.h"
+
+namespace vemba::checkout {
+namespace {
+
+constexpr std::string_view kDebugTag = "Debug";
+constexpr std::string_view kInfoTag = "Info";
+constexpr std::string_view kErrorTag = "Error";
+constexpr std::string_view kFaultTag = "Fault";
+
+std::mutex gSharedMutex;
+// Deliberately never destroyed at exit: lines may still be written by other static destructors.
+std::atomic<OSLogger*> gShared{nullptr};
+
+}  // namespace
+
+OSLogger::OSLogger() : OSLogger(std::string(kDefaultPrefix), checkout::configuration().logLevel) {}
+
+OSLogger::OSLogger(std::string prefix, LogLevel logLevel)
+    : prefix_(std::move(prefix)), logLevel_(logLevel) {}
+
+OSLogger& OSLogger::shared() {
+  if (OSLogger* existing = gShared.load(std::memory_order_acquire)) {
+    return *existing;
+  }
+  const std::lock_guard<std::mutex> lock(gSharedMutex);
+  OSLogger* existing = gShared.load(std::memory_order_relaxed);
+  if (existing == nullptr) {
+    existing = new OSLogger();
+    gShared.store(existing, std::memory_order_release);
+  }
+  return *existing;
+}
+
+void OSLogger::resetSharedForTesting() {
+  const std::lock_guard<std::mutex> lock(gSharedMutex);
+  delete gShared.exchange(nullptr, std::memory_order_acq_rel);
+}
+
+void OSLogger::debug(std::string_view message) const {
+  write(CallLevel::debug, message);
+}
+void OSLogger::info(std::string_view message) const {
+  write(CallLevel::info, message);
+}
+void OSLogger::error(std::string_view message) const {
+  write(CallLevel::error, message);
+}
+void OSLogger::fault(std::string_view message) const {
+  write(CallLevel::fault, message);
+}
+
+std::string OSLogger::prefix() const {
+  const std::lock_guard<std::mutex> lock(prefixMutex_);
+  return prefix_;
+}
+
+void OSLogger::setPrefix(std::string prefix) {
+  const std::lock_guard<std::mutex> lock(prefixMutex_);
+  prefix_ = std::move(prefix);
+}
+
+void OSLogger::write(CallLevel call, std::string_view message) const {
+  // debug and info calls are tested as `debug`, error and fault calls as `error`; the threshold
+  // passes only its own level (`all` passes both, `none` neither).
+  const LogLevel threshold = logLevel();
+  const LogLevel callLevel =
+      (call == CallLevel::debug || call == CallLevel::info) ? LogLevel::debug : LogLevel::error;
+  if (threshold == LogLevel::none) {
+    return;
+  }
+  if (threshold != LogLevel::all && threshold != callLevel) {
+    return;
+  }
+
+  std::string_view tag;
+  platform::LogSeverity severity = platform::LogSeverity::debug;
+  switch (call) {
+    case CallLevel::debug:
+      tag = kDebugTag;
+      severity = platform::LogSeverity::debug;
+      break;
+    case CallLevel::info:
+      tag = kInfoTag;
+      severity = platform::LogSeverity::info;
+      break;
+    case CallLevel::error:
+      tag = kErrorTag;
+      severity = platform::LogSeverity::error;
+      break;
+    case CallLevel::fault:
+      tag = kFaultTag;
+      severity = platform::LogSeverity::fault;
+      break;
+  }
+
+  std::string line;
+  {
+    const std::lock_guard<std::mutex> lock(prefixMutex_);
+    line.reserve(prefix_.size() + tag.size() + message.size() + 8);
+    line.append("[").append(prefix_).append("] (");
+  }
+  line.append(tag).append(") - ").append(message);
+
+  platform::LogSink* sink = platform::services().log;
+  if (sink != nullptr) {
+    sink->write(severity, kSubsystem, kCategory, line);
+  }
+}
+
+}  // namespace vemba::checkout

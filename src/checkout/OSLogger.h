@@ -1,0 +1,58 @@
+// The checkout kit's diagnostic logger: every checkout component writes its diagnostics through
+// OSLogger::shared(), which formats "[prefix] (Tag) - message" and hands the line, with its
+// severity, to the platform's log sink.
+//
+// Contract: a reference type, neither copied nor moved. All operations are thread-safe and never
+// fail; a line is written only when the threshold lets it through (see LogLevel: the threshold
+// `debug` passes debug and info calls, `error` passes error and fault calls).
+#pragma once
+
+#include <atomic>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "vemba/checkout/LogLevel.h"
+
+namespace vemba::checkout {
+
+class OSLogger {
+ public:
+  // The kit's reverse-DNS identifier and the category under which its lines are filed.
+  static constexpr std::string_view kSubsystem = "com.vemba.VembaCheckoutKit";
+  static constexpr std::string_view kCategory = "PointsOfInterest";
+  static constexpr std::string_view kDefaultPrefix = "VembaCheckoutKit";
+
+  // Prefix "VembaCheckoutKit", threshold copied from the global configuration now.
+  OSLogger();
+  OSLogger(std::string prefix, LogLevel logLevel);
+  OSLogger(const OSLogger&) = delete;
+  OSLogger& operator=(const OSLogger&) = delete;
+
+  // The process-wide instance, created on first use (thread-safe) with the default constructor.
+  // It lives for the process; the configuration's change hook keeps its threshold in step.
+  static OSLogger& shared();
+  // Tests only: forgets the shared instance so that the next shared() creates a fresh one.
+  // No reference obtained from shared() before the reset may be used after it.
+  static void resetSharedForTesting();
+
+  void debug(std::string_view message) const;
+  void info(std::string_view message) const;
+  void error(std::string_view message) const;
+  void fault(std::string_view message) const;
+
+  std::string prefix() const;
+  void setPrefix(std::string prefix);
+  LogLevel logLevel() const { return logLevel_.load(std::memory_order_relaxed); }
+  void setLogLevel(LogLevel level) { logLevel_.store(level, std::memory_order_relaxed); }
+
+ private:
+  enum class CallLevel { debug, info, error, fault };
+  void write(CallLevel call, std::string_view message) const;
+
+  mutable std::mutex prefixMutex_;
+  std::string prefix_;
+  std::atomic<LogLevel> logLevel_;
+};
+
+}  // namespace vemba::checkout

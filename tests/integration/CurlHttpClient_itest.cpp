@@ -1,0 +1,401 @@
+// The libcurl HTTP client against the local exchange over loopback TLS.
+#include <arpa/inet.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <cstdlib>
+#include <map>
+#include <mutex>
+#include <set>
+
+#include "CurlHttpClient.h"
+#include "HttpTestSupport.h"
+#include "LocalExchange.h"
+#include "platform/UrlErrorCode.h"
+
+namespace vemba::testing {
+namespace {
+
+using linux_platform::CurlHttpClient;
+using nlohmann::json;
+using platform::HttpRequest;
+namespace Code = platform::UrlErrorCode;
+
+class CurlHttpClientTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() { exchange_ = new LocalExchange(); }
+  static void TearDownTestSuite() {
+    delete exchange_;
+    exchange_ = nullptr;
+  }
+
+  static LocalExchange& exchange() { return *exchange_; }
+  static CurlHttpClient::Options trusting() {
+    CurlHttpClient::Options options;
+    options.caFile = exchange().caFile();
+    return options;
+  }
+  static HttpRequest get(const std::string& path) {
+    HttpRequest request;
+    request.url = exchange().origin() + path;
+    return request;
+  }
+
+  // The one recorded bid whose request carries `requestId`.
+  static json recordedBid(const std::string& requestId) {
+    std::vector<json> found;
+    for (const json& entry : exchange().log("bid")) {
+      if (json::parse(entry.at("body").get<std::string>()).value("id", "") == requestId) {
+        found.push_back(entry);
+      }
+    }
+    EXPECT_EQ(found.size(), 1u) << requestId;
+    return found.empty() ? json() : found.front();
+  }
+
+ private:
+  static inline LocalExchange* exchange_ = nullptr;
+};
+
+// A loopback port on which nothing listens for as long as this object lives: bound, so that no
+// other process can take it, but never listening, so connections to it are refused.
+class ClosedPort {
+ public:
+  ClosedPort() : fd_(socket(AF_INET, SOCK_STREAM, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    if (bind(fd_, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
+        getsockname(fd_, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
+      ADD_FAILURE() << "cannot reserve a loopback port";
+    }
+    port_ = ntohs(address.sin_port);
+  }
+  ~ClosedPort() { close(fd_); }
+  int port() const { return port_; }
+
+ private:
+  int fd_;
+  int port_ = 0;
+};
+
+TEST_F(CurlHttpClientTest, PostReachesTheServerAsSentAndAnswersOnTheWorker) {
+  CurlHttpClient client(trusting());
+  HttpRequest request = bidRequest(exchange().origin(), "post-as-sent", "unit-post");
+  // Slashes and non-ASCII text must arrive byte for byte.
+  json body = json::parse(*request.body);
+  body["device"] = {{"ua", "Mozilla/5.0 (Linux; CPU Linux OS 6_1_0) \u00e9"}};
+  request.body = body.dump();
+  request.headers.emplace_back("X-API-Key", "key-123");
+  request.headers.emplace_back("X-Empty-Key", "");
+
+  const Outcome outcome = fetch(client, request);
+
+  EXPECT_NE(outcome.thread, std::this_thread::get_id());
+  const platform::HttpResponse* answer = response(outcome);
+  ASSERT_NE(answer, nullptr);
+  EXPECT_EQ(answer->statusCode, 200);
+  ASSERT_TRUE(answer->body.has_value());
+  EXPECT_EQ(json::parse(*answer->body).at("id"), "post-as-sent");
+  EXPECT_THAT(answer->headers,
+              ::testing::Contains(::testing::Pair("Content-Type", "application/json")));
+
+  const json entry = recordedBid("post-as-sent");
+  EXPECT_EQ(entry.at("method"), "POST");
+  EXPECT_EQ(entry.at("path"), "/bid");
+  EXPECT_EQ(entry.at("body"), *request.body);
+  EXPECT_EQ(LocalExchange::header(entry, "Content-Type"), "application/json");
+  EXPECT_EQ(LocalExchange::header(entry, "X-API-Key"), "key-123");
+  EXPECT_EQ(LocalExchange::header(entry, "X-Empty-Key"), "");
+}
+
+TEST_F(CurlHttpClientTest, LargeBodiesGoOutWithoutWaitingForContinue) {
+  CurlHttpClient client(trusting());
+  HttpRequest request;
+  request.method = "PUT";
+  request.url = exchange().origin() + "/upload/large";
+  request.body = std::string(1536 * 1024, 'x');  // above libcurl's "Expect: 100-continue" size
+
+  const Outcome outcome = fetch(client, request);
+  ASSERT_NE(response(outcome), nullptr);
+  EXPECT_EQ(response(outcome)->statusCode, 404);
+  const std::vector<json> recorded = exchange().log("other");
+  ASSERT_FALSE(recorded.empty());
+  const json& entry = recorded.back();
+  EXPECT_EQ(entry.at("method"), "PUT");
+  EXPECT_EQ(entry.at("path"), "/upload/large");
+  EXPECT_EQ(entry.at("body").get<std::string>().size(), request.body->size());
+  EXPECT_EQ(LocalExchange::header(entry, "Expect"), std::nullopt);
+}
+
+TEST_F(CurlHttpClientTest, HttpErrorStatusesAreResponsesNotTransportErrors) {
+  CurlHttpClient client(trusting());
+
+  const Outcome missing = fetch(client, get("/no/such/page"));
+  ASSERT_NE(response(missing), nullptr);
+  EXPECT_EQ(response(missing)->statusCode, 404);
+
+  const Outcome failing =
+      fetch(client, bidRequest(exchange().origin(), "status-500", "exchange:error500"));
+  ASSERT_NE(response(failing), nullptr);
+  EXPECT_EQ(response(failing)->statusCode, 500);
+  EXPECT_EQ(response(failing)->body, "{}");
+}
+
+TEST_F(CurlHttpClientTest, EmptyBodyIsPresentAndEmpty) {
+  CurlHttpClient client(trusting());
+  const Outcome outcome =
+      fetch(client, bidRequest(exchange().origin(), "empty-body", "exchange:empty"));
+  ASSERT_NE(response(outcome), nullptr);
+  EXPECT_EQ(response(outcome)->statusCode, 200);
+  ASSERT_TRUE(response(outcome)->body.has_value());
+  EXPECT_TRUE(response(outcome)->body->empty());
+}
+
+TEST_F(CurlHttpClientTest, BodyUpToTheLimitArrivesWhole) {
+  CurlHttpClient::Options options = trusting();
+  options.maxResponseBytes = 256 * 1024;
+  CurlHttpClient client(options);
+  for (const bool chunked : {false, true}) {
+    const std::string tagid =
+        std::string("exchange:huge?bytes=262144&chunked=") + (chunked ? "true" : "false");
+    const Outcome outcome = fetch(client, bidRequest(exchange().origin(), "at-limit", tagid));
+    ASSERT_NE(response(outcome), nullptr) << tagid;
+    EXPECT_EQ(response(outcome)->body->size(), 262144u) << tagid;
+  }
+}
+
+struct FailureCase {
+  const char* name;
+  const char* tagid;  // the bid's ad unit, or nullptr for the special cases below
+  int expectedCode;
+  friend void PrintTo(const FailureCase& failure, std::ostream* out) { *out << failure.name; }
+};
+
+class CurlHttpClientFailureTest : public CurlHttpClientTest,
+                                  public ::testing::WithParamInterface<FailureCase> {};
+
+TEST_P(CurlHttpClientFailureTest, MapsToTheUrlErrorCode) {
+  const FailureCase& param = GetParam();
+  CurlHttpClient::Options options = trusting();
+  options.maxResponseBytes = 256 * 1024;
+  std::optional<ClosedPort> closed;
+  HttpRequest request;
+  if (param.tagid != nullptr) {
+    request = bidRequest(exchange().origin(), std::string("failure-") + param.name, param.tagid);
+    request.timeout = std::chrono::milliseconds(400);
+  } else if (std::string_view(param.name) == "refused") {
+    closed.emplace();
+    request.url = "https://127.0.0.1:" + std::to_string(closed->port()) + "/bid";
+  } else if (std::string_view(param.name) == "untrusted") {
+    options.caFile.reset();  // libcurl's own store does not know the exchange's CA
+    request = get("/_health");
+  } else if (std::string_view(param.name) == "malformed-url") {
+    request.url = "https://127.0.0.1:99999999/bid";
+  } else if (std::string_view(param.name) == "unsupported-scheme") {
+    request.url = "ftp://127.0.0.1:1/file";
+  }
+  CurlHttpClient client(options);
+
+  const auto started = std::chrono::steady_clock::now();
+  const Outcome outcome = fetch(client, request);
+  const auto took = std::chrono::steady_clock::now() - started;
+
+  const platform::TransportError* error = transportError(outcome);
+  ASSERT_NE(error, nullptr) << param.name;
+  EXPECT_EQ(error->code, param.expectedCode) << param.name;
+  EXPECT_EQ(error->url, request.url);
+  EXPECT_EQ(error->description, platform::urlErrorDescription(param.expectedCode, "127.0.0.1"));
+  EXPECT_NE(outcome.thread, std::this_thread::get_id());
+  // Nothing here may wait for the exchange's slow answer (5 s) or a default time-out.
+  EXPECT_LT(took, std::chrono::seconds(4)) << param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Failures, CurlHttpClientFailureTest,
+    ::testing::Values(FailureCase{"refused", nullptr, Code::cannotConnectToHost},
+                      FailureCase{"untrusted", nullptr, Code::serverCertificateUntrusted},
+                      FailureCase{"malformed-url", nullptr, Code::badURL},
+                      FailureCase{"unsupported-scheme", nullptr, Code::unsupportedURL},
+                      FailureCase{"dropped", "exchange:drop", Code::networkConnectionLost},
+                      FailureCase{"timed-out", "exchange:slow?seconds=5", Code::timedOut},
+                      FailureCase{"huge-declared", "exchange:huge?bytes=262145",
+                                  Code::dataLengthExceedsMaximum},
+                      FailureCase{"huge-streamed", "exchange:huge?bytes=4194304&chunked=true",
+                                  Code::dataLengthExceedsMaximum}),
+    [](const ::testing::TestParamInfo<FailureCase>& testInfo) {
+      std::string name = testInfo.param.name;
+      std::replace(name.begin(), name.end(), '-', '_');
+      return name;
+    });
+
+// Sets an environment variable for the scope of a test and restores it afterwards.
+class ScopedEnv {
+ public:
+  ScopedEnv(const char* name, const char* value) : name_(name) {
+    if (const char* old = std::getenv(name)) {
+      previous_ = old;
+    }
+    if (value != nullptr) {
+      setenv(name, value, 1);
+    } else {
+      unsetenv(name);
+    }
+  }
+  ~ScopedEnv() {
+    if (previous_) {
+      setenv(name_, previous_->c_str(), 1);
+    } else {
+      unsetenv(name_);
+    }
+  }
+
+ private:
+  const char* name_;
+  std::optional<std::string> previous_;
+};
+
+TEST_F(CurlHttpClientTest, TrustsTheBundleNamedBySslCertFile) {
+  {
+    const ScopedEnv env("SSL_CERT_FILE", exchange().caFile().c_str());
+    CurlHttpClient client;
+    const Outcome outcome = fetch(client, get("/_health"));
+    ASSERT_NE(response(outcome), nullptr);
+    EXPECT_EQ(response(outcome)->statusCode, 200);
+  }
+  {
+    const ScopedEnv env("SSL_CERT_FILE", nullptr);
+    CurlHttpClient client;
+    const Outcome outcome = fetch(client, get("/_health"));
+    ASSERT_NE(transportError(outcome), nullptr);
+    EXPECT_EQ(transportError(outcome)->code, Code::serverCertificateUntrusted);
+  }
+  {
+    // An empty value names no bundle: the default store applies, which does not know the CA.
+    const ScopedEnv env("SSL_CERT_FILE", "");
+    CurlHttpClient client;
+    const Outcome outcome = fetch(client, get("/_health"));
+    ASSERT_NE(transportError(outcome), nullptr);
+    EXPECT_EQ(transportError(outcome)->code, Code::serverCertificateUntrusted);
+  }
+}
+
+TEST_F(CurlHttpClientTest, SequentialRequestsReuseOneConnection) {
+  CurlHttpClient client(trusting());
+  for (int i = 0; i < 10; ++i) {
+    const Outcome outcome =
+        fetch(client, bidRequest(exchange().origin(), "reuse-" + std::to_string(i), "unit-reuse"));
+    ASSERT_NE(response(outcome), nullptr);
+  }
+  std::set<int> peerPorts;
+  for (int i = 0; i < 10; ++i) {
+    peerPorts.insert(recordedBid("reuse-" + std::to_string(i)).at("peerPort").get<int>());
+  }
+  EXPECT_EQ(peerPorts.size(), 1u);
+}
+
+TEST_F(CurlHttpClientTest, ConcurrentTasksEachCompleteExactlyOnceOnTheWorker) {
+  CurlHttpClient client(trusting());
+  const ClosedPort closed;
+  constexpr int kThreads = 4;
+  constexpr int kPerThread = 8;
+  std::mutex mutex;
+  std::condition_variable changed;
+  std::map<std::string, int> completions;
+  std::set<std::thread::id> completionThreads;
+  int total = 0;
+
+  std::vector<std::thread> posters;
+  for (int t = 0; t < kThreads; ++t) {
+    posters.emplace_back([&, t] {
+      for (int i = 0; i < kPerThread; ++i) {
+        const std::string id = "concurrent-" + std::to_string(t) + "-" + std::to_string(i);
+        HttpRequest request = bidRequest(exchange().origin(), id, "unit-concurrent");
+        if (i % 4 == 3) {
+          request.url = "https://127.0.0.1:" + std::to_string(closed.port()) + "/bid";
+        }
+        client.dataTask(request, [&, id](platform::HttpResult) {
+          const std::lock_guard<std::mutex> lock(mutex);
+          ++completions[id];
+          completionThreads.insert(std::this_thread::get_id());
+          ++total;
+          changed.notify_all();
+        });
+      }
+    });
+  }
+  for (std::thread& poster : posters) {
+    poster.join();
+  }
+  std::unique_lock<std::mutex> lock(mutex);
+  ASSERT_TRUE(changed.wait_for(lock, std::chrono::seconds(30),
+                               [&] { return total >= kThreads * kPerThread; }));
+  lock.unlock();
+  // Late duplicates would show up here.
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  lock.lock();
+  EXPECT_EQ(total, kThreads * kPerThread);
+  EXPECT_EQ(completions.size(), static_cast<std::size_t>(kThreads * kPerThread));
+  for (const auto& [id, count] : completions) {
+    EXPECT_EQ(count, 1) << id;
+  }
+  ASSERT_EQ(completionThreads.size(), 1u);
+  EXPECT_NE(*completionThreads.begin(), std::this_thread::get_id());
+}
+
+TEST_F(CurlHttpClientTest, ACompletionMayStartTheNextTask) {
+  CurlHttpClient client(trusting());
+  auto second = std::make_shared<std::promise<Outcome>>();
+  std::future<Outcome> secondDone = second->get_future();
+  const std::string origin = exchange().origin();
+  client.dataTask(bidRequest(origin, "chain-1", "unit-chain"), [&client, second, origin](
+                                                                   platform::HttpResult first) {
+    ASSERT_TRUE(std::holds_alternative<platform::HttpResponse>(first));
+    client.dataTask(bidRequest(origin, "chain-2", "unit-chain"),
+                    [second](platform::HttpResult result) {
+                      second->set_value(Outcome{std::move(result), std::this_thread::get_id()});
+                    });
+  });
+  ASSERT_EQ(secondDone.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+  const Outcome outcome = secondDone.get();
+  ASSERT_NE(response(outcome), nullptr);
+  EXPECT_EQ(json::parse(*response(outcome)->body).at("id"), "chain-2");
+}
+
+TEST_F(CurlHttpClientTest, DestructionAbandonsTasksInFlightWithoutRunningThem) {
+  std::atomic<bool> ran{false};
+  auto captured = std::make_shared<int>(0);
+  std::weak_ptr<int> watch = captured;
+  const auto started = std::chrono::steady_clock::now();
+  {
+    CurlHttpClient client(trusting());
+    client.dataTask(bidRequest(exchange().origin(), "abandoned", "exchange:slow?seconds=5"),
+                    [&ran, captured](platform::HttpResult) { ran = true; });
+    captured.reset();
+    // Wait until the request is at the server, so that it is truly in flight.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (std::chrono::steady_clock::now() < deadline) {
+      bool seen = false;
+      for (const json& entry : exchange().log("bid")) {
+        seen = seen || entry.at("body").get<std::string>().find("abandoned") != std::string::npos;
+      }
+      if (seen) {
+        break;
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(4));
+  EXPECT_FALSE(ran);
+  EXPECT_TRUE(watch.expired());
+}
+
+}  // namespace
+}  // namespace vemba::testing

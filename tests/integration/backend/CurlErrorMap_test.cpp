@@ -1,0 +1,108 @@
+// The table from libcurl's result codes to URL-loading codes.
+#include "CurlErrorMap.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+#include "platform/UrlErrorCode.h"
+
+namespace vemba::linux_platform {
+namespace {
+
+namespace Code = platform::UrlErrorCode;
+
+struct Row {
+  CURLcode curl;
+  CurlFailureDetail detail;
+  int expected;
+};
+
+CurlFailureDetail verifyResult(long result) {
+  return {result, 0};
+}
+CurlFailureDetail osErrno(long value) {
+  return {std::nullopt, value};
+}
+
+TEST(CurlErrorMapTest, MapsEachFailureClass) {
+  const Row rows[] = {
+      {CURLE_URL_MALFORMAT, {}, Code::badURL},
+      {CURLE_UNSUPPORTED_PROTOCOL, {}, Code::unsupportedURL},
+      {CURLE_COULDNT_RESOLVE_HOST, {}, Code::cannotFindHost},
+      {CURLE_COULDNT_RESOLVE_PROXY, {}, Code::cannotFindHost},
+      {CURLE_COULDNT_CONNECT, {}, Code::cannotConnectToHost},
+      {CURLE_COULDNT_CONNECT, osErrno(ECONNREFUSED), Code::cannotConnectToHost},
+      {CURLE_COULDNT_CONNECT, osErrno(EHOSTUNREACH), Code::cannotConnectToHost},
+      {CURLE_COULDNT_CONNECT, osErrno(ENETUNREACH), Code::notConnectedToInternet},
+      {CURLE_COULDNT_CONNECT, osErrno(ENETDOWN), Code::notConnectedToInternet},
+      {CURLE_OPERATION_TIMEDOUT, {}, Code::timedOut},
+      {CURLE_GOT_NOTHING, {}, Code::networkConnectionLost},
+      {CURLE_RECV_ERROR, {}, Code::networkConnectionLost},
+      {CURLE_SEND_ERROR, {}, Code::networkConnectionLost},
+      {CURLE_PARTIAL_FILE, {}, Code::networkConnectionLost},
+      {CURLE_HTTP2_STREAM, {}, Code::networkConnectionLost},
+      {CURLE_WEIRD_SERVER_REPLY, {}, Code::badServerResponse},
+      {CURLE_BAD_CONTENT_ENCODING, {}, Code::cannotDecodeContentData},
+      {CURLE_TOO_MANY_REDIRECTS, {}, Code::httpTooManyRedirects},
+      {CURLE_FILESIZE_EXCEEDED, {}, Code::dataLengthExceedsMaximum},
+      {CURLE_WRITE_ERROR, {}, Code::dataLengthExceedsMaximum},
+      {CURLE_ABORTED_BY_CALLBACK, {}, Code::cancelled},
+      {CURLE_SSL_CONNECT_ERROR, {}, Code::secureConnectionFailed},
+      {CURLE_SSL_CACERT_BADFILE, {}, Code::secureConnectionFailed},
+      {CURLE_SSL_CIPHER, {}, Code::secureConnectionFailed},
+      {CURLE_SSL_CLIENTCERT, {}, Code::clientCertificateRejected},
+      {CURLE_OUT_OF_MEMORY, {}, Code::unknown},
+      {CURLE_FAILED_INIT, {}, Code::unknown},
+      {CURLE_LOGIN_DENIED, {}, Code::unknown},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(urlErrorCodeForCurl(row.curl, row.detail), row.expected)
+        << "curl code " << row.curl << " (" << curl_easy_strerror(row.curl) << "), errno "
+        << row.detail.osErrno;
+  }
+}
+
+TEST(CurlErrorMapTest, CertificateFailuresAreRefinedByTheVerificationResult) {
+  // OpenSSL's X509_V_ERR_* numbers.
+  constexpr long kOk = 0;
+  constexpr long kUnableToGetIssuerLocally = 20;
+  constexpr long kSelfSignedInChain = 19;
+  constexpr long kNotYetValid = 9;
+  constexpr long kExpired = 10;
+  const Row rows[] = {
+      {CURLE_PEER_FAILED_VERIFICATION, {}, Code::serverCertificateUntrusted},
+      {CURLE_SSL_CACERT, {}, Code::serverCertificateUntrusted},
+      {CURLE_PEER_FAILED_VERIFICATION, verifyResult(kOk), Code::serverCertificateUntrusted},
+      {CURLE_PEER_FAILED_VERIFICATION, verifyResult(kUnableToGetIssuerLocally),
+       Code::serverCertificateUntrusted},
+      {CURLE_PEER_FAILED_VERIFICATION, verifyResult(kSelfSignedInChain),
+       Code::serverCertificateUntrusted},
+      {CURLE_PEER_FAILED_VERIFICATION, verifyResult(kExpired), Code::serverCertificateHasBadDate},
+      {CURLE_PEER_FAILED_VERIFICATION, verifyResult(kNotYetValid),
+       Code::serverCertificateNotYetValid},
+      {CURLE_SSL_PINNEDPUBKEYNOTMATCH, {}, Code::serverCertificateUntrusted},
+      // The verification result only refines certificate failures.
+      {CURLE_SSL_CONNECT_ERROR, verifyResult(kExpired), Code::secureConnectionFailed},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(urlErrorCodeForCurl(row.curl, row.detail), row.expected)
+        << "curl code " << row.curl << ", verify result "
+        << row.detail.opensslVerifyResult.value_or(-1);
+  }
+}
+
+TEST(CurlErrorMapTest, EveryCodeMapsToACodeWithItsOwnDescription) {
+  // Whatever libcurl reports, the code handed to the core is one it has a description for.
+  const std::string unknownText = platform::urlErrorDescription(Code::unknown, "h");
+  for (int raw = 1; raw < CURL_LAST; ++raw) {
+    const int code = urlErrorCodeForCurl(static_cast<CURLcode>(raw));
+    EXPECT_LT(code, 0) << raw;
+    if (code != Code::unknown) {
+      EXPECT_NE(platform::urlErrorDescription(code, "h"), unknownText) << raw << " -> " << code;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace vemba::linux_platform

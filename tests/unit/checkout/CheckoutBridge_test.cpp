@@ -1,0 +1,332 @@
+#include "checkout/CheckoutBridge.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "CheckoutTestSupport.h"
+#include "checkout/CheckoutErrorEventDecoder.h"
+#include "checkout/ContractViolation.h"
+#include "checkout/MessageHandler.h"
+#include "checkout/OSLogger.h"
+#include "checkout/events/CheckoutCompletedEventCoding.h"
+#include "platform/ScriptEvaluator.h"
+#include "platform/ScriptMessage.h"
+
+namespace vemba::checkout {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+using WebEvent = CheckoutBridge::WebEvent;
+
+std::string envelope(const std::string& name, const nlohmann::json& body) {
+  return nlohmann::json{{"name", name}, {"body", body}}.dump();
+}
+
+platform::ScriptMessage stringMessage(std::string text) {
+  return platform::ScriptMessage{std::string(CheckoutBridge::kMessageHandlerName), std::move(text)};
+}
+
+WebEvent decodeOk(const std::string& text) {
+  Expected<WebEvent, BridgeError> result = CheckoutBridge::decode(stringMessage(text));
+  EXPECT_TRUE(result.hasValue()) << text << " -> " << result.error().description();
+  return result ? result.value() : WebEvent{WebEvent::Unsupported{"<failed>"}};
+}
+
+BridgeError decodeFailure(const platform::ScriptMessage& message) {
+  Expected<WebEvent, BridgeError> result = CheckoutBridge::decode(message);
+  EXPECT_FALSE(result.hasValue());
+  return result ? BridgeError::unencodableInstrumentation(std::nullopt) : result.error();
+}
+
+class CheckoutBridgeTest : public testing::CheckoutTest {};
+
+struct ErrorBodyCase {
+  std::string body;
+  WebEvent expected;
+};
+
+TEST_F(CheckoutBridgeTest, ErrorMessagesBecomeEventsByGroup) {
+  const std::vector<ErrorBodyCase> cases = {
+      {R"([{"group":"expired","code":"cart_expired","reason":"Gone"}])",
+       WebEvent{WebEvent::CheckoutExpired{"Gone", CheckoutErrorCode::cartExpired}}},
+      {R"([{"group":"expired"}])",
+       WebEvent{WebEvent::CheckoutExpired{std::nullopt, CheckoutErrorCode::unknown}}},
+      {R"([{"group":"configuration","code":"storefront_password_required","flowType":"x"}])",
+       WebEvent{WebEvent::ConfigurationError{std::nullopt,
+                                             CheckoutErrorCode::storefrontPasswordRequired}}},
+      {R"([{"group":"unrecoverable","code":"no_such_code","reason":null,"extra":[1]}])",
+       WebEvent{WebEvent::CheckoutUnavailable{std::nullopt, CheckoutErrorCode::unknown}}},
+      {R"([{"group":"authentication","reason":"x"}])", WebEvent{WebEvent::Unsupported{"error"}}},
+      {R"([{"group":"checkout"}])", WebEvent{WebEvent::Unsupported{"error"}}},
+      {R"([{"group":"unsupported"}])", WebEvent{WebEvent::Unsupported{"error"}}},
+      // Only the first element counts.
+      {R"([{"group":"expired","reason":"first"},{"group":"unrecoverable"}])",
+       WebEvent{WebEvent::CheckoutExpired{"first", CheckoutErrorCode::unknown}}},
+  };
+  for (const ErrorBodyCase& c : cases) {
+    EXPECT_EQ(decodeOk(envelope("error", c.body)), c.expected) << c.body;
+  }
+  EXPECT_THAT(platform.log.lines, IsEmpty());
+}
+
+TEST_F(CheckoutBridgeTest, MalformedErrorBodiesAreLoggedAndIgnored) {
+  const std::vector<std::string> texts = {
+      envelope("error", R"([{"group":"Expired"}])"),
+      envelope("error", "not json"),
+      envelope("error", R"({"group":"expired"})"),
+      envelope("error", R"([{"reason":"no group"}])"),
+      envelope("error", R"([{"group":"expired","code":5}])"),
+      // A later element that fails fails the whole array.
+      envelope("error", R"([{"group":"expired"},{"group":7}])"),
+      envelope("error", 42),
+      R"({"name":"error"})",
+  };
+  for (const std::string& text : texts) {
+    platform.log.lines.clear();
+    EXPECT_EQ(decodeOk(text), WebEvent{WebEvent::Unsupported{"error"}}) << text;
+    ASSERT_EQ(platform.log.lines.size(), 1U) << text;
+    EXPECT_THAT(platform.log.lines[0].text,
+                StartsWith("[VembaCheckoutKit] (Error) - Error decoding \"error\" event - "));
+    EXPECT_EQ(platform.log.lines[0].severity, platform::LogSeverity::error);
+  }
+}
+
+TEST_F(CheckoutBridgeTest, ErrorEventDecoderFallbackAndCoding) {
+  const CheckoutErrorEvent fallback = CheckoutErrorEventDecoder::fallbackEvent();
+  EXPECT_EQ(fallback.group, CheckoutErrorGroup::unsupported);
+  EXPECT_EQ(fallback.reason, "Decoded error could not be parsed.");
+  EXPECT_EQ(fallback.code, std::nullopt);
+  EXPECT_EQ(fallback.flowType, std::nullopt);
+  EXPECT_EQ(fallback.type, std::nullopt);
+
+  const nlohmann::json bad = {{"name", "error"}, {"body", "[{\"group\":\"nope\"}]"}};
+  EXPECT_EQ(CheckoutErrorEventDecoder::decode(bad), fallback);
+  EXPECT_THAT(logLines(),
+              ElementsAre("error|[VembaCheckoutKit] (Error) - Error decoding \"error\" event - "
+                          "Data corrupted at \"[0].group\": Cannot initialize CheckoutErrorGroup "
+                          "from invalid String value nope"));
+
+  CheckoutErrorEvent event;
+  event.group = CheckoutErrorGroup::expired;
+  event.reason = "r";
+  EXPECT_EQ(encodeCheckoutErrorEvent(event),
+            nlohmann::json::parse(R"({"group":"expired","reason":"r"})"));
+}
+
+TEST_F(CheckoutBridgeTest, BlockingEventAndUnsupportedNames) {
+  EXPECT_EQ(decodeOk(envelope("checkoutBlockingEvent", "true")),
+            WebEvent{WebEvent::CheckoutModalToggled{true}});
+  EXPECT_EQ(decodeOk(envelope("checkoutBlockingEvent", "false")),
+            WebEvent{WebEvent::CheckoutModalToggled{false}});
+  // Names are exact and case-sensitive; other names' bodies are never read.
+  EXPECT_EQ(decodeOk(envelope("Completed", 1)), WebEvent{WebEvent::Unsupported{"Completed"}});
+  EXPECT_EQ(decodeOk(envelope("ERROR", "[]")), WebEvent{WebEvent::Unsupported{"ERROR"}});
+  EXPECT_EQ(decodeOk(R"({"name":"presented","extra":{}})"),
+            WebEvent{WebEvent::Unsupported{"presented"}});
+  EXPECT_EQ(decodeOk(R"({"name":""})"), WebEvent{WebEvent::Unsupported{""}});
+}
+
+TEST_F(CheckoutBridgeTest, DecodingFailures) {
+  // A body that is not a string fails with no underlying error.
+  const BridgeError nonString = decodeFailure(platform::ScriptMessage{
+      "mobileCheckoutSdk", platform::ScriptMessage::NonStringBody{R"({"name":"completed"})"}});
+  EXPECT_EQ(nonString.kind(), BridgeError::Kind::invalidBridgeEvent);
+  EXPECT_EQ(nonString.underlying(), std::nullopt);
+
+  const std::vector<std::string> texts = {
+      "not json",
+      "",
+      R"(["name","error"])",
+      R"({"body":"true"})",
+      R"({"name":null})",
+      R"({"name":1})",
+      R"({"name":"checkoutBlockingEvent"})",
+      R"({"name":"checkoutBlockingEvent","body":true})",
+      R"({"name":"checkoutBlockingEvent","body":null})",
+      R"({"name":"webPixels"})",
+      envelope("webPixels", "{}"),
+      envelope("webPixels", "not json"),
+  };
+  for (const std::string& text : texts) {
+    const BridgeError error = decodeFailure(stringMessage(text));
+    EXPECT_EQ(error.kind(), BridgeError::Kind::invalidBridgeEvent) << text;
+    EXPECT_TRUE(error.underlying().has_value()) << text;
+  }
+  EXPECT_EQ(decodeFailure(stringMessage(R"({"name":1})")).underlying()->description,
+            "Type mismatch at \"name\": Expected to decode String but found number instead.");
+}
+
+TEST_F(CheckoutBridgeTest, CompletedMessageUsesTheForgivingDecoder) {
+  CheckoutCompletedEvent event = createEmptyCheckoutCompletedEvent(std::string("order-1"));
+  const WebEvent decoded = decodeOk(envelope("completed", toJson(event).dump()));
+  EXPECT_EQ(decoded, WebEvent{WebEvent::CheckoutComplete{event}});
+
+  // A summary that cannot be read still completes (with the empty event), never fails.
+  const WebEvent fallback = decodeOk(envelope("completed", "{}"));
+  EXPECT_EQ(fallback,
+            WebEvent{WebEvent::CheckoutComplete{createEmptyCheckoutCompletedEvent(std::nullopt)}});
+}
+
+TEST_F(CheckoutBridgeTest, WebPixelsMessages) {
+  const std::string custom =
+      R"({"name":"my_event","event":{"id":"e1","name":"my_event","timestamp":"t",)"
+      R"("type":"custom","customData":{"k":1},"context":{}}})";
+  const WebEvent customEvent = decodeOk(envelope("webPixels", custom));
+  const auto* pixels = std::get_if<WebEvent::WebPixels>(&customEvent.value);
+  ASSERT_NE(pixels, nullptr);
+  ASSERT_TRUE(pixels->event.has_value());
+  const auto* customPixel = std::get_if<CustomEvent>(&*pixels->event);
+  ASSERT_NE(customPixel, nullptr);
+  EXPECT_EQ(customPixel->id, "e1");
+  EXPECT_EQ(customPixel->name, "my_event");
+
+  const std::string standard =
+      R"({"name":"page_viewed","event":{"id":"e2","name":"page_viewed","timestamp":"t",)"
+      R"("type":"standard","context":{}}})";
+  const WebEvent standardEvent = decodeOk(envelope("webPixels", standard));
+  pixels = std::get_if<WebEvent::WebPixels>(&standardEvent.value);
+  ASSERT_NE(pixels, nullptr);
+  ASSERT_TRUE(pixels->event.has_value());
+  EXPECT_TRUE(std::holds_alternative<StandardEvent>(*pixels->event));
+
+  const std::string other =
+      R"({"name":"x","event":{"id":"e3","name":"x","timestamp":"t","type":"Standard",)"
+      R"("context":{}}})";
+  EXPECT_EQ(decodeOk(envelope("webPixels", other)), WebEvent{WebEvent::WebPixels{std::nullopt}});
+}
+
+using CheckoutBridgeDeathTest = CheckoutBridgeTest;
+
+TEST_F(CheckoutBridgeDeathTest, ContractViolationsEndTheProcess) {
+  EXPECT_DEATH((void)CheckoutBridge::decode(envelope("error", "[]")),
+               "vemba-checkout: contract violation: .*empty array");
+  EXPECT_DEATH((void)CheckoutBridge::decode(envelope("checkoutBlockingEvent", "TRUE")),
+               "vemba-checkout: contract violation: .*checkoutBlockingEvent");
+  EXPECT_DEATH((void)CheckoutBridge::decode(envelope("checkoutBlockingEvent", "")),
+               "vemba-checkout: contract violation: ");
+  EXPECT_DEATH((void)CheckoutBridge::decode(envelope("checkoutBlockingEvent", " true")),
+               "vemba-checkout: contract violation: ");
+}
+
+void returningHook(std::string_view /*reason*/) {}
+
+TEST_F(CheckoutBridgeDeathTest, AHookThatReturnsStillEndsTheProcess) {
+  EXPECT_DEATH(
+      {
+        const ScopedContractViolationHook hook(returningHook);
+        (void)CheckoutBridge::decode(envelope("error", "[]"));
+      },
+      "contract violation");
+}
+
+TEST_F(CheckoutBridgeTest, AThrowingHookLeavesTheViolationForFuzzers) {
+  const ScopedContractViolationHook hook(throwContractViolationForTesting);
+  EXPECT_THROW((void)CheckoutBridge::decode(envelope("error", "[]")), ContractViolationForTesting);
+  EXPECT_THROW((void)CheckoutBridge::decode(envelope("checkoutBlockingEvent", "1")),
+               ContractViolationForTesting);
+}
+
+class RecordingScriptEvaluator final : public platform::ScriptEvaluator {
+ public:
+  void evaluateJavaScript(std::string_view script) override { scripts.emplace_back(script); }
+  std::vector<std::string> scripts;
+};
+
+std::string expectedScript(const std::string& argument) {
+  return "if (window.MobileCheckoutSdk && window.MobileCheckoutSdk.dispatchMessage) {\n"
+         "\twindow.MobileCheckoutSdk.dispatchMessage(" +
+         argument +
+         ");\n} else {\n\twindow.addEventListener('mobileCheckoutBridgeReady', function () {\n"
+         "\t\twindow.MobileCheckoutSdk.dispatchMessage(" +
+         argument + ");\n\t}, {passive: true, once: true});\n}";
+}
+
+TEST_F(CheckoutBridgeTest, SendMessageScriptText) {
+  RecordingScriptEvaluator webView;
+  CheckoutBridge::sendMessage(webView, "presented");
+  ASSERT_EQ(webView.scripts.size(), 1U);
+  EXPECT_EQ(webView.scripts[0], expectedScript("'presented'"));
+
+  // JSON text goes in as it is, except U+2028/U+2029 inside string literals, which become
+  // escapes of the same characters.
+  const std::string ls = "\xE2\x80\xA8";
+  const std::string ps = "\xE2\x80\xA9";
+  const std::string body =
+      "{\"s\":\"q\\\"b\\\\c\\nd" + ls + "e" + ps + "\",\n\"t\":'x'," + ls + "\"u\":\"\\\\\"}";
+  CheckoutBridge::sendMessage(webView, "instrumentation", body);
+  ASSERT_EQ(webView.scripts.size(), 2U);
+  EXPECT_EQ(webView.scripts[1],
+            expectedScript("'instrumentation', {\"s\":\"q\\\"b\\\\c\\nd\\u2028e\\u2029\",\n"
+                           "\"t\":'x'," +
+                           ls + "\"u\":\"\\\\\"}"));
+}
+
+TEST_F(CheckoutBridgeTest, InstrumentSendsTheEncodedPayload) {
+  RecordingScriptEvaluator webView;
+  const InstrumentationPayload payload{
+      "checkout_finished_loading", 1234, InstrumentationType::histogram, {{"preloading", "false"}}};
+  CheckoutBridge::asProtocol().instrument(webView, payload);
+  ASSERT_EQ(webView.scripts.size(), 1U);
+  const std::string& script = webView.scripts[0];
+  const std::string head = "dispatchMessage('instrumentation', ";
+  const std::size_t start = script.find(head);
+  ASSERT_NE(start, std::string::npos);
+  const std::size_t bodyStart = start + head.size();
+  const std::size_t bodyEnd = script.find(");\n", bodyStart);
+  const std::string body = script.substr(bodyStart, bodyEnd - bodyStart);
+  const auto decoded = decodeInstrumentationSdkToWebEvent(body);
+  ASSERT_TRUE(decoded.hasValue()) << body;
+  EXPECT_EQ(decoded->detail, payload);
+  EXPECT_EQ(script, expectedScript("'instrumentation', " + body));
+  EXPECT_EQ(nlohmann::json::parse(body),
+            nlohmann::json::parse(R"({"detail":{"name":"checkout_finished_loading","value":1234,)"
+                                  R"("type":"histogram","tags":{"preloading":"false"}}})"));
+}
+
+TEST_F(CheckoutBridgeTest, UnencodableInstrumentationIsPrintedAndNotSent) {
+  RecordingScriptEvaluator webView;
+  const InstrumentationPayload payload{"bad \xFF name", 1, InstrumentationType::histogram, {}};
+  ::testing::internal::CaptureStdout();
+  CheckoutBridge::instrument(webView, payload);
+  const std::string printed = ::testing::internal::GetCapturedStdout();
+  EXPECT_THAT(webView.scripts, IsEmpty());
+  EXPECT_THAT(printed, StartsWith("toJson() unencodableInstrumentation(EncodingError 316: "));
+  EXPECT_EQ(printed.back(), '\n');
+  EXPECT_THAT(platform.log.lines, IsEmpty());
+}
+
+class RecordingHandler final : public platform::ScriptMessageHandler {
+ public:
+  void userContentControllerDidReceive(platform::UserContentController& controller,
+                                       const platform::ScriptMessage& message) override {
+    controllers.push_back(&controller);
+    messages.push_back(message);
+  }
+  std::vector<platform::UserContentController*> controllers;
+  std::vector<platform::ScriptMessage> messages;
+};
+
+TEST(MessageHandlerTest, ForwardsWhileTheDelegateLivesAndDropsAfterwards) {
+  auto delegate = std::make_shared<RecordingHandler>();
+  MessageHandler handler(delegate);
+  auto& controller = *reinterpret_cast<platform::UserContentController*>(&handler);
+  const platform::ScriptMessage message{"mobileCheckoutSdk", std::string("x")};
+  handler.userContentControllerDidReceive(controller, message);
+  ASSERT_EQ(delegate->messages.size(), 1U);
+  EXPECT_EQ(delegate->messages[0], message);
+  EXPECT_EQ(delegate->controllers[0], &controller);
+
+  std::weak_ptr<RecordingHandler> weak = delegate;
+  delegate.reset();
+  EXPECT_TRUE(weak.expired());
+  handler.userContentControllerDidReceive(controller, message);  // dropped, no crash
+}
+
+}  // namespace
+}  // namespace vemba::checkout

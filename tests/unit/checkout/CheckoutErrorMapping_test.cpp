@@ -1,0 +1,208 @@
+#include "checkout/CheckoutErrorMapping.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "CheckoutTestSupport.h"
+#include "checkout/HttpStatusPhrase.h"
+#include "checkout/OSLogger.h"
+#include "platform/UrlErrorCode.h"
+
+namespace vemba::checkout {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using WebEvent = CheckoutBridge::WebEvent;
+
+class CheckoutErrorMappingTest : public testing::CheckoutTest {
+ protected:
+  CheckoutErrorMappingTest() { OSLogger::shared().setLogLevel(LogLevel::all); }
+};
+
+struct WebEventCase {
+  WebEvent event;
+  std::optional<CheckoutError> expected;
+  std::vector<std::string> log;
+};
+
+TEST_F(CheckoutErrorMappingTest, BridgeErrorEvents) {
+  const std::vector<WebEventCase> cases = {
+      {WebEvent{WebEvent::CheckoutExpired{"Gone", CheckoutErrorCode::cartExpired}},
+       CheckoutError::checkoutExpired("Gone", CheckoutErrorCode::cartExpired, false),
+       {"info|[VembaCheckoutKit] (Info) - Checkout expired error received: Gone, code: "
+        "cartExpired"}},
+      {WebEvent{WebEvent::CheckoutExpired{std::nullopt, CheckoutErrorCode::unknown}},
+       CheckoutError::checkoutExpired("Checkout has expired.", CheckoutErrorCode::unknown, false),
+       {"info|[VembaCheckoutKit] (Info) - Checkout expired error received: No message, code: "
+        "unknown"}},
+      {WebEvent{WebEvent::CheckoutUnavailable{std::nullopt, CheckoutErrorCode::unknown}},
+       CheckoutError::checkoutUnavailable(
+           "Checkout unavailable.", CheckoutUnavailable::clientError(CheckoutErrorCode::unknown),
+           true),
+       {"error|[VembaCheckoutKit] (Error) - Checkout unavailable error received: No message, "
+        "code: unknown"}},
+      {WebEvent{WebEvent::CheckoutUnavailable{"Down", CheckoutErrorCode::invalidCart}},
+       CheckoutError::checkoutUnavailable(
+           "Down", CheckoutUnavailable::clientError(CheckoutErrorCode::invalidCart), true),
+       {"error|[VembaCheckoutKit] (Error) - Checkout unavailable error received: Down, code: "
+        "invalidCart"}},
+      // A configuration error reaches the host as an unrecoverable "unavailable".
+      {WebEvent{WebEvent::ConfigurationError{std::nullopt,
+                                             CheckoutErrorCode::storefrontPasswordRequired}},
+       CheckoutError::checkoutUnavailable(
+           "Storefront configuration error.",
+           CheckoutUnavailable::clientError(CheckoutErrorCode::storefrontPasswordRequired), false),
+       {"error|[VembaCheckoutKit] (Error) - Configuration error received: No message, code: "
+        "storefrontPasswordRequired"}},
+      {WebEvent{WebEvent::CheckoutModalToggled{true}}, std::nullopt, {}},
+      {WebEvent{WebEvent::Unsupported{"error"}}, std::nullopt, {}},
+      {WebEvent{WebEvent::WebPixels{std::nullopt}}, std::nullopt, {}},
+  };
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    platform.log.lines.clear();
+    EXPECT_EQ(checkoutErrorForWebEvent(cases[i].event), cases[i].expected) << "case " << i;
+    EXPECT_EQ(logLines(), cases[i].log) << "case " << i;
+  }
+}
+
+TEST_F(CheckoutErrorMappingTest, ExpiredIsLoggedAtInfoSoTheDefaultThresholdHidesIt) {
+  OSLogger::shared().setLogLevel(LogLevel::error);
+  checkoutErrorForWebEvent(WebEvent{WebEvent::CheckoutExpired{"a", CheckoutErrorCode::unknown}});
+  EXPECT_THAT(platform.log.lines, IsEmpty());
+  checkoutErrorForWebEvent(WebEvent{WebEvent::ConfigurationError{"b", CheckoutErrorCode::unknown}});
+  EXPECT_EQ(platform.log.lines.size(), 1U);
+}
+
+TEST_F(CheckoutErrorMappingTest, UndecodableMessageIsARecoverableSdkError) {
+  const BridgeError bridgeError = BridgeError::invalidBridgeEvent(std::nullopt);
+  const CheckoutError error = checkoutErrorForBridgeFailure(bridgeError);
+  EXPECT_EQ(error, CheckoutError::sdkError(bridgeError.toError(), true));
+  EXPECT_THAT(logLines(), ElementsAre("error|[VembaCheckoutKit] (Error) - Error decoding bridge "
+                                      "script message: " +
+                                      bridgeError.description()));
+}
+
+struct HttpCase {
+  std::int64_t status;
+  bool isRecovery;
+  std::optional<CheckoutError> expected;
+  std::vector<std::string> log;
+};
+
+CheckoutError unavailable(std::string message, std::int64_t status, bool recoverable) {
+  return CheckoutError::checkoutUnavailable(std::move(message),
+                                            CheckoutUnavailable::httpError(status), recoverable);
+}
+
+std::string debugLine(const std::string& text) {
+  return "debug|[VembaCheckoutKit] (Debug) - " + text;
+}
+
+TEST_F(CheckoutErrorMappingTest, HttpStatusOfTheCheckoutDocument) {
+  const std::vector<HttpCase> cases = {
+      {200, false, std::nullopt, {}},
+      {399, false, std::nullopt, {}},
+      {400, false, unavailable("Bad Request", 400, false), {debugLine("400 error received")}},
+      {401,
+       false,
+       unavailable("Unauthorized", 401, false),
+       {debugLine("Unauthorized access (401)")}},
+      {404, true, unavailable("Not Found", 404, false), {debugLine("Not found (404)")}},
+      {410,
+       false,
+       CheckoutError::checkoutExpired("Checkout has expired.", CheckoutErrorCode::cartExpired,
+                                      false),
+       {debugLine("Gone (410)")}},
+      {500,
+       false,
+       unavailable("Internal Server Error", 500, true),
+       {debugLine("Server error (5xx)")}},
+      {503,
+       false,
+       unavailable("Service Unavailable", 503, true),
+       {debugLine("Server error (5xx)")}},
+      // A recovery view's server errors are final.
+      {503,
+       true,
+       unavailable("Service Unavailable", 503, false),
+       {debugLine("Server error (5xx)")}},
+      {599, false, unavailable("Server Error", 599, true), {debugLine("Server error (5xx)")}},
+      {418, false, unavailable("Client Error", 418, false), {debugLine("418 error received")}},
+      {600, false, unavailable("Unknown Status", 600, false), {debugLine("600 error received")}},
+  };
+  for (const HttpCase& c : cases) {
+    platform.log.lines.clear();
+    EXPECT_EQ(checkoutErrorForHttpStatus(c.status, c.isRecovery), c.expected) << c.status;
+    EXPECT_EQ(logLines(), c.log) << c.status;
+  }
+}
+
+TEST_F(CheckoutErrorMappingTest, HandlingResponseLine) {
+  logHandlingResponse("https://shop.example/cart/c/1?key=k", 503);
+  logHandlingResponse(std::nullopt, 404);
+  EXPECT_THAT(logLines(),
+              ElementsAre(debugLine("Handling response for URL: "
+                                    "https://shop.example/cart/c/1?key=k, status code: 503"),
+                          debugLine("Handling response for URL: unknown URL, status code: 404")));
+}
+
+TEST_F(CheckoutErrorMappingTest, NavigationFailures) {
+  const Error cancelled{std::string(platform::kUrlErrorDomain), platform::UrlErrorCode::cancelled,
+                        "cancelled"};
+  EXPECT_EQ(checkoutErrorForNavigationFailure(cancelled, false), std::nullopt);
+  EXPECT_THAT(logLines(),
+              ElementsAre(debugLine("WebView navigation failed with error: description:cancelled "
+                                    "domain:URLError code:-999"),
+                          debugLine("Ignoring cancelled URL redirect. code:NSURLErrorCancelled")));
+
+  // The same code in another domain is a real failure.
+  const Error otherDomain{"WebKitErrorDomain", -999, "x"};
+  EXPECT_EQ(checkoutErrorForNavigationFailure(otherDomain, false),
+            CheckoutError::sdkError(otherDomain, true));
+
+  const Error timedOut{std::string(platform::kUrlErrorDomain), platform::UrlErrorCode::timedOut,
+                       "The request timed out."};
+  EXPECT_EQ(checkoutErrorForNavigationFailure(timedOut, false),
+            CheckoutError::sdkError(timedOut, true));
+  EXPECT_EQ(checkoutErrorForNavigationFailure(timedOut, true),
+            CheckoutError::sdkError(timedOut, false));
+}
+
+TEST(CheckoutErrorTest, IsRecoverableReadsTheFlagOfEveryCase) {
+  for (const bool flag : {false, true}) {
+    EXPECT_EQ(CheckoutError::sdkError(Error{}, flag).isRecoverable(), flag);
+    EXPECT_EQ(
+        CheckoutError::configurationError("m", CheckoutErrorCode::unknown, flag).isRecoverable(),
+        flag);
+    EXPECT_EQ(CheckoutError::checkoutUnavailable("m", CheckoutUnavailable::httpError(500), flag)
+                  .isRecoverable(),
+              flag);
+    EXPECT_EQ(CheckoutError::checkoutExpired("m", CheckoutErrorCode::unknown, flag).isRecoverable(),
+              flag);
+  }
+}
+
+TEST(CheckoutErrorCodeTest, FromNeverFails) {
+  EXPECT_EQ(checkoutErrorCodeFrom(std::nullopt), CheckoutErrorCode::unknown);
+  EXPECT_EQ(checkoutErrorCodeFrom("nope"), CheckoutErrorCode::unknown);
+  EXPECT_EQ(checkoutErrorCodeFrom("CART_EXPIRED"), CheckoutErrorCode::unknown);
+  for (const CheckoutErrorCode code : kAllCheckoutErrorCodes) {
+    EXPECT_EQ(checkoutErrorCodeFrom(std::string(rawValue(code))), code);
+    EXPECT_EQ(checkoutErrorCodeFromRawValue(rawValue(code)), code);
+  }
+  EXPECT_EQ(checkoutErrorCodeFromRawValue("nope"), std::nullopt);
+  EXPECT_EQ(rawValue(CheckoutErrorCode::storefrontPasswordRequired),
+            "storefront_password_required");
+}
+
+TEST(HttpStatusPhraseTest, StandardPhrasesAndClassFallbacks) {
+  EXPECT_EQ(httpStatusPhrase(200), "OK");
+  EXPECT_EQ(httpStatusPhrase(429), "Too Many Requests");
+  EXPECT_EQ(httpStatusPhrase(511), "Network Authentication Required");
+  EXPECT_EQ(httpStatusPhrase(450), "Client Error");
+  EXPECT_EQ(httpStatusPhrase(-1), "Unknown Status");
+}
+
+}  // namespace
+}  // namespace vemba::checkout

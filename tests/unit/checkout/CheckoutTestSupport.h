@@ -1,0 +1,46 @@
+// Shared fixture of the checkout core's unit tests: a fake platform installed for the test and
+// the checkout singletons reset before and after it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "FakePlatform.h"
+#include "checkout/GlobalsForTesting.h"
+
+namespace vemba::checkout::testing {
+
+class CheckoutTest : public ::testing::Test {
+ protected:
+  CheckoutTest() { resetGlobalsForTesting(); }
+  ~CheckoutTest() override { resetGlobalsForTesting(); }
+
+  // The log lines written so far, as "<severity>|<line>".
+  std::vector<std::string> logLines() const {
+    std::vector<std::string> out;
+    for (const auto& line : platform.log.lines) {
+      out.push_back(std::string(severityName(line.severity)) + "|" + line.text);
+    }
+    return out;
+  }
+
+  static const char* severityName(platform::LogSeverity severity) {
+    switch (severity) {
+      case platform::LogSeverity::debug:
+        return "debug";
+      case platform::LogSeverity::info:
+        return "info";
+      case platform::LogSeverity::error:
+        return "error";
+      case platform::LogSeverity::fault:
+        return "fault";
+    }
+    return "?";
+  }
+
+  fake::InstalledFakePlatform platform;
+};
+
+}  // namespace vemba::checkout::testing

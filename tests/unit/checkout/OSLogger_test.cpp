@@ -1,0 +1,111 @@
+#include "checkout/OSLogger.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "CheckoutTestSupport.h"
+#include "checkout/ConfigurationStore.h"
+#include "vemba/checkout/LogLevel.h"
+
+namespace vemba::checkout {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class OSLoggerTest : public testing::CheckoutTest {};
+
+struct EmissionCase {
+  LogLevel threshold;
+  std::vector<std::string> expected;
+};
+
+TEST_F(OSLoggerTest, EmissionMatrix) {
+  // Levels are not ordered: each threshold passes only its own calls.
+  const std::vector<EmissionCase> cases = {
+      {LogLevel::all,
+       {"debug|[P] (Debug) - d", "info|[P] (Info) - i", "error|[P] (Error) - e",
+        "fault|[P] (Fault) - f"}},
+      {LogLevel::debug, {"debug|[P] (Debug) - d", "info|[P] (Info) - i"}},
+      {LogLevel::error, {"error|[P] (Error) - e", "fault|[P] (Fault) - f"}},
+      {LogLevel::none, {}},
+  };
+  for (const EmissionCase& c : cases) {
+    platform.log.lines.clear();
+    const OSLogger logger("P", c.threshold);
+    logger.debug("d");
+    logger.info("i");
+    logger.error("e");
+    logger.fault("f");
+    EXPECT_EQ(logLines(), c.expected) << rawValue(c.threshold);
+  }
+}
+
+TEST_F(OSLoggerTest, WritesTheLineUnderTheKitsSubsystemWithFormatCharactersLiteral) {
+  const OSLogger logger("VembaCheckoutKit", LogLevel::all);
+  logger.error("x %@ %d %s %n");
+  ASSERT_EQ(platform.log.lines.size(), 1U);
+  EXPECT_EQ(platform.log.lines[0].text, "[VembaCheckoutKit] (Error) - x %@ %d %s %n");
+  EXPECT_EQ(platform.log.lines[0].subsystem, OSLogger::kSubsystem);
+  EXPECT_EQ(platform.log.lines[0].category, OSLogger::kCategory);
+}
+
+TEST_F(OSLoggerTest, SharedStartsWithTheKitPrefixAndTheConfigurationsLevel) {
+  OSLogger::shared().info("x");
+  OSLogger::shared().error("x");
+  EXPECT_THAT(logLines(), ElementsAre("error|[VembaCheckoutKit] (Error) - x"));
+
+  // The shared logger copies the level once, when it is created.
+  resetGlobalsForTesting();
+  detail::modifyConfiguration([](Configuration& c) { c.logLevel = LogLevel::debug; });
+  platform.log.lines.clear();
+  OSLogger::shared().info("y");
+  OSLogger::shared().error("y");
+  detail::modifyConfiguration([](Configuration& c) { c.logLevel = LogLevel::none; });
+  OSLogger::shared().info("z");
+  EXPECT_THAT(logLines(), ElementsAre("info|[VembaCheckoutKit] (Info) - y",
+                                      "info|[VembaCheckoutKit] (Info) - z"));
+}
+
+TEST_F(OSLoggerTest, SharedIsCreatedOnceWhenFirstUsedFromSeveralThreads) {
+  // info lines stay below the default threshold, so the threads only race for the instance.
+  OSLogger* seen[4] = {};
+  std::vector<std::thread> threads;
+  for (OSLogger*& slot : seen) {
+    threads.emplace_back([&slot] {
+      slot = &OSLogger::shared();
+      slot->info("x");
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  for (OSLogger* logger : seen) {
+    EXPECT_EQ(logger, &OSLogger::shared());
+  }
+  EXPECT_THAT(platform.log.lines, IsEmpty());
+}
+
+TEST_F(OSLoggerTest, PrefixAndLevelCanBeChanged) {
+  OSLogger logger("A", LogLevel::none);
+  logger.fault("hidden");
+  logger.setLogLevel(LogLevel::error);
+  logger.setPrefix("B");
+  logger.fault("shown");
+  EXPECT_THAT(logLines(), ElementsAre("fault|[B] (Fault) - shown"));
+}
+
+TEST(LogLevelTest, RawValuesAreExactAndCaseSensitive) {
+  for (const LogLevel level : kAllLogLevels) {
+    EXPECT_EQ(logLevelFrom(rawValue(level)), level);
+  }
+  EXPECT_EQ(rawValue(LogLevel::all), "all");
+  EXPECT_EQ(logLevelFrom("ALL"), std::nullopt);
+  EXPECT_EQ(logLevelFrom("Error"), std::nullopt);
+  EXPECT_EQ(logLevelFrom(""), std::nullopt);
+}
+
+}  // namespace
+}  // namespace vemba::checkout

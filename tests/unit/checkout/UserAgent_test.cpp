@@ -1,0 +1,60 @@
+#include "vemba/checkout/UserAgent.h"
+
+#include <gtest/gtest.h>
+
+#include "vemba/checkout/MetaData.h"
+
+namespace vemba::checkout {
+namespace {
+
+using CheckoutType = UserAgent::CheckoutType;
+using ColorScheme = UserAgent::ColorScheme;
+
+struct SuffixCase {
+  CheckoutType type;
+  ColorScheme scheme;
+  std::optional<MetaData::Platform> platform;
+  std::optional<MetaData::EntryPoint> entryPoint;
+  const char* expected;
+};
+
+TEST(UserAgentTest, SuffixRules) {
+  const SuffixCase cases[] = {
+      {CheckoutType::standard, ColorScheme::automatic, std::nullopt, std::nullopt,
+       "VembaCheckoutKit/3.4.0 (8.1;automatic;standard)"},
+      {CheckoutType::standard, ColorScheme::web, std::nullopt, std::nullopt,
+       "VembaCheckoutKit/3.4.0 (8.1;web_default;standard)"},
+      // Recovery announces "noconnect" where the schema version stands otherwise.
+      {CheckoutType::recovery, ColorScheme::dark, MetaData::Platform::reactNative,
+       MetaData::EntryPoint::acceleratedCheckouts,
+       "VembaCheckoutKit/3.4.0 (noconnect;dark;standard_recovery) ReactNative "
+       "AcceleratedCheckouts"},
+      {CheckoutType::recovery, ColorScheme::light, std::nullopt, std::nullopt,
+       "VembaCheckoutKit/3.4.0 (noconnect;light;standard_recovery)"},
+      {CheckoutType::standard, ColorScheme::light, MetaData::Platform::iOS, std::nullopt,
+       "VembaCheckoutKit/3.4.0 (8.1;light;standard) iOS"},
+      {CheckoutType::standard, ColorScheme::automatic, std::nullopt,
+       MetaData::EntryPoint::acceleratedCheckouts,
+       "VembaCheckoutKit/3.4.0 (8.1;automatic;standard) AcceleratedCheckouts"},
+  };
+  for (const SuffixCase& c : cases) {
+    EXPECT_EQ(UserAgent::string(c.type, c.scheme, c.platform, c.entryPoint), c.expected);
+  }
+}
+
+TEST(UserAgentTest, RawValuesRoundTripAndRejectAnythingElse) {
+  EXPECT_EQ(colorSchemeFrom("web_default"), ColorScheme::web);
+  EXPECT_EQ(colorSchemeFrom("web"), std::nullopt);
+  EXPECT_EQ(colorSchemeFrom("Dark"), std::nullopt);
+  EXPECT_EQ(entryPointFrom("AcceleratedCheckouts"), MetaData::EntryPoint::acceleratedCheckouts);
+  EXPECT_EQ(entryPointFrom("acceleratedCheckouts"), std::nullopt);
+  EXPECT_EQ(metaDataPlatformFrom("iOS"), MetaData::Platform::iOS);
+  EXPECT_EQ(metaDataPlatformFrom("ios"), std::nullopt);
+  EXPECT_EQ(platformFrom("ReactNative"), Platform::reactNative);
+  EXPECT_EQ(platformFrom("iOS"), std::nullopt);
+  EXPECT_EQ(version, "3.4.0");
+  EXPECT_EQ(MetaData::schemaVersion, "8.1");
+}
+
+}  // namespace
+}  // namespace vemba::checkout
