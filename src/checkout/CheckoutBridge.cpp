@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "checkout/BridgeEnvelope.h"
 #include "checkout/CheckoutErrorEventDecoder.h"
 #include "checkout/ContractViolation.h"
 #include "checkout/events/CheckoutCompletedEventDecoder.h"
@@ -13,9 +14,7 @@
 namespace vemba::checkout {
 namespace {
 
-// The page's message vocabulary (exact, case-sensitive) and the envelope's keys.
-constexpr std::string_view kNameKey = "name";
-constexpr std::string_view kBodyKey = "body";
+// The page's message vocabulary (exact, case-sensitive).
 constexpr std::string_view kCompletedMessage = "completed";
 constexpr std::string_view kErrorMessage = "error";
 constexpr std::string_view kBlockingMessage = "checkoutBlockingEvent";
@@ -60,12 +59,8 @@ WebEvent decodeErrorMessage(const json::Json& envelope) {
   return WebEvent{WebEvent::Unsupported{std::string(kErrorMessage)}};
 }
 
-WebEvent decodeBlockingMessage(const json::Json& envelope, const json::JsonPath& path) {
-  const json::Json& body = json::requireKey(envelope, kBodyKey, path);
-  if (!body.is_string()) {
-    (void)json::decodeString(body, path / kBodyKey);  // reports the type mismatch
-  }
-  const auto& text = body.get_ref<const json::Json::string_t&>();
+WebEvent decodeBlockingMessage(const json::Json& envelope) {
+  const std::string_view text = requireEnvelopeString(envelope, kEnvelopeBodyKey);
   if (text == kBlockingTrue) {
     return WebEvent{WebEvent::CheckoutModalToggled{true}};
   }
@@ -77,11 +72,7 @@ WebEvent decodeBlockingMessage(const json::Json& envelope, const json::JsonPath&
 
 WebEvent decodeEnvelope(const json::Json& root, const json::JsonPath& path) {
   const json::Json& envelope = json::requireObject(root, path);
-  const json::Json& nameValue = json::requireKey(envelope, kNameKey, path);
-  if (!nameValue.is_string()) {
-    (void)json::decodeString(nameValue, path / kNameKey);  // reports the type mismatch
-  }
-  const auto& name = nameValue.get_ref<const json::Json::string_t&>();
+  const std::string_view name = requireEnvelopeString(envelope, kEnvelopeNameKey);
 
   if (name == kCompletedMessage) {
     return WebEvent{WebEvent::CheckoutComplete{CheckoutCompletedEventDecoder::decode(envelope)}};
@@ -90,7 +81,7 @@ WebEvent decodeEnvelope(const json::Json& root, const json::JsonPath& path) {
     return decodeErrorMessage(envelope);
   }
   if (name == kBlockingMessage) {
-    return decodeBlockingMessage(envelope, path);
+    return decodeBlockingMessage(envelope);
   }
   if (name == kWebPixelsMessage) {
     auto pixel = WebPixelsEventDecoder::decode(envelope);
@@ -99,7 +90,7 @@ WebEvent decodeEnvelope(const json::Json& root, const json::JsonPath& path) {
     }
     return WebEvent{WebEvent::WebPixels{std::move(pixel).value()}};
   }
-  return WebEvent{WebEvent::Unsupported{name}};
+  return WebEvent{WebEvent::Unsupported{std::string(name)}};
 }
 
 // Escapes U+2028 and U+2029 inside the body's string literals as \u2028 and \u2029: the same
@@ -153,7 +144,8 @@ Expected<WebEvent, BridgeError> CheckoutBridge::decode(const platform::ScriptMes
 }
 
 Expected<WebEvent, BridgeError> CheckoutBridge::decode(std::string_view envelopeText) {
-  Expected<WebEvent, json::DecodingError> event = json::decodeText(envelopeText, decodeEnvelope);
+  Expected<WebEvent, json::DecodingError> event =
+      json::decodeDocument(readEnvelope(envelopeText), decodeEnvelope);
   if (!event) {
     return Unexpected{BridgeError::invalidBridgeEvent(event.error().toError())};
   }

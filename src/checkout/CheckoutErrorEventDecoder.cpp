@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "checkout/BridgeEnvelope.h"
 #include "checkout/ContractViolation.h"
 #include "checkout/OSLogger.h"
 #include "common/JsonDecoding.h"
@@ -14,7 +15,6 @@ constexpr std::string_view kCodeKey = "code";
 constexpr std::string_view kFlowTypeKey = "flowType";
 constexpr std::string_view kReasonKey = "reason";
 constexpr std::string_view kTypeKey = "type";
-constexpr std::string_view kBodyKey = "body";
 
 constexpr std::string_view kDecodeFailureLog = "Error decoding \"error\" event - ";
 constexpr std::string_view kFallbackReason = "Decoded error could not be parsed.";
@@ -84,8 +84,7 @@ CheckoutErrorEvent CheckoutErrorEventDecoder::fallbackEvent() {
 CheckoutErrorEvent CheckoutErrorEventDecoder::decode(const json::Json& envelope) {
   std::vector<CheckoutErrorEvent> events;
   try {
-    const json::JsonPath root;
-    const std::string body = json::requireString(envelope, kBodyKey, root);
+    const std::string_view body = requireEnvelopeString(envelope, kEnvelopeBodyKey);
     Expected<std::vector<CheckoutErrorEvent>, json::DecodingError> decoded =
         json::decodeText(body, [](const json::Json& value, const json::JsonPath& path) {
           return json::decodeArray(value, path, decodeCheckoutErrorEvent);

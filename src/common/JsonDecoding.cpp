@@ -15,7 +15,9 @@ std::string JsonPath::str() const {
   for (auto it = chain.rbegin(); it != chain.rend(); ++it) {
     const JsonPath& step = **it;
     if (step.isIndex_) {
-      out += "[" + std::to_string(step.index_) + "]";
+      out.push_back('[');
+      out += std::to_string(step.index_);
+      out.push_back(']');
     } else {
       if (!out.empty()) {
         out.push_back('.');

@@ -105,12 +105,12 @@ auto decodeArray(const Json& value, const JsonPath& path, Fn&& decodeElement)
   return out;
 }
 
-// Runs a decoder of a whole document over `text`: parse, then decode(root, rootPath).
+// Runs a decoder of a whole document over its parsed root, absent when the text was not valid
+// JSON: decode(root, rootPath).
 template <typename Fn>
-auto decodeText(std::string_view text, Fn&& decode)
+auto decodeDocument(const std::optional<Json>& root, Fn&& decode)
     -> Expected<decltype(decode(std::declval<const Json&>(), std::declval<const JsonPath&>())),
                 DecodingError> {
-  std::optional<Json> root = parseJson(text);
   if (!root) {
     return Unexpected{DecodingError{DecodingError::Kind::dataCorrupted, "",
                                     "The given data was not valid JSON."}};
@@ -121,6 +121,12 @@ auto decodeText(std::string_view text, Fn&& decode)
   } catch (const DecodingFailure& failure) {
     return Unexpected{failure.error()};
   }
+}
+
+// Runs a decoder of a whole document over `text`: parse, then decode(root, rootPath).
+template <typename Fn>
+auto decodeText(std::string_view text, Fn&& decode) {
+  return decodeDocument(parseJson(text), std::forward<Fn>(decode));
 }
 
 // Serialises compactly with every "/" escaped as "\/", the encoder's house style. A "/" can

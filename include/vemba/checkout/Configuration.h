@@ -11,12 +11,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/Color.h"
-#include "platform/Image.h"
 #include "vemba/checkout/LogLevel.h"
 #include "vemba/checkout/Logger.h"
 #include "vemba/checkout/MetaData.h"
 #include "vemba/checkout/UserAgent.h"
+#include "vemba/platform/Color.h"
+#include "vemba/platform/Image.h"
 
 namespace vemba::checkout {
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "checkout/BridgeEnvelope.h"
 #include "checkout/OSLogger.h"
 #include "checkout/events/CheckoutCompletedEventCoding.h"
 #include "common/JsonDecoding.h"
@@ -10,13 +11,12 @@
 namespace vemba::checkout {
 namespace {
 
-constexpr std::string_view kBodyKey = "body";
 constexpr std::string_view kDecodingErrorMessage = "Error decoding \"completed\" event - ";
 
 Expected<CheckoutCompletedEvent, json::DecodingError> decodeEnvelope(const json::Json& envelope) {
-  std::string body;
+  std::string_view body;
   try {
-    body = json::requireString(envelope, kBodyKey, json::JsonPath());
+    body = requireEnvelopeString(envelope, kEnvelopeBodyKey);
   } catch (const json::DecodingFailure& failure) {
     return Unexpected{failure.error()};
   }

@@ -1,20 +1,18 @@
 #include "checkout/events/WebPixelsEventDecoder.h"
 
-#include <string>
 #include <string_view>
 
+#include "checkout/BridgeEnvelope.h"
 #include "checkout/events/WebPixelsEventCoding.h"
 #include "common/JsonDecoding.h"
 
 namespace vemba::checkout {
 namespace {
 
-constexpr std::string_view kBodyKey = "body";
-
 std::optional<PixelEvent> classify(WebPixelsEvent payload) {
   WebPixelsEventBody& body = payload.event;
   if (body.type == kStandardEventType) {
-    return PixelEvent(standardEventFrom(body));
+    return PixelEvent(standardEventFrom(std::move(body)));
   }
   if (body.type == kCustomEventType) {
     CustomEvent event;
@@ -32,9 +30,9 @@ std::optional<PixelEvent> classify(WebPixelsEvent payload) {
 
 Expected<std::optional<PixelEvent>, json::DecodingError> WebPixelsEventDecoder::decode(
     const nlohmann::json& envelope) {
-  std::string body;
+  std::string_view body;
   try {
-    body = json::requireString(envelope, kBodyKey, json::JsonPath());
+    body = requireEnvelopeString(envelope, kEnvelopeBodyKey);
   } catch (const json::DecodingFailure& failure) {
     return Unexpected{failure.error()};
   }
