@@ -9,7 +9,8 @@
 // an empty array, a "checkoutBlockingEvent" body other than "true"/"false") end the process by
 // design; here a hook turns them into an exception, and they must come only from those names.
 // Whatever is decoded also goes through the error mapping the web view applies, and the rest is
-// used as a kit-to-page message body to build the dispatch script.
+// used as a kit-to-page message body to build the dispatch script. The envelope reader must keep
+// exactly what the full parse of the same text holds under "name" and "body".
 #include <cstddef>
 #include <cstdint>
 #include <nlohmann/json.hpp>
@@ -17,6 +18,7 @@
 #include <string_view>
 
 #include "FakePlatform.h"
+#include "checkout/BridgeEnvelope.h"
 #include "checkout/CheckoutBridge.h"
 #include "checkout/CheckoutErrorMapping.h"
 #include "checkout/ContractViolation.h"
@@ -34,6 +36,40 @@ constexpr std::string_view kNames[] = {"completed", "error", "checkoutBlockingEv
 std::string envelopeWithStringBody(std::string_view name, std::string_view body) {
   const nlohmann::json envelope = {{"name", name}, {"body", body}};
   return envelope.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+// The parsed document reduced to what readEnvelope keeps: the root's type and, for an object, its
+// "name" and "body" members with containers emptied.
+std::optional<nlohmann::json> reducedDocument(std::string_view text) {
+  std::optional<nlohmann::json> document = vemba::json::parseJson(text);
+  if (!document) {
+    return std::nullopt;
+  }
+  const auto emptied = [](const nlohmann::json& value) {
+    return value.is_object()  ? nlohmann::json::object()
+           : value.is_array() ? nlohmann::json::array()
+                              : value;
+  };
+  if (!document->is_object()) {
+    return emptied(*document);
+  }
+  nlohmann::json kept = nlohmann::json::object();
+  for (const std::string_view key :
+       {vemba::checkout::kEnvelopeNameKey, vemba::checkout::kEnvelopeBodyKey}) {
+    if (const auto it = document->find(key); it != document->end()) {
+      kept[std::string(key)] = emptied(*it);
+    }
+  }
+  return kept;
+}
+
+void requireEnvelopeMatchesDocument(std::string_view text) {
+  const std::optional<nlohmann::json> read = vemba::checkout::readEnvelope(text);
+  const std::optional<nlohmann::json> expected = reducedDocument(text);
+  if (read.has_value() != expected.has_value() ||
+      (read && (read->type() != expected->type() || *read != *expected))) {
+    __builtin_trap();
+  }
 }
 
 }  // namespace
@@ -63,6 +99,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   } else {
     name = kNames[(size % 5)];
     message.body = "{\"name\":\"" + std::string(name) + "\",\"body\":" + std::string(rest) + "}";
+  }
+
+  if (const auto* text = std::get_if<std::string>(&message.body)) {
+    requireEnvelopeMatchesDocument(*text);
   }
 
   try {

@@ -25,27 +25,13 @@ void appendEscaped(std::string& out, std::string_view text) {
 
 }  // namespace
 
-std::string_view severityName(platform::LogSeverity severity) {
-  switch (severity) {
-    case platform::LogSeverity::debug:
-      return "debug";
-    case platform::LogSeverity::info:
-      return "info";
-    case platform::LogSeverity::error:
-      return "error";
-    case platform::LogSeverity::fault:
-      return "fault";
-  }
-  return "unknown";
-}
-
 std::string formatLogLine(LogFormat format, platform::LogSeverity severity,
                           std::string_view subsystem, std::string_view category,
                           std::string_view line) {
   std::string out;
   out.reserve(line.size() + subsystem.size() + category.size() + 16);
   if (format == LogFormat::annotated) {
-    out.append(severityName(severity)).append(" [");
+    out.append(platform::severityName(severity)).append(" [");
     appendEscaped(out, subsystem);
     out.push_back('/');
     appendEscaped(out, category);

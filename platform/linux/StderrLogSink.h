@@ -16,9 +16,6 @@
 
 namespace vemba::linux_platform {
 
-// "debug", "info", "error" or "fault".
-std::string_view severityName(platform::LogSeverity severity);
-
 // The complete line written for one write(), with its final newline.
 std::string formatLogLine(LogFormat format, platform::LogSeverity severity,
                           std::string_view subsystem, std::string_view category,

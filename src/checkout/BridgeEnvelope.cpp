@@ -18,9 +18,7 @@ class EnvelopeReader final : public nlohmann::json_sax<Json> {
   bool boolean(bool value) override { return keep(value); }
   bool number_integer(number_integer_t value) override { return keep(value); }
   bool number_unsigned(number_unsigned_t value) override { return keep(value); }
-  bool number_float(number_float_t value, const string_t& /*text*/) override {
-    return keep(value);
-  }
+  bool number_float(number_float_t value, const string_t& /*text*/) override { return keep(value); }
   // The parser allows its string buffer to be moved from.
   bool string(string_t& value) override { return keep(std::move(value)); }
   bool binary(binary_t& /*value*/) override { return true; }  // JSON text has none

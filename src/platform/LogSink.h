@@ -7,6 +7,21 @@ namespace vemba::platform {
 
 enum class LogSeverity { debug, info, error, fault };
 
+// "debug", "info", "error" or "fault".
+constexpr std::string_view severityName(LogSeverity severity) {
+  switch (severity) {
+    case LogSeverity::debug:
+      return "debug";
+    case LogSeverity::info:
+      return "info";
+    case LogSeverity::error:
+      return "error";
+    case LogSeverity::fault:
+      return "fault";
+  }
+  return "unknown";
+}
+
 // Contract: thread-safe; write() takes the complete line and never treats it as a format string.
 // `subsystem` and `category` identify the writer in the system log.
 class LogSink {

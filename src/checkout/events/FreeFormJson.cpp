@@ -12,13 +12,30 @@ using json::DecodingFailure;
 using json::Json;
 using json::JsonPath;
 
-JsonObject readObject(const Json& value, const JsonPath& path, std::size_t depth);
-JsonArray readArray(const Json& value, const JsonPath& path, std::size_t depth);
+JsonObject readObject(const Json& value, const JsonPath& path);
+JsonArray readArray(const Json& value, const JsonPath& path);
 
-void checkDepth(const JsonPath& path, std::size_t depth) {
+// Fails when `value`, a container at nesting `depth`, or any container inside it is nested deeper
+// than the limit: the first such container in reading order names the path.
+void checkNesting(const Json& value, const JsonPath& path, std::size_t depth) {
   if (depth > kMaxFreeFormDepth) {
     json::fail(DecodingError::Kind::dataCorrupted, path,
                "Nesting deeper than " + std::to_string(kMaxFreeFormDepth) + " levels.");
+  }
+  if (value.is_object()) {
+    for (auto it = value.begin(); it != value.end(); ++it) {
+      if (it->is_structured()) {
+        checkNesting(*it, path / it.key(), depth + 1);
+      }
+    }
+  } else {
+    std::size_t index = 0;
+    for (const Json& element : value) {
+      if (element.is_structured()) {
+        checkNesting(element, path / index, depth + 1);
+      }
+      ++index;
+    }
   }
 }
 
@@ -39,8 +56,9 @@ JsonValue readMemberNumber(const Json& value, const JsonPath& path) {
   }
 }
 
-// Absent for null (and for anything no read accepts).
-std::optional<JsonValue> readMember(const Json& value, const JsonPath& path, std::size_t depth) {
+// Absent for null (and for anything no read accepts). Containers are built in place in the
+// optional (a temporary JsonValue trips GCC 12's -Wmaybe-uninitialized at -O3).
+std::optional<JsonValue> readMember(const Json& value, const JsonPath& path) {
   switch (value.type()) {
     case Json::value_t::boolean:
       return JsonValue(value.get<bool>());
@@ -51,15 +69,15 @@ std::optional<JsonValue> readMember(const Json& value, const JsonPath& path, std
     case Json::value_t::number_float:
       return readMemberNumber(value, path);
     case Json::value_t::object:
-      return JsonValue(readObject(value, path, depth + 1));
+      return std::make_optional<JsonValue>(readObject(value, path));
     case Json::value_t::array:
-      return JsonValue(readArray(value, path, depth + 1));
+      return std::make_optional<JsonValue>(readArray(value, path));
     default:
       return std::nullopt;
   }
 }
 
-std::optional<JsonValue> readElement(const Json& value, const JsonPath& path, std::size_t depth) {
+std::optional<JsonValue> readElement(const Json& value, const JsonPath& path) {
   switch (value.type()) {
     case Json::value_t::boolean:
       return JsonValue(value.get<bool>());
@@ -70,35 +88,33 @@ std::optional<JsonValue> readElement(const Json& value, const JsonPath& path, st
     case Json::value_t::string:
       return JsonValue(value.get<std::string>());
     case Json::value_t::object:
-      return JsonValue(readObject(value, path, depth + 1));
+      return std::make_optional<JsonValue>(readObject(value, path));
     case Json::value_t::array:
-      return JsonValue(readArray(value, path, depth + 1));
+      return std::make_optional<JsonValue>(readArray(value, path));
     default:
       return std::nullopt;
   }
 }
 
-JsonObject readObject(const Json& value, const JsonPath& path, std::size_t depth) {
-  json::requireObject(value, path);
-  checkDepth(path, depth);
+// readObject and readArray never fail: their input has passed the checks of readJsonObject or
+// readJsonArray, which also bound their recursion.
+JsonObject readObject(const Json& value, const JsonPath& path) {
   JsonObject out;
   for (auto it = value.begin(); it != value.end(); ++it) {
     const std::string& key = it.key();
-    if (std::optional<JsonValue> read = readMember(it.value(), path / key, depth)) {
+    if (std::optional<JsonValue> read = readMember(it.value(), path / key)) {
       out.emplace_hint(out.end(), key, std::move(*read));
     }
   }
   return out;
 }
 
-JsonArray readArray(const Json& value, const JsonPath& path, std::size_t depth) {
-  json::requireArray(value, path);
-  checkDepth(path, depth);
+JsonArray readArray(const Json& value, const JsonPath& path) {
   JsonArray out;
   out.reserve(value.size());
   std::size_t index = 0;
   for (const Json& element : value) {
-    if (std::optional<JsonValue> read = readElement(element, path / index, depth)) {
+    if (std::optional<JsonValue> read = readElement(element, path / index)) {
       out.push_back(std::move(*read));
     }
     ++index;
@@ -108,12 +124,29 @@ JsonArray readArray(const Json& value, const JsonPath& path, std::size_t depth) 
 
 }  // namespace
 
+void checkFreeFormObject(const Json& value, const JsonPath& path) {
+  json::requireObject(value, path);
+  checkNesting(value, path, 1);
+}
+
 JsonObject readJsonObject(const Json& value, const JsonPath& path) {
-  return readObject(value, path, 1);
+  checkFreeFormObject(value, path);
+  return readObject(value, path);
 }
 
 JsonArray readJsonArray(const Json& value, const JsonPath& path) {
-  return readArray(value, path, 1);
+  json::requireArray(value, path);
+  checkNesting(value, path, 1);
+  return readArray(value, path);
+}
+
+double freeFormMemberDouble(const Json& value, const JsonPath& path) {
+  if (!value.is_number()) {
+    return json::decodeDouble(value, path);  // throws the type mismatch
+  }
+  const JsonValue read = readMemberNumber(value, path);
+  const std::int64_t* integer = read.asInt();
+  return integer != nullptr ? static_cast<double>(*integer) : *read.asDouble();
 }
 
 Json toJson(const JsonObject& object) {

@@ -25,6 +25,15 @@ JsonObject readJsonObject(const json::Json& value, const json::JsonPath& path);
 // Fails with typeMismatch when `value` is not an array.
 JsonArray readJsonArray(const json::Json& value, const json::JsonPath& path);
 
+// Fails exactly when readJsonObject(value, path) fails, with the same error, and builds nothing.
+void checkFreeFormObject(const json::Json& value, const json::JsonPath& path);
+
+// The double that `value`, a member of a free-form object, holds once read by readJsonObject,
+// written back with toJson and read as a double: a number that reads as an integer comes back
+// as that integer (-0.0 as 0.0), any other number unchanged. Fails as json::decodeDouble when
+// `value` is not a number.
+double freeFormMemberDouble(const json::Json& value, const json::JsonPath& path);
+
 // Integers stay JSON integers and doubles JSON floating-point numbers.
 json::Json toJson(const JsonValue& value);
 json::Json toJson(const JsonObject& object);

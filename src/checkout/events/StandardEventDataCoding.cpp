@@ -1,5 +1,11 @@
 #include "checkout/events/StandardEventDataCoding.h"
 
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "checkout/events/FreeFormJson.h"
 #include "common/JsonFields.h"
 
 namespace vemba::checkout {
@@ -114,12 +120,60 @@ Json toJson(const Checkout& checkout);
 constexpr auto encode = [](const auto& record) { return toJson(record); };
 constexpr auto encodeEach = json::arrayEncoder(encode);
 
+// How the decoders below read numbers and arrays; everything else they read the same way under
+// both rule sets.
+//
+// AsSent reads the JSON value as it is.
+//
+// AsReadFreeForm reads a free-form object (one readJsonObject accepts) as if it had been read by
+// readJsonObject and written back by toJson, without building either. That round trip changes
+// only what these rules account for:
+// - a member number that reads as an integer becomes that integer (freeFormMemberDouble);
+// - nulls are dropped from arrays. In objects they are dropped too, but every field here is
+//   optional, so a null reads as absent either way;
+// - numbers inside arrays become doubles, but every array here holds records, so any element
+//   that is not an object fails either way.
+struct AsSent {
+  static std::optional<double> optionalNumber(const Json& object, std::string_view key,
+                                              const JsonPath& path) {
+    return json::optionalDouble(object, key, path);
+  }
+  template <typename Fn>
+  static constexpr auto arrayOf(Fn decodeElement) {
+    return json::arrayOf(decodeElement);
+  }
+};
+
+struct AsReadFreeForm {
+  static std::optional<double> optionalNumber(const Json& object, std::string_view key,
+                                              const JsonPath& path) {
+    return optionalField(object, key, path, freeFormMemberDouble);
+  }
+  template <typename Fn>
+  static constexpr auto arrayOf(Fn decodeElement) {
+    return [decodeElement](const Json& array, const JsonPath& path) {
+      json::requireArray(array, path);
+      std::vector<decltype(decodeElement(array, path))> out;
+      out.reserve(array.size());
+      std::size_t index = 0;
+      for (const Json& element : array) {
+        if (!element.is_null()) {
+          out.push_back(decodeElement(element, path / index));
+        }
+        ++index;
+      }
+      return out;
+    };
+  }
+};
+
 // ---- MoneyV2
 
+template <typename Rules>
 MoneyV2 decodeMoneyV2(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   MoneyV2 out;
-  out.amount = json::optionalDouble(value, kAmount, path);
+  out.amount = Rules::optionalNumber(value, kAmount, path);
   out.currencyCode = json::optionalString(value, kCurrencyCode, path);
   return out;
 }
@@ -133,6 +187,7 @@ Json toJson(const MoneyV2& moneyV2) {
 
 // ---- Attribute
 
+template <typename Rules>
 Attribute decodeAttribute(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Attribute out;
@@ -150,6 +205,7 @@ Json toJson(const Attribute& attribute) {
 
 // ---- Property
 
+template <typename Rules>
 Property decodeProperty(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Property out;
@@ -167,6 +223,7 @@ Json toJson(const Property& property) {
 
 // ---- MailingAddress
 
+template <typename Rules>
 MailingAddress decodeMailingAddress(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   MailingAddress out;
@@ -202,11 +259,12 @@ Json toJson(const MailingAddress& mailingAddress) {
 
 // ---- DeliveryOption
 
+template <typename Rules>
 DeliveryOption decodeDeliveryOption(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   DeliveryOption out;
-  out.cost = optionalField(value, kCost, path, decodeMoneyV2);
-  out.costAfterDiscounts = optionalField(value, kCostAfterDiscounts, path, decodeMoneyV2);
+  out.cost = optionalField(value, kCost, path, decodeMoneyV2<Rules>);
+  out.costAfterDiscounts = optionalField(value, kCostAfterDiscounts, path, decodeMoneyV2<Rules>);
   out.description = json::optionalString(value, kDescription, path);
   out.handle = json::optionalString(value, kHandle, path);
   out.title = json::optionalString(value, kTitle, path);
@@ -227,11 +285,12 @@ Json toJson(const DeliveryOption& deliveryOption) {
 
 // ---- Delivery
 
+template <typename Rules>
 Delivery decodeDelivery(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Delivery out;
-  out.selectedDeliveryOptions =
-      optionalField(value, kSelectedDeliveryOptions, path, json::arrayOf(decodeDeliveryOption));
+  out.selectedDeliveryOptions = optionalField(value, kSelectedDeliveryOptions, path,
+                                              Rules::arrayOf(decodeDeliveryOption<Rules>));
   return out;
 }
 
@@ -243,12 +302,13 @@ Json toJson(const Delivery& delivery) {
 
 // ---- Value
 
+template <typename Rules>
 Value decodeValue(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Value out;
-  out.amount = json::optionalDouble(value, kAmount, path);
+  out.amount = Rules::optionalNumber(value, kAmount, path);
   out.currencyCode = json::optionalString(value, kCurrencyCode, path);
-  out.percentage = json::optionalDouble(value, kPercentage, path);
+  out.percentage = Rules::optionalNumber(value, kPercentage, path);
   return out;
 }
 
@@ -262,6 +322,7 @@ Json toJson(const Value& value) {
 
 // ---- DiscountApplication
 
+template <typename Rules>
 DiscountApplication decodeDiscountApplication(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   DiscountApplication out;
@@ -270,7 +331,7 @@ DiscountApplication decodeDiscountApplication(const Json& value, const JsonPath&
   out.targetType = json::optionalString(value, kTargetType, path);
   out.title = json::optionalString(value, kTitle, path);
   out.type = json::optionalString(value, kType, path);
-  out.value = optionalField(value, kValue, path, decodeValue);
+  out.value = optionalField(value, kValue, path, decodeValue<Rules>);
   return out;
 }
 
@@ -287,12 +348,13 @@ Json toJson(const DiscountApplication& discountApplication) {
 
 // ---- DiscountAllocation
 
+template <typename Rules>
 DiscountAllocation decodeDiscountAllocation(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   DiscountAllocation out;
-  out.amount = optionalField(value, kAmount, path, decodeMoneyV2);
+  out.amount = optionalField(value, kAmount, path, decodeMoneyV2<Rules>);
   out.discountApplication =
-      optionalField(value, kDiscountApplication, path, decodeDiscountApplication);
+      optionalField(value, kDiscountApplication, path, decodeDiscountApplication<Rules>);
   return out;
 }
 
@@ -305,6 +367,7 @@ Json toJson(const DiscountAllocation& discountAllocation) {
 
 // ---- Image
 
+template <typename Rules>
 Image decodeImage(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Image out;
@@ -320,6 +383,7 @@ Json toJson(const Image& image) {
 
 // ---- Product
 
+template <typename Rules>
 Product decodeProduct(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Product out;
@@ -345,13 +409,14 @@ Json toJson(const Product& product) {
 
 // ---- ProductVariant
 
+template <typename Rules>
 ProductVariant decodeProductVariant(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   ProductVariant out;
   out.id = json::optionalString(value, kId, path);
-  out.image = optionalField(value, kImage, path, decodeImage);
-  out.price = optionalField(value, kPrice, path, decodeMoneyV2);
-  out.product = optionalField(value, kProduct, path, decodeProduct);
+  out.image = optionalField(value, kImage, path, decodeImage<Rules>);
+  out.price = optionalField(value, kPrice, path, decodeMoneyV2<Rules>);
+  out.product = optionalField(value, kProduct, path, decodeProduct<Rules>);
   out.sku = json::optionalString(value, kSku, path);
   out.title = json::optionalString(value, kTitle, path);
   out.untranslatedTitle = json::optionalString(value, kUntranslatedTitle, path);
@@ -372,6 +437,7 @@ Json toJson(const ProductVariant& productVariant) {
 
 // ---- SellingPlan
 
+template <typename Rules>
 SellingPlan decodeSellingPlan(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   SellingPlan out;
@@ -389,10 +455,11 @@ Json toJson(const SellingPlan& sellingPlan) {
 
 // ---- SellingPlanAllocation
 
+template <typename Rules>
 SellingPlanAllocation decodeSellingPlanAllocation(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   SellingPlanAllocation out;
-  out.sellingPlan = optionalField(value, kSellingPlan, path, decodeSellingPlan);
+  out.sellingPlan = optionalField(value, kSellingPlan, path, decodeSellingPlan<Rules>);
   return out;
 }
 
@@ -404,19 +471,20 @@ Json toJson(const SellingPlanAllocation& sellingPlanAllocation) {
 
 // ---- CheckoutLineItem
 
+template <typename Rules>
 CheckoutLineItem decodeCheckoutLineItem(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   CheckoutLineItem out;
-  out.discountAllocations =
-      optionalField(value, kDiscountAllocations, path, json::arrayOf(decodeDiscountAllocation));
-  out.finalLinePrice = optionalField(value, kFinalLinePrice, path, decodeMoneyV2);
+  out.discountAllocations = optionalField(value, kDiscountAllocations, path,
+                                          Rules::arrayOf(decodeDiscountAllocation<Rules>));
+  out.finalLinePrice = optionalField(value, kFinalLinePrice, path, decodeMoneyV2<Rules>);
   out.id = json::optionalString(value, kId, path);
-  out.properties = optionalField(value, kProperties, path, json::arrayOf(decodeProperty));
-  out.quantity = json::optionalDouble(value, kQuantity, path);
+  out.properties = optionalField(value, kProperties, path, Rules::arrayOf(decodeProperty<Rules>));
+  out.quantity = Rules::optionalNumber(value, kQuantity, path);
   out.sellingPlanAllocation =
-      optionalField(value, kSellingPlanAllocation, path, decodeSellingPlanAllocation);
+      optionalField(value, kSellingPlanAllocation, path, decodeSellingPlanAllocation<Rules>);
   out.title = json::optionalString(value, kTitle, path);
-  out.variant = optionalField(value, kVariant, path, decodeProductVariant);
+  out.variant = optionalField(value, kVariant, path, decodeProductVariant<Rules>);
   return out;
 }
 
@@ -435,10 +503,11 @@ Json toJson(const CheckoutLineItem& checkoutLineItem) {
 
 // ---- CartLineCost
 
+template <typename Rules>
 CartLineCost decodeCartLineCost(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   CartLineCost out;
-  out.totalAmount = optionalField(value, kTotalAmount, path, decodeMoneyV2);
+  out.totalAmount = optionalField(value, kTotalAmount, path, decodeMoneyV2<Rules>);
   return out;
 }
 
@@ -450,6 +519,7 @@ Json toJson(const CartLineCost& cartLineCost) {
 
 // ---- Country
 
+template <typename Rules>
 Country decodeCountry(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Country out;
@@ -465,6 +535,7 @@ Json toJson(const Country& country) {
 
 // ---- Language
 
+template <typename Rules>
 Language decodeLanguage(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Language out;
@@ -480,6 +551,7 @@ Json toJson(const Language& language) {
 
 // ---- Market
 
+template <typename Rules>
 Market decodeMarket(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Market out;
@@ -497,12 +569,13 @@ Json toJson(const Market& market) {
 
 // ---- Localization
 
+template <typename Rules>
 Localization decodeLocalization(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Localization out;
-  out.country = optionalField(value, kCountry, path, decodeCountry);
-  out.language = optionalField(value, kLanguage, path, decodeLanguage);
-  out.market = optionalField(value, kMarket, path, decodeMarket);
+  out.country = optionalField(value, kCountry, path, decodeCountry<Rules>);
+  out.language = optionalField(value, kLanguage, path, decodeLanguage<Rules>);
+  out.market = optionalField(value, kMarket, path, decodeMarket<Rules>);
   return out;
 }
 
@@ -516,6 +589,7 @@ Json toJson(const Localization& localization) {
 
 // ---- OrderCustomer
 
+template <typename Rules>
 OrderCustomer decodeOrderCustomer(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   OrderCustomer out;
@@ -533,10 +607,11 @@ Json toJson(const OrderCustomer& orderCustomer) {
 
 // ---- Order
 
+template <typename Rules>
 Order decodeOrder(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Order out;
-  out.customer = optionalField(value, kCustomer, path, decodeOrderCustomer);
+  out.customer = optionalField(value, kCustomer, path, decodeOrderCustomer<Rules>);
   out.id = json::optionalString(value, kId, path);
   return out;
 }
@@ -550,10 +625,11 @@ Json toJson(const Order& order) {
 
 // ---- ShippingRate
 
+template <typename Rules>
 ShippingRate decodeShippingRate(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   ShippingRate out;
-  out.price = optionalField(value, kPrice, path, decodeMoneyV2);
+  out.price = optionalField(value, kPrice, path, decodeMoneyV2<Rules>);
   return out;
 }
 
@@ -565,6 +641,7 @@ Json toJson(const ShippingRate& shippingRate) {
 
 // ---- TransactionPaymentMethod
 
+template <typename Rules>
 TransactionPaymentMethod decodeTransactionPaymentMethod(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   TransactionPaymentMethod out;
@@ -582,12 +659,14 @@ Json toJson(const TransactionPaymentMethod& transactionPaymentMethod) {
 
 // ---- Transaction
 
+template <typename Rules>
 Transaction decodeTransaction(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Transaction out;
-  out.amount = optionalField(value, kAmount, path, decodeMoneyV2);
+  out.amount = optionalField(value, kAmount, path, decodeMoneyV2<Rules>);
   out.gateway = json::optionalString(value, kGateway, path);
-  out.paymentMethod = optionalField(value, kPaymentMethod, path, decodeTransactionPaymentMethod);
+  out.paymentMethod =
+      optionalField(value, kPaymentMethod, path, decodeTransactionPaymentMethod<Rules>);
   return out;
 }
 
@@ -601,31 +680,34 @@ Json toJson(const Transaction& transaction) {
 
 // ---- Checkout
 
+template <typename Rules>
 Checkout decodeCheckout(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   Checkout out;
-  out.attributes = optionalField(value, kAttributes, path, json::arrayOf(decodeAttribute));
-  out.billingAddress = optionalField(value, kBillingAddress, path, decodeMailingAddress);
+  out.attributes = optionalField(value, kAttributes, path, Rules::arrayOf(decodeAttribute<Rules>));
+  out.billingAddress = optionalField(value, kBillingAddress, path, decodeMailingAddress<Rules>);
   out.buyerAcceptsEmailMarketing = json::optionalBool(value, kBuyerAcceptsEmailMarketing, path);
   out.buyerAcceptsSmsMarketing = json::optionalBool(value, kBuyerAcceptsSmsMarketing, path);
   out.currencyCode = json::optionalString(value, kCurrencyCode, path);
-  out.delivery = optionalField(value, kDelivery, path, decodeDelivery);
-  out.discountApplications =
-      optionalField(value, kDiscountApplications, path, json::arrayOf(decodeDiscountApplication));
-  out.discountsAmount = optionalField(value, kDiscountsAmount, path, decodeMoneyV2);
+  out.delivery = optionalField(value, kDelivery, path, decodeDelivery<Rules>);
+  out.discountApplications = optionalField(value, kDiscountApplications, path,
+                                           Rules::arrayOf(decodeDiscountApplication<Rules>));
+  out.discountsAmount = optionalField(value, kDiscountsAmount, path, decodeMoneyV2<Rules>);
   out.email = json::optionalString(value, kEmail, path);
-  out.lineItems = optionalField(value, kLineItems, path, json::arrayOf(decodeCheckoutLineItem));
-  out.localization = optionalField(value, kLocalization, path, decodeLocalization);
-  out.order = optionalField(value, kOrder, path, decodeOrder);
+  out.lineItems =
+      optionalField(value, kLineItems, path, Rules::arrayOf(decodeCheckoutLineItem<Rules>));
+  out.localization = optionalField(value, kLocalization, path, decodeLocalization<Rules>);
+  out.order = optionalField(value, kOrder, path, decodeOrder<Rules>);
   out.phone = json::optionalString(value, kPhone, path);
-  out.shippingAddress = optionalField(value, kShippingAddress, path, decodeMailingAddress);
-  out.shippingLine = optionalField(value, kShippingLine, path, decodeShippingRate);
+  out.shippingAddress = optionalField(value, kShippingAddress, path, decodeMailingAddress<Rules>);
+  out.shippingLine = optionalField(value, kShippingLine, path, decodeShippingRate<Rules>);
   out.smsMarketingPhone = json::optionalString(value, kSmsMarketingPhone, path);
-  out.subtotalPrice = optionalField(value, kSubtotalPrice, path, decodeMoneyV2);
+  out.subtotalPrice = optionalField(value, kSubtotalPrice, path, decodeMoneyV2<Rules>);
   out.token = json::optionalString(value, kToken, path);
-  out.totalPrice = optionalField(value, kTotalPrice, path, decodeMoneyV2);
-  out.totalTax = optionalField(value, kTotalTax, path, decodeMoneyV2);
-  out.transactions = optionalField(value, kTransactions, path, json::arrayOf(decodeTransaction));
+  out.totalPrice = optionalField(value, kTotalPrice, path, decodeMoneyV2<Rules>);
+  out.totalTax = optionalField(value, kTotalTax, path, decodeMoneyV2<Rules>);
+  out.transactions =
+      optionalField(value, kTransactions, path, Rules::arrayOf(decodeTransaction<Rules>));
   return out;
 }
 
@@ -655,6 +737,16 @@ Json toJson(const Checkout& checkout) {
   return out;
 }
 
+// ---- StandardEventData
+
+template <typename Rules>
+StandardEventData decodeStandardEventDataWith(const Json& value, const JsonPath& path) {
+  json::requireObject(value, path);
+  StandardEventData out;
+  out.checkout = optionalField(value, kCheckout, path, decodeCheckout<Rules>);
+  return out;
+}
+
 }  // namespace
 
 // ---- PricingPercentageValue
@@ -677,8 +769,8 @@ Json toJson(const PricingPercentageValue& pricingPercentageValue) {
 CartLine decodeCartLine(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   CartLine out;
-  out.cost = optionalField(value, kCost, path, decodeCartLineCost);
-  out.merchandise = optionalField(value, kMerchandise, path, decodeProductVariant);
+  out.cost = optionalField(value, kCost, path, decodeCartLineCost<AsSent>);
+  out.merchandise = optionalField(value, kMerchandise, path, decodeProductVariant<AsSent>);
   out.quantity = json::optionalDouble(value, kQuantity, path);
   return out;
 }
@@ -694,10 +786,11 @@ Json toJson(const CartLine& cartLine) {
 // ---- StandardEventData
 
 StandardEventData decodeStandardEventData(const Json& value, const JsonPath& path) {
-  json::requireObject(value, path);
-  StandardEventData out;
-  out.checkout = optionalField(value, kCheckout, path, decodeCheckout);
-  return out;
+  return decodeStandardEventDataWith<AsSent>(value, path);
+}
+
+StandardEventData decodeFreeFormStandardEventData(const Json& value, const JsonPath& path) {
+  return decodeStandardEventDataWith<AsReadFreeForm>(value, path);
 }
 
 Json toJson(const StandardEventData& standardEventData) {

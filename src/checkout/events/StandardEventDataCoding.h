@@ -12,6 +12,13 @@ namespace vemba::checkout {
 StandardEventData decodeStandardEventData(const json::Json& value, const json::JsonPath& path);
 json::Json toJson(const StandardEventData& data);
 
+// Decodes event data that arrives as a free-form object (see FreeFormJson.h): `value` must be an
+// object readJsonObject accepts. The result, and whether it fails (though not the error's
+// wording), is that of decodeStandardEventData(toJson(readJsonObject(value, path)), path), without
+// building the free-form value or its JSON.
+StandardEventData decodeFreeFormStandardEventData(const json::Json& value,
+                                                  const json::JsonPath& path);
+
 // Records no other record refers to.
 CartLine decodeCartLine(const json::Json& value, const json::JsonPath& path);
 json::Json toJson(const CartLine& line);

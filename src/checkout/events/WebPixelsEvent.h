@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "vemba/checkout/events/Context.h"
-#include "vemba/checkout/events/JsonValue.h"
+#include "vemba/checkout/events/StandardEventData.h"
 
 namespace vemba::checkout {
 
@@ -23,8 +23,9 @@ struct WebPixelsEventBody {
   std::string type;
   // Custom events only: compact JSON text of the page's custom-data object.
   std::optional<std::string> customData;
-  // Standard events only: the event data as sent, free-form.
-  std::optional<JsonObject> data;
+  // Standard events only: the event data, sent as a free-form object, typed. Absent when the
+  // page sent none or data the typed records cannot read.
+  std::optional<StandardEventData> data;
   Context context;
   bool operator==(const WebPixelsEventBody&) const = default;
 };

@@ -19,6 +19,18 @@ constexpr std::string_view kName = "name";
 constexpr std::string_view kTimestamp = "timestamp";
 constexpr std::string_view kType = "type";
 
+// The standard-event data object read free-form, typed. Failures of the free-form read fail the
+// body; data the typed records cannot read is left out without failing.
+std::optional<StandardEventData> decodeStandardData(const json::Json& value,
+                                                    const json::JsonPath& path) {
+  checkFreeFormObject(value, path);
+  try {
+    return decodeFreeFormStandardEventData(value, path);
+  } catch (const json::DecodingFailure&) {
+    return std::nullopt;
+  }
+}
+
 // The custom-data object, with the free-form reading's types, as compact JSON text.
 std::string decodeCustomDataText(const json::Json& value, const json::JsonPath& path) {
   const JsonObject customData = readJsonObject(value, path);
@@ -46,7 +58,9 @@ WebPixelsEventBody decodeWebPixelsEventBody(const Json& value, const JsonPath& p
   out.type = requireString(value, kType, path);
   out.context = json::requireField(value, kContext, path, decodeContext);
   if (out.type == kStandardEventType) {
-    out.data = json::optionalField(value, kData, path, readJsonObject);
+    if (const Json* data = json::optionalKey(value, kData)) {
+      out.data = decodeStandardData(*data, path / kData);
+    }
   } else if (out.type == kCustomEventType) {
     out.customData = json::requireField(value, kCustomData, path, decodeCustomDataText);
   }
@@ -71,7 +85,7 @@ Json toJson(const WebPixelsEventBody& body) {
     std::optional<Json> parsed = json::parseJson(*body.customData);
     put(out, kCustomData, parsed ? std::move(*parsed) : Json(*body.customData));
   }
-  putOptional(out, kData, body.data, [](const JsonObject& data) { return toJson(data); });
+  putOptional(out, kData, body.data, [](const StandardEventData& data) { return toJson(data); });
   put(out, kContext, toJson(body.context));
   return out;
 }
@@ -83,21 +97,13 @@ Json toJson(const WebPixelsEvent& event) {
   return out;
 }
 
-StandardEvent standardEventFrom(const WebPixelsEventBody& body) {
+StandardEvent standardEventFrom(WebPixelsEventBody&& body) {
   StandardEvent event;
-  event.context = body.context;
-  event.id = body.id;
-  event.name = body.name;
-  event.timestamp = body.timestamp;
-  if (body.data) {
-    // Equivalent to typing the data's JSON text: the free-form value converts to JSON exactly as
-    // its text would parse (integers as integers, doubles as floating point; no nulls).
-    try {
-      event.data = decodeStandardEventData(toJson(*body.data), JsonPath());
-    } catch (const json::DecodingFailure&) {
-      event.data = std::nullopt;
-    }
-  }
+  event.context = std::move(body.context);
+  event.id = std::move(body.id);
+  event.name = std::move(body.name);
+  event.timestamp = std::move(body.timestamp);
+  event.data = std::move(body.data);
   return event;
 }
 

@@ -3,8 +3,9 @@
 //
 // A body is read in this order, the first fault failing it: "id", "name", "timestamp", "type"
 // (required strings); "context" (a required object); then by type: "standard" reads "data"
-// when present as a free-form object; "custom" requires "customData" to be an object, reads it
-// free-form and keeps it re-serialised as compact JSON text; other types read neither.
+// when present as a free-form object and types it as StandardEventData, leaving it out (without
+// failing) when the typed records cannot read it; "custom" requires "customData" to be an object,
+// reads it free-form and keeps it re-serialised as compact JSON text; other types read neither.
 #pragma once
 
 #include "checkout/events/WebPixelsEvent.h"
@@ -22,8 +23,7 @@ WebPixelsEvent decodeWebPixelsEvent(const json::Json& value, const json::JsonPat
 json::Json toJson(const WebPixelsEventBody& body);
 json::Json toJson(const WebPixelsEvent& event);
 
-// Copies context, id, name and timestamp, and types the free-form data as StandardEventData.
-// Never fails: data the typed records cannot read is left out.
-StandardEvent standardEventFrom(const WebPixelsEventBody& body);
+// Moves context, id, name, timestamp and the typed data into a StandardEvent.
+StandardEvent standardEventFrom(WebPixelsEventBody&& body);
 
 }  // namespace vemba::checkout

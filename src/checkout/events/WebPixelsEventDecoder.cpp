@@ -9,7 +9,7 @@
 namespace vemba::checkout {
 namespace {
 
-std::optional<PixelEvent> classify(WebPixelsEvent payload) {
+std::optional<PixelEvent> classify(WebPixelsEvent&& payload) {
   WebPixelsEventBody& body = payload.event;
   if (body.type == kStandardEventType) {
     return PixelEvent(standardEventFrom(std::move(body)));

@@ -21,23 +21,9 @@ class CheckoutTest : public ::testing::Test {
   std::vector<std::string> logLines() const {
     std::vector<std::string> out;
     for (const auto& line : platform.log.lines) {
-      out.push_back(std::string(severityName(line.severity)) + "|" + line.text);
+      out.push_back(std::string(platform::severityName(line.severity)) + "|" + line.text);
     }
     return out;
-  }
-
-  static const char* severityName(platform::LogSeverity severity) {
-    switch (severity) {
-      case platform::LogSeverity::debug:
-        return "debug";
-      case platform::LogSeverity::info:
-        return "info";
-      case platform::LogSeverity::error:
-        return "error";
-      case platform::LogSeverity::fault:
-        return "fault";
-    }
-    return "?";
   }
 
   fake::InstalledFakePlatform platform;

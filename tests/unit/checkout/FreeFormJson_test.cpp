@@ -85,7 +85,8 @@ TEST(FreeFormJsonTest, NestingIsBoundedAtTheLimit) {
   for (int i = 0; i < 50000; ++i) {
     hostile += "{\"a\":";
   }
-  hostile += "1" + std::string(50000, '}');
+  hostile += '1';
+  hostile.append(50000, '}');
   EXPECT_FALSE(readObjectText(hostile));
   EXPECT_FALSE(json::decodeText(nested('[', ']', 50000, ""), readJsonArray));
 }

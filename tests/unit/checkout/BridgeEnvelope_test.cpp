@@ -1,0 +1,174 @@
+#include "checkout/BridgeEnvelope.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "CheckoutTestSupport.h"
+#include "checkout/CheckoutBridge.h"
+#include "platform/ScriptMessage.h"
+
+namespace vemba::checkout {
+namespace {
+
+using json::Json;
+
+// What readEnvelope must keep of the fully parsed document: the root's type and, for an object,
+// its "name" and "body" members with containers emptied.
+std::optional<Json> expectedEnvelope(std::string_view text) {
+  std::optional<Json> document = json::parseJson(text);
+  if (!document) {
+    return std::nullopt;
+  }
+  const auto emptied = [](const Json& value) {
+    return value.is_object() ? Json::object() : value.is_array() ? Json::array() : value;
+  };
+  if (!document->is_object()) {
+    return emptied(*document);
+  }
+  Json kept = Json::object();
+  for (const std::string_view key : {kEnvelopeNameKey, kEnvelopeBodyKey}) {
+    if (const auto it = document->find(key); it != document->end()) {
+      kept[std::string(key)] = emptied(*it);
+    }
+  }
+  return kept;
+}
+
+TEST(BridgeEnvelopeTest, KeepsWhatTheFullParseHoldsUnderNameAndBody) {
+  const std::vector<std::string> texts = {
+      R"({"name":"webPixels","body":"{\"a\":[1,{\"b\":null}]}"})",
+      R"({"body":"x","name":"completed","extra":{"name":"inner","body":[1,2]},"more":[{}]})",
+      R"({"name":{"a":1},"body":[1,[2]]})",
+      R"({"name":null,"body":true})",
+      R"({"name":-1,"body":18446744073709551615})",
+      R"({"name":2.5e3,"body":-0.0})",
+      // Repeated keys: the last one wins, whatever the types.
+      R"({"name":"first","name":"second","body":{"k":1},"body":"last"})",
+      R"({"body":"first","body":{"k":[1]}})",
+      R"({"x":{"name":"nested only"}})",
+      R"({})",
+      R"(["name","body"])",
+      R"([{"name":"in an array"}])",
+      R"("name")",
+      "42",
+      "-7.25",
+      "true",
+      "null",
+      " \t\n{\"name\" : \"spaced\" , \"body\" : \"\\u00e9\\ud83d\\ude00\\n\\\"\" }\r\n",
+      "\xEF\xBB\xBF{\"name\":\"after a byte-order mark\"}",
+      "{\"name\":\"caf\xC3\xA9\",\"body\":\"\xF0\x9F\x98\x80\"}",
+      // Not JSON, including faults only in members that are dropped.
+      "",
+      "{",
+      R"({"name":"a",})",
+      R"({"name":"a"} trailing)",
+      R"({"name":"a"}{"name":"b"})",
+      R"(/* comment */ {"name":"a"})",
+      "{\"ignored\":\"\xFF\",\"name\":\"a\"}",
+      "{\"name\":\"a\",\"body\":\"\xC3\"}",
+      R"({"ignored":"\ud800","name":"a"})",
+      R"({"ignored":1e999,"name":"a"})",
+      R"({"ignored":[1,2,{"k":}],"name":"a"})",
+      R"({"name":NaN})",
+      "{\"name\":\"raw\ncontrol\"}",
+  };
+  for (const std::string& text : texts) {
+    const std::optional<Json> read = readEnvelope(text);
+    const std::optional<Json> expected = expectedEnvelope(text);
+    ASSERT_EQ(read.has_value(), expected.has_value()) << text;
+    if (read) {
+      EXPECT_EQ(read->type(), expected->type()) << text;
+      EXPECT_EQ(*read, *expected) << text;
+    }
+  }
+}
+
+TEST(BridgeEnvelopeTest, DeepNestingOutsideTheKeptMembersIsOnlyValidated) {
+  const std::string deep(100000, '[');
+  EXPECT_FALSE(readEnvelope(R"({"name":"a","x":)" + deep + "}"));
+  const std::string closed = deep + std::string(100000, ']');
+  const std::optional<Json> read = readEnvelope(R"({"name":"a","body":)" + closed + "}");
+  ASSERT_TRUE(read);
+  EXPECT_EQ((*read)["body"], Json::array());
+}
+
+TEST(BridgeEnvelopeTest, RequiredStringFailsAsAStrictStringRead) {
+  struct Case {
+    const char* envelope;
+    const char* description;
+  };
+  const Case cases[] = {
+      {R"({})", "Key not found at \"body\": No value associated with key \"body\"."},
+      {R"({"body":null})", "Value not found at \"body\": Expected a value but found null."},
+      {R"({"body":{}})",
+       "Type mismatch at \"body\": Expected to decode String but found object instead."},
+      {R"({"body":[]})",
+       "Type mismatch at \"body\": Expected to decode String but found array instead."},
+      {R"({"body":false})",
+       "Type mismatch at \"body\": Expected to decode String but found bool instead."},
+  };
+  for (const Case& c : cases) {
+    const Json envelope = Json::parse(c.envelope);
+    try {
+      (void)requireEnvelopeString(envelope, kEnvelopeBodyKey);
+      ADD_FAILURE() << c.envelope << " was read";
+    } catch (const json::DecodingFailure& failure) {
+      EXPECT_EQ(failure.error().description(), c.description) << c.envelope;
+    }
+  }
+  const Json envelope = Json::parse(R"({"body":"text"})");
+  EXPECT_EQ(requireEnvelopeString(envelope, kEnvelopeBodyKey), "text");
+}
+
+class BridgeEnvelopeDecodeTest : public testing::CheckoutTest {
+ protected:
+  static Expected<CheckoutBridge::WebEvent, BridgeError> decode(std::string text) {
+    return CheckoutBridge::decode(
+        platform::ScriptMessage{std::string(CheckoutBridge::kMessageHandlerName), std::move(text)});
+  }
+};
+
+TEST_F(BridgeEnvelopeDecodeTest, FailuresNameTheSameCauseAsADocumentDecode) {
+  struct Case {
+    const char* envelope;
+    const char* description;
+  };
+  const Case cases[] = {
+      {"{\"name\":\"completed\",\"x\":\"\xFF\"}",
+       "Data corrupted at the top level: The given data was not valid JSON."},
+      {"null", "Value not found at the top level: Expected object value but found null instead."},
+      {R"(["name"])",
+       "Type mismatch at the top level: Expected to decode object but found array instead."},
+      {R"("name")",
+       "Type mismatch at the top level: Expected to decode object but found string instead."},
+      {"7", "Type mismatch at the top level: Expected to decode object but found number instead."},
+      {R"({"name":{"nested":"completed"}})",
+       "Type mismatch at \"name\": Expected to decode String but found object instead."},
+      {R"({"name":"webPixels","body":{"name":"x"}})",
+       "Type mismatch at \"body\": Expected to decode String but found object instead."},
+      {R"({"name":"checkoutBlockingEvent","body":"true","body":null})",
+       "Value not found at \"body\": Expected a value but found null."},
+  };
+  for (const Case& c : cases) {
+    const auto decoded = decode(c.envelope);
+    ASSERT_FALSE(decoded) << c.envelope;
+    ASSERT_TRUE(decoded.error().underlying()) << c.envelope;
+    EXPECT_EQ(decoded.error().underlying()->description, c.description) << c.envelope;
+  }
+}
+
+TEST_F(BridgeEnvelopeDecodeTest, RepeatedKeysResolveToTheLastValue) {
+  using WebEvent = CheckoutBridge::WebEvent;
+  const auto toggled = decode(R"({"name":"checkoutBlockingEvent","body":null,"body":"false"})");
+  ASSERT_TRUE(toggled);
+  EXPECT_EQ(*toggled, WebEvent{WebEvent::CheckoutModalToggled{false}});
+  const auto renamed = decode(R"({"name":"completed","body":"{}","name":"presented"})");
+  ASSERT_TRUE(renamed);
+  EXPECT_EQ(*renamed, WebEvent{WebEvent::Unsupported{"presented"}});
+  EXPECT_TRUE(platform.log.lines.empty());
+}
+
+}  // namespace
+}  // namespace vemba::checkout
