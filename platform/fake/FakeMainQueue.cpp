@@ -1,5 +1,7 @@
 #include "FakeMainQueue.h"
 
+#include <algorithm>
+
 namespace vemba::fake {
 
 void FakeMainQueue::post(std::function<void()> work) {
@@ -29,12 +31,15 @@ std::size_t FakeMainQueue::runUntilIdle() {
 std::size_t FakeMainQueue::advance(std::chrono::milliseconds delta) {
   const std::chrono::milliseconds target = now_ + delta;
   std::size_t ran = 0;
-  while (!queue_.empty() && queue_.begin()->first.first <= target) {
-    auto node = queue_.extract(queue_.begin());
-    if (node.key().first > now_) {
-      now_ = node.key().first;
+  for (auto head = queue_.begin(); head != queue_.end(); head = queue_.begin()) {
+    const std::chrono::milliseconds due = head->first.first;
+    if (due > target) {
+      break;
     }
-    node.mapped()();
+    now_ = std::max(now_, due);
+    std::function<void()> work = std::move(head->second);
+    queue_.erase(head);
+    work();
     ++ran;
   }
   now_ = target;
