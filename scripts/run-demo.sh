@@ -6,19 +6,23 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh
-cmake --preset release >/dev/null
-cmake --build --preset release -j "${VEMBA_JOBS:-2}" --target vemba-inspect
-
 state=$(mktemp -d)
 exchange_pid=""
 cleanup() {
+  # Stops only the exchange this script started, by its PID.
   if [[ -n $exchange_pid ]]; then kill "$exchange_pid" 2>/dev/null || true; wait "$exchange_pid" 2>/dev/null || true; fi
   rm -rf "$state"
 }
 trap cleanup EXIT
+echo "building vemba-inspect (release)..."
+if ! { cmake --preset release && cmake --build --preset release -j "${VEMBA_JOBS:-2}" --target vemba-inspect; } >"$state/build.log" 2>&1; then
+  cat "$state/build.log"
+  echo "the build failed"
+  exit 1
+fi
 
 python3 tools/exchange/exchange.py --port 18443 --state-dir "$state" \
-  --ready-file "$state/ready" --lifetime 120 >"$state/exchange.out" 2>&1 &
+  --ready-file "$state/ready" --lifetime 120 --parent-pid $$ >"$state/exchange.out" 2>&1 &
 exchange_pid=$!
 for _ in $(seq 1 100); do
   [[ -s $state/ready ]] && break
