@@ -14,6 +14,20 @@ constexpr std::string_view kInfoTag = "Info";
 constexpr std::string_view kErrorTag = "Error";
 constexpr std::string_view kFaultTag = "Fault";
 
+std::string_view tagOf(platform::LogSeverity severity) {
+  switch (severity) {
+    case platform::LogSeverity::debug:
+      return kDebugTag;
+    case platform::LogSeverity::info:
+      return kInfoTag;
+    case platform::LogSeverity::error:
+      return kErrorTag;
+    case platform::LogSeverity::fault:
+      return kFaultTag;
+  }
+  return kErrorTag;
+}
+
 std::mutex gSharedMutex;
 // Deliberately never destroyed at exit: lines may still be written by other static destructors.
 std::atomic<OSLogger*> gShared{nullptr};
@@ -44,16 +58,16 @@ void OSLogger::resetSharedForTesting() {
 }
 
 void OSLogger::debug(std::string_view message) const {
-  write(CallLevel::debug, message);
+  write(platform::LogSeverity::debug, message);
 }
 void OSLogger::info(std::string_view message) const {
-  write(CallLevel::info, message);
+  write(platform::LogSeverity::info, message);
 }
 void OSLogger::error(std::string_view message) const {
-  write(CallLevel::error, message);
+  write(platform::LogSeverity::error, message);
 }
 void OSLogger::fault(std::string_view message) const {
-  write(CallLevel::fault, message);
+  write(platform::LogSeverity::fault, message);
 }
 
 std::string OSLogger::prefix() const {
@@ -66,39 +80,20 @@ void OSLogger::setPrefix(std::string prefix) {
   prefix_ = std::move(prefix);
 }
 
-void OSLogger::write(CallLevel call, std::string_view message) const {
+void OSLogger::write(platform::LogSeverity severity, std::string_view message) const {
   // debug and info calls are tested as `debug`, error and fault calls as `error`; the threshold
   // passes only its own level (`all` passes both, `none` neither).
   const LogLevel threshold = logLevel();
-  const LogLevel callLevel =
-      (call == CallLevel::debug || call == CallLevel::info) ? LogLevel::debug : LogLevel::error;
+  const bool isDebugCall =
+      severity == platform::LogSeverity::debug || severity == platform::LogSeverity::info;
+  const LogLevel callLevel = isDebugCall ? LogLevel::debug : LogLevel::error;
   if (threshold == LogLevel::none) {
     return;
   }
   if (threshold != LogLevel::all && threshold != callLevel) {
     return;
   }
-
-  std::string_view tag;
-  platform::LogSeverity severity = platform::LogSeverity::debug;
-  switch (call) {
-    case CallLevel::debug:
-      tag = kDebugTag;
-      severity = platform::LogSeverity::debug;
-      break;
-    case CallLevel::info:
-      tag = kInfoTag;
-      severity = platform::LogSeverity::info;
-      break;
-    case CallLevel::error:
-      tag = kErrorTag;
-      severity = platform::LogSeverity::error;
-      break;
-    case CallLevel::fault:
-      tag = kFaultTag;
-      severity = platform::LogSeverity::fault;
-      break;
-  }
+  const std::string_view tag = tagOf(severity);
 
   std::string line;
   {

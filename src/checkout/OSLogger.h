@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/LogSink.h"
 #include "vemba/checkout/LogLevel.h"
 
 namespace vemba::checkout {
@@ -47,8 +48,7 @@ class OSLogger {
   void setLogLevel(LogLevel level) { logLevel_.store(level, std::memory_order_relaxed); }
 
  private:
-  enum class CallLevel { debug, info, error, fault };
-  void write(CallLevel call, std::string_view message) const;
+  void write(platform::LogSeverity severity, std::string_view message) const;
 
   mutable std::mutex prefixMutex_;
   std::string prefix_;

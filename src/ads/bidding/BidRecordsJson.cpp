@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "common/JsonFields.h"
+
 namespace vemba::ads {
 namespace {
 
@@ -15,23 +17,19 @@ Json number(double value) {
   return Json(value);
 }
 
+// Overloaded encode() as one callable, for the array helpers.
+constexpr auto encodeRecord = [](const auto& record) { return encode(record); };
+
 }  // namespace
 
 Json encode(const Impression& value) {
   Json out = Json::object();
-  out["id"] = value.id;
-  if (value.tagid) {
-    out["tagid"] = *value.tagid;
-  }
-  if (value.interstitial) {
-    out["interstitial"] = Json::object();
-  }
-  if (value.rewarded) {
-    out["rewarded"] = Json::object();
-  }
-  if (value.bidfloor) {
-    out["bidfloor"] = number(*value.bidfloor);
-  }
+  json::put(out, "id", value.id);
+  json::putOptional(out, "tagid", value.tagid);
+  json::putOptional(out, "interstitial", value.interstitial,
+                    [](Interstitial) { return Json::object(); });
+  json::putOptional(out, "rewarded", value.rewarded, [](Rewarded) { return Json::object(); });
+  json::putOptional(out, "bidfloor", value.bidfloor, number);
   return out;
 }
 
@@ -50,56 +48,32 @@ Json encode(const DeviceInfo& value) {
 }
 
 Json encode(const BidRequest& value) {
-  Json imp = Json::array();
-  for (const Impression& impression : value.imp) {
-    imp.push_back(encode(impression));
-  }
   return Json{{"id", value.id},
               {"app", encode(value.app)},
               {"device", encode(value.device)},
-              {"imp", std::move(imp)}};
+              {"imp", json::encodeArray(value.imp, encodeRecord)}};
 }
 
 Json encode(const Bid& value) {
   Json out = Json::object();
-  if (value.id) {
-    out["id"] = *value.id;
-  }
-  out["impid"] = value.impid;
-  out["price"] = number(value.price);
-  if (value.adm) {
-    out["adm"] = *value.adm;
-  }
-  if (value.iurl) {
-    out["iurl"] = *value.iurl;
-  }
-  if (value.burl) {
-    out["burl"] = *value.burl;
-  }
+  json::putOptional(out, "id", value.id);
+  json::put(out, "impid", value.impid);
+  json::put(out, "price", number(value.price));
+  json::putOptional(out, "adm", value.adm);
+  json::putOptional(out, "iurl", value.iurl);
+  json::putOptional(out, "burl", value.burl);
   return out;
 }
 
 Json encode(const SeatBid& value) {
-  Json bids = Json::array();
-  for (const Bid& bid : value.bid) {
-    bids.push_back(encode(bid));
-  }
-  return Json{{"bid", std::move(bids)}};
+  return Json{{"bid", json::encodeArray(value.bid, encodeRecord)}};
 }
 
 Json encode(const BidResponse& value) {
   Json out = Json::object();
-  out["id"] = value.id;
-  if (value.bidid) {
-    out["bidid"] = *value.bidid;
-  }
-  if (value.seatbid) {
-    Json seats = Json::array();
-    for (const SeatBid& seat : *value.seatbid) {
-      seats.push_back(encode(seat));
-    }
-    out["seatbid"] = std::move(seats);
-  }
+  json::put(out, "id", value.id);
+  json::putOptional(out, "bidid", value.bidid);
+  json::putOptional(out, "seatbid", value.seatbid, json::arrayEncoder(encodeRecord));
   return out;
 }
 
@@ -138,10 +112,9 @@ BidRequest decodeBidRequest(const Json& value, const JsonPath& path) {
   const Json& object = json::requireObject(value, path);
   BidRequest out;
   out.id = json::requireString(object, "id", path);
-  out.app = decodeAppInfo(json::requireKey(object, "app", path), path / "app");
-  out.device = decodeDeviceInfo(json::requireKey(object, "device", path), path / "device");
-  out.imp =
-      json::decodeArray(json::requireKey(object, "imp", path), path / "imp", decodeImpression);
+  out.app = json::requireField(object, "app", path, decodeAppInfo);
+  out.device = json::requireField(object, "device", path, decodeDeviceInfo);
+  out.imp = json::requireField(object, "imp", path, json::arrayOf(decodeImpression));
   return out;
 }
 
@@ -159,7 +132,7 @@ Bid decodeBid(const Json& value, const JsonPath& path) {
 
 SeatBid decodeSeatBid(const Json& value, const JsonPath& path) {
   const Json& object = json::requireObject(value, path);
-  return SeatBid{json::decodeArray(json::requireKey(object, "bid", path), path / "bid", decodeBid)};
+  return SeatBid{json::requireField(object, "bid", path, json::arrayOf(decodeBid))};
 }
 
 BidResponse decodeBidResponse(const Json& value, const JsonPath& path) {
@@ -167,9 +140,7 @@ BidResponse decodeBidResponse(const Json& value, const JsonPath& path) {
   BidResponse out;
   out.id = json::requireString(object, "id", path);
   out.bidid = json::optionalString(object, "bidid", path);
-  if (const Json* seats = json::optionalKey(object, "seatbid")) {
-    out.seatbid = json::decodeArray(*seats, path / "seatbid", decodeSeatBid);
-  }
+  out.seatbid = json::optionalField(object, "seatbid", path, json::arrayOf(decodeSeatBid));
   return out;
 }
 
