@@ -13,7 +13,7 @@ std::string FakeDevice::model() const {
 }
 
 std::optional<platform::InfoValue> FakeDevice::infoValue(std::string_view key) const {
-  if (key == "CFBundleShortVersionString") {
+  if (key == platform::kBundleShortVersionKey) {
     return shortVersionValue;
   }
   return std::nullopt;

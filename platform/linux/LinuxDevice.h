@@ -31,8 +31,8 @@ class LinuxDevice final : public platform::DeviceInfo,
                           public platform::AdvertisingIdProvider {
  public:
   static constexpr std::string_view kModel = "Linux";
-  static constexpr std::string_view kIdentifierKey = "CFBundleIdentifier";
-  static constexpr std::string_view kShortVersionKey = "CFBundleShortVersionString";
+  static constexpr std::string_view kIdentifierKey = platform::kBundleIdentifierKey;
+  static constexpr std::string_view kShortVersionKey = platform::kBundleShortVersionKey;
 
   std::string systemVersion() const override;
   std::string model() const override;

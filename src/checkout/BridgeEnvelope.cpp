@@ -84,11 +84,7 @@ std::optional<Json> readEnvelope(std::string_view text) {
 
 std::string_view requireEnvelopeString(const Json& envelope, std::string_view key) {
   const json::JsonPath root;
-  const Json& value = json::requireKey(envelope, key, root);
-  if (!value.is_string()) {
-    (void)json::decodeString(value, root / key);  // throws the type mismatch
-  }
-  return value.get_ref<const Json::string_t&>();
+  return json::decodeStringRef(json::requireKey(envelope, key, root), root / key);
 }
 
 }  // namespace vemba::checkout

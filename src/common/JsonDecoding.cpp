@@ -107,11 +107,15 @@ const Json* optionalKey(const Json& object, std::string_view key) {
   return &*it;
 }
 
-std::string decodeString(const Json& value, const JsonPath& path) {
+const std::string& decodeStringRef(const Json& value, const JsonPath& path) {
   if (!value.is_string()) {
     mismatch("String", value, path);
   }
   return value.get_ref<const Json::string_t&>();
+}
+
+std::string decodeString(const Json& value, const JsonPath& path) {
+  return decodeStringRef(value, path);
 }
 
 bool decodeBool(const Json& value, const JsonPath& path) {
@@ -183,16 +187,6 @@ std::optional<double> optionalDouble(const Json& object, std::string_view key,
 
 std::int64_t requireInt(const Json& object, std::string_view key, const JsonPath& path) {
   return decodeInt(requireKey(object, key, path), path / key);
-}
-
-std::optional<std::int64_t> optionalInt(const Json& object, std::string_view key,
-                                        const JsonPath& path) {
-  const Json* value = optionalKey(object, key);
-  return value == nullptr ? std::nullopt : std::optional(decodeInt(*value, path / key));
-}
-
-bool requireBool(const Json& object, std::string_view key, const JsonPath& path) {
-  return decodeBool(requireKey(object, key, path), path / key);
 }
 
 std::optional<bool> optionalBool(const Json& object, std::string_view key, const JsonPath& path) {

@@ -74,6 +74,8 @@ const Json& requireKey(const Json& object, std::string_view key, const JsonPath&
 const Json* optionalKey(const Json& object, std::string_view key);
 
 std::string decodeString(const Json& value, const JsonPath& path);
+// As decodeString, by reference into `value` (no copy).
+const std::string& decodeStringRef(const Json& value, const JsonPath& path);
 bool decodeBool(const Json& value, const JsonPath& path);
 double decodeDouble(const Json& value, const JsonPath& path);
 std::int64_t decodeInt(const Json& value, const JsonPath& path);
@@ -85,9 +87,6 @@ double requireDouble(const Json& object, std::string_view key, const JsonPath& p
 std::optional<double> optionalDouble(const Json& object, std::string_view key,
                                      const JsonPath& path);
 std::int64_t requireInt(const Json& object, std::string_view key, const JsonPath& path);
-std::optional<std::int64_t> optionalInt(const Json& object, std::string_view key,
-                                        const JsonPath& path);
-bool requireBool(const Json& object, std::string_view key, const JsonPath& path);
 std::optional<bool> optionalBool(const Json& object, std::string_view key, const JsonPath& path);
 
 // Decodes every element of an array with `decodeElement(const Json&, const JsonPath&)`.

@@ -30,7 +30,6 @@ class Url {
   const std::string& path() const { return path_; }  // as written, still percent-encoded
   const std::optional<std::string>& query() const { return query_; }
   const std::optional<std::string>& fragment() const { return fragment_; }
-  bool isAbsolute() const { return !scheme_.empty(); }
   // Path segments, percent-decoded, without the empty leading segment of an absolute path.
   std::vector<std::string> pathComponents() const;
   // Query items in order, percent-decoded ('+' is kept as it is).

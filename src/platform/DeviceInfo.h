@@ -25,6 +25,10 @@ class DeviceInfo {
   virtual std::string model() const = 0;          // the generic family name, e.g. "iPhone"
 };
 
+// The keys of the bundle's information dictionary that the library reads.
+inline constexpr std::string_view kBundleIdentifierKey = "CFBundleIdentifier";
+inline constexpr std::string_view kBundleShortVersionKey = "CFBundleShortVersionString";
+
 // Contract: thread-safe reads of the host application's bundle.
 class BundleInfo {
  public:

@@ -11,7 +11,8 @@ AppInfo currentAppInfo() {
   app.bundle = bundle.bundleIdentifier().value_or(kUnknownBundle);
   app.ver = kDefaultAppVersion;
   if (bundle.hasInfoDictionary()) {
-    const std::optional<platform::InfoValue> version = bundle.infoValue(kShortVersionKey);
+    const std::optional<platform::InfoValue> version =
+        bundle.infoValue(platform::kBundleShortVersionKey);
     if (version && version->kind == platform::InfoValue::Kind::string) {
       app.ver = version->text;
     }

@@ -10,7 +10,6 @@ namespace vemba::ads {
 
 inline constexpr const char* kUnknownBundle = "unknown.bundle";
 inline constexpr const char* kDefaultAppVersion = "1.0";
-inline constexpr const char* kShortVersionKey = "CFBundleShortVersionString";
 inline constexpr const char* kDeviceIp = "";
 inline constexpr const char* kDeviceOs = "iOS";
 // No reachability check is made: the connection is always reported as wifi.
