@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "common/Url.h"
 #include "platform/UrlErrorCode.h"
+#include "vemba/Url.h"
 
 namespace vemba::fake {
 

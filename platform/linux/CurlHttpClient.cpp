@@ -17,8 +17,8 @@
 
 #include "CurlErrorMap.h"
 #include "CurlHeaders.h"
-#include "common/Url.h"
 #include "platform/UrlErrorCode.h"
+#include "vemba/Url.h"
 
 namespace vemba::linux_platform {
 namespace {

@@ -2,14 +2,27 @@
 // of such messages. Main thread only.
 #pragma once
 
+#include <memory>
 #include <string>
+#include <string_view>
 #include <variant>
 
 namespace vemba::platform {
 
-// The web view's registry of script-message handlers (defined with the web view). Handlers only
-// pass it along.
-class UserContentController;
+class ScriptMessageHandler;
+
+// A web view's registry of script-message handlers, shared through its configuration. The page
+// posts with window.webkit.messageHandlers.<name>.postMessage(body).
+// Contract: main thread only. Holds each handler strongly until it is removed; removing a name
+// takes effect in the live page at once (the page's call then fails).
+class UserContentController {
+ public:
+  virtual ~UserContentController() = default;
+  // Registers `handler` under `name`; a name that is already registered is left as it is.
+  virtual void add(std::shared_ptr<ScriptMessageHandler> handler, std::string_view name) = 0;
+  // Removes the handler registered under `name`, if any.
+  virtual void removeScriptMessageHandler(std::string_view name) = 0;
+};
 
 struct ScriptMessage {
   // A body that is not a string (an object, array, number, boolean or null), as its JSON text.

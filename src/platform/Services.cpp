@@ -12,6 +12,16 @@ const Services& services() {
   return installed != nullptr ? *installed : defaultServices();
 }
 
+Ui* ui() {
+  const Services& current = services();
+  return current.ui ? current.ui() : nullptr;
+}
+
+Application* application() {
+  const Services& current = services();
+  return current.application ? current.application() : nullptr;
+}
+
 ScopedServices::ScopedServices(const Services& installed)
     : previous_(gOverride.exchange(&installed, std::memory_order_acq_rel)) {}
 

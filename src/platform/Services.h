@@ -5,6 +5,8 @@
 // ScopedServices; production code never switches at run time.
 #pragma once
 
+#include <functional>
+
 namespace vemba::platform {
 
 class HttpClient;
@@ -15,6 +17,8 @@ class BundleInfo;
 class AdvertisingIdProvider;
 class UuidSource;
 class LogSink;
+class Ui;
+class Application;
 
 struct Services {
   HttpClient* http = nullptr;
@@ -25,11 +29,20 @@ struct Services {
   AdvertisingIdProvider* advertisingId = nullptr;
   UuidSource* uuids = nullptr;
   LogSink* log = nullptr;
+  // The user interface and the host application, reached through ui() and application() below.
+  // Called on the main thread only; the first call may connect to the display.
+  std::function<Ui*()> ui;
+  std::function<Application*()> application;
 };
 
 // The services in force: the installed override if any, else the linked backend's default.
 // Thread-safe.
 const Services& services();
+
+// The platform's user interface and host application; null when the platform has none (a
+// Linux process without a display): the core then shows nothing. Main thread only.
+Ui* ui();
+Application* application();
 
 // Defined by the linked backend; lives for the whole process.
 const Services& defaultServices();

@@ -18,9 +18,9 @@
 #include <string_view>
 
 #include "ads/bidding/BidRecords.h"
-#include "common/Url.h"
 #include "platform/HttpClient.h"
 #include "vemba/Error.h"
+#include "vemba/Url.h"
 
 namespace vemba::ads {
 

@@ -1,4 +1,4 @@
-#include "common/Url.h"
+#include "vemba/Url.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
-// A parsed RFC 3986 URI reference. Value type; immutable; thread-safe to share.
+// A parsed RFC 3986 URI reference. Hosts pass and receive URLs as this type. Value type;
+// immutable; thread-safe to share.
 //
 // "Parses as a URL" throughout the library means Url::parse() accepts the text: the RFC 3986
 // grammar as implemented by uriparser, absolute or relative, but never the empty string.
