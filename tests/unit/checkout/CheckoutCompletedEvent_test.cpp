@@ -14,17 +14,17 @@ using json::Json;
 // A complete summary using every field once.
 constexpr std::string_view kFullSummary = R"({
   "orderDetails": {
-    "id": "gid://shop/OrderIdentity/9912",
-    "email": "ada@example.com",
+    "id": "urn:ekn:OrderIdentity/9912",
+    "email": "tova@example.com",
     "phone": "+15550100",
-    "billingAddress": {"address1": "1 Main St", "address2": "Apt 4", "city": "Ottawa",
-      "countryCode": "CA", "firstName": "Ada", "lastName": "Lovelace", "name": "Ada Lovelace",
-      "phone": "+15550100", "postalCode": "K1A 0B1", "referenceId": "ref-1", "zoneCode": "ON"},
+    "billingAddress": {"address1": "7 Quillon Lane", "address2": "Apt 4", "city": "Ottawa",
+      "countryCode": "CA", "firstName": "Tova", "lastName": "Brennick", "name": "Tova Brennick",
+      "phone": "+15550100", "postalCode": "K0X 9Z9", "referenceId": "ref-1", "zoneCode": "ON"},
     "cart": {
       "token": "c1-abc",
       "lines": [{
-        "title": "Wool socks", "quantity": 2, "merchandiseId": "gid://shop/ProductVariant/1",
-        "productId": "gid://shop/Product/7",
+        "title": "Wool socks", "quantity": 2, "merchandiseId": "urn:ekn:ProductVariant/1",
+        "productId": "urn:ekn:Product/7",
         "price": {"amount": 24.5, "currencyCode": "CAD"},
         "image": {"sm": "https://cdn.example/s.jpg", "md": "https://cdn.example/m.jpg",
                   "lg": "https://cdn.example/l.jpg", "altText": "Grey socks"},
@@ -39,7 +39,7 @@ constexpr std::string_view kFullSummary = R"({
     },
     "deliveries": [{"method": "SHIPPING", "details": {"name": "Standard",
       "additionalInfo": "3-5 days", "location": {"city": "Ottawa"}}}],
-    "paymentMethods": [{"type": "creditCard", "details": {"brand": "VISA", "last4": null}}]
+    "paymentMethods": [{"type": "creditCard", "details": {"brand": "NORTHCARD", "last4": null}}]
   },
   "unknownTopLevel": {"ignored": [1, 2, 3]}
 })";
@@ -58,7 +58,7 @@ class CompletedEventDecoderTest : public testing::CheckoutTest {
 TEST_F(CompletedEventDecoderTest, DecodesAFullSummaryWithoutLogging) {
   const CheckoutCompletedEvent event = decode(envelope(kFullSummary));
   const auto& order = event.orderDetails;
-  EXPECT_EQ(order.id, "gid://shop/OrderIdentity/9912");
+  EXPECT_EQ(order.id, "urn:ekn:OrderIdentity/9912");
   EXPECT_EQ(order.billingAddress->zoneCode, "ON");
   ASSERT_EQ(order.cart.lines.size(), 1U);
   const auto& line = order.cart.lines[0];
@@ -75,7 +75,7 @@ TEST_F(CompletedEventDecoderTest, PaymentDetailsKeepKeysWhoseValueIsNull) {
   const CheckoutCompletedEvent event = decode(envelope(kFullSummary));
   const auto& method = event.orderDetails.paymentMethods->at(0);
   ASSERT_EQ(method.details.size(), 2U);
-  EXPECT_EQ(method.details.at("brand"), "VISA");
+  EXPECT_EQ(method.details.at("brand"), "NORTHCARD");
   ASSERT_EQ(method.details.count("last4"), 1U);
   EXPECT_FALSE(method.details.at("last4").has_value());
 }

@@ -197,9 +197,9 @@ TEST(ContextTest, KeysAndTypes) {
 // A payload using every record of the pixel model once.
 constexpr std::string_view kFullStandardData = R"({"checkout":{
   "attributes":[{"key":"gift","value":"yes"}],
-  "billingAddress":{"address1":"1 Main St","address2":"","city":"Ottawa","country":"Canada",
-    "countryCode":"CA","firstName":"Ada","lastName":"Lovelace","phone":"+15550100",
-    "province":"Ontario","provinceCode":"ON","zip":"K1A 0B1"},
+  "billingAddress":{"address1":"7 Quillon Lane","address2":"","city":"Ottawa","country":"Canada",
+    "countryCode":"CA","firstName":"Tova","lastName":"Brennick","phone":"+15550100",
+    "province":"Ontario","provinceCode":"ON","zip":"K0X 9Z9"},
   "buyerAcceptsEmailMarketing":false,"buyerAcceptsSmsMarketing":true,"currencyCode":"CAD",
   "delivery":{"selectedDeliveryOptions":[{"cost":{"amount":5,"currencyCode":"CAD"},
     "costAfterDiscounts":{"amount":0,"currencyCode":"CAD"},"description":"3-5 days",
@@ -207,7 +207,7 @@ constexpr std::string_view kFullStandardData = R"({"checkout":{
   "discountApplications":[{"allocationMethod":"ACROSS","targetSelection":"ALL",
     "targetType":"LINE_ITEM","title":"WINTER","type":"DISCOUNT_CODE",
     "value":{"amount":2.5,"currencyCode":"CAD"}}],
-  "discountsAmount":{"amount":2.5,"currencyCode":"CAD"},"email":"ada@example.com",
+  "discountsAmount":{"amount":2.5,"currencyCode":"CAD"},"email":"tova@example.com",
   "lineItems":[{"discountAllocations":[{"amount":{"amount":2.5,"currencyCode":"CAD"},
       "discountApplication":{"title":"WINTER","value":{"percentage":10}}}],
     "finalLinePrice":{"amount":22,"currencyCode":"CAD"},"id":"li-1",
@@ -224,8 +224,8 @@ constexpr std::string_view kFullStandardData = R"({"checkout":{
   "smsMarketingPhone":"+15550100","subtotalPrice":{"amount":24.5,"currencyCode":"CAD"},
   "token":"tok","totalPrice":{"amount":27.37,"currencyCode":"CAD"},
   "totalTax":{"amount":2.87,"currencyCode":"CAD"},
-  "transactions":[{"amount":{"amount":27.37,"currencyCode":"CAD"},"gateway":"shopify_payments",
-    "paymentMethod":{"name":"VISA","type":"creditCard"}}]}})";
+  "transactions":[{"amount":{"amount":27.37,"currencyCode":"CAD"},"gateway":"fernpay_gateway",
+    "paymentMethod":{"name":"NORTHCARD","type":"creditCard"}}]}})";
 
 // Decoding, encoding and decoding again gives the same record.
 template <typename T, typename Decode>
