@@ -1,9 +1,8 @@
 // Feeds arbitrary bytes to the "webPixels" message decoder, either as a whole bridge message
 // (when the input is a JSON object) or as the message's body text. Nothing may crash; a decoded
 // payload must encode and decode back to itself, a custom event's data must be JSON text, and a
-// public event must survive its own encoding. An input object that reads free-form is also typed
-// as standard-event data both directly and through the free-form value and its JSON: the two
-// must agree.
+// public event must survive its own encoding. An input object is also read free-form both ways
+// (into JSON, and into JsonValue written back): the two must agree.
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -12,7 +11,6 @@
 #include "FakePlatform.h"
 #include "checkout/events/FreeFormJson.h"
 #include "checkout/events/PixelEventCoding.h"
-#include "checkout/events/StandardEventDataCoding.h"
 #include "checkout/events/WebPixelsEventCoding.h"
 #include "checkout/events/WebPixelsEventDecoder.h"
 #include "common/JsonDecoding.h"
@@ -28,37 +26,28 @@ void requireRoundTrip(const T& value, Decode decode) {
   }
 }
 
-template <typename Decode>
-std::optional<vemba::checkout::StandardEventData> typedData(Decode decode) {
-  try {
-    return decode();
-  } catch (const vemba::json::DecodingFailure&) {
-    return std::nullopt;
-  }
-}
-
-// Typing free-form data directly gives what typing its free-form value's JSON gives, including
-// the sign of zeros (compared through the encoded text).
-void requireSameTyping(const vemba::json::Json& data) {
+// Standard-event data is typed from the free-form reading written as JSON (readFreeFormObject).
+// That JSON must be what reading into JsonValue and writing it back gives, down to the sign of
+// zeros (compared through the text), and the two reads must fail alike.
+void requireSameFreeFormReading(const vemba::json::Json& data) {
   namespace checkout = vemba::checkout;
   const vemba::json::JsonPath root;
+  std::optional<vemba::json::Json> direct;
+  std::optional<vemba::json::DecodingError> directError;
   try {
-    checkout::checkFreeFormObject(data, root);
-  } catch (const vemba::json::DecodingFailure&) {
-    return;
+    direct = checkout::readFreeFormObject(data, root);
+  } catch (const vemba::json::DecodingFailure& failure) {
+    directError = failure.error();
   }
-  const auto direct =
-      typedData([&] { return checkout::decodeFreeFormStandardEventData(data, root); });
-  const auto reference = typedData([&] {
-    return checkout::decodeStandardEventData(checkout::toJson(checkout::readJsonObject(data, root)),
-                                             root);
-  });
-  if (direct.has_value() != reference.has_value()) {
-    __builtin_trap();
-  }
-  if (direct && (!(*direct == *reference) ||
-                 checkout::toJson(*direct).dump() != checkout::toJson(*reference).dump())) {
-    __builtin_trap();
+  try {
+    const vemba::json::Json reference = checkout::toJson(checkout::readJsonObject(data, root));
+    if (!direct || *direct != reference || direct->dump() != reference.dump()) {
+      __builtin_trap();
+    }
+  } catch (const vemba::json::DecodingFailure& failure) {
+    if (!directError || directError->description() != failure.error().description()) {
+      __builtin_trap();
+    }
   }
 }
 
@@ -72,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   std::optional<Json> message = vemba::json::parseJson(text);
   if (message && message->is_object()) {
-    requireSameTyping(*message);
+    requireSameFreeFormReading(*message);
   } else {
     message = Json{{"name", "webPixels"}, {"body", std::string(text)}};
   }

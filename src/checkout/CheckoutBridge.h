@@ -52,21 +52,17 @@ class CheckoutBridge {
   // One decoded page message. Case order: checkoutExpired, checkoutUnavailable,
   // configurationError, checkoutComplete, checkoutModalToggled, webPixels, unsupported.
   struct WebEvent {
-    struct CheckoutExpired {
+    // The three cases of an "error" message share one shape; the kind tells them apart.
+    enum class ErrorKind { expired, unavailable, configuration };
+    template <ErrorKind kind>
+    struct ErrorPayload {
       std::optional<std::string> message;
       CheckoutErrorCode code = CheckoutErrorCode::unknown;
-      friend bool operator==(const CheckoutExpired&, const CheckoutExpired&) = default;
+      friend bool operator==(const ErrorPayload&, const ErrorPayload&) = default;
     };
-    struct CheckoutUnavailable {
-      std::optional<std::string> message;
-      CheckoutErrorCode code = CheckoutErrorCode::unknown;
-      friend bool operator==(const CheckoutUnavailable&, const CheckoutUnavailable&) = default;
-    };
-    struct ConfigurationError {
-      std::optional<std::string> message;
-      CheckoutErrorCode code = CheckoutErrorCode::unknown;
-      friend bool operator==(const ConfigurationError&, const ConfigurationError&) = default;
-    };
+    using CheckoutExpired = ErrorPayload<ErrorKind::expired>;
+    using CheckoutUnavailable = ErrorPayload<ErrorKind::unavailable>;
+    using ConfigurationError = ErrorPayload<ErrorKind::configuration>;
     struct CheckoutComplete {
       CheckoutCompletedEvent event;
       friend bool operator==(const CheckoutComplete&, const CheckoutComplete&) = default;

@@ -7,141 +7,113 @@
 namespace vemba::ads {
 namespace {
 
+using json::field;
+using json::fields;
 using json::Json;
 using json::JsonPath;
 
-Json number(double value) {
-  if (!std::isfinite(value)) {
-    throw EncodingFailure{"a number is not finite"};
+// A number the exchange must be able to read back: encoding a non-finite one fails.
+struct FiniteNumber {
+  static double decode(const Json& value, const JsonPath& path) {
+    return json::decodeDouble(value, path);
   }
-  return Json(value);
-}
+  static Json encode(double value) {
+    if (!std::isfinite(value)) {
+      throw EncodingFailure{"a number is not finite"};
+    }
+    return value;
+  }
+};
 
-// Overloaded encode() as one callable, for the array helpers.
-constexpr auto encodeRecord = [](const auto& record) { return encode(record); };
+// A format marker: any non-null value marks the format when read; written as {}.
+template <typename Marker>
+struct MarkerCodec {
+  static Marker decode(const Json& /*value*/, const JsonPath& /*path*/) { return Marker{}; }
+  static Json encode(const Marker& /*marker*/) { return Json::object(); }
+};
 
 }  // namespace
 
+constexpr auto jsonFields(json::Tag<Impression> /*record*/) {
+  return fields(field("id", &Impression::id), field("tagid", &Impression::tagid),
+                field<MarkerCodec<Interstitial>>("interstitial", &Impression::interstitial),
+                field<MarkerCodec<Rewarded>>("rewarded", &Impression::rewarded),
+                field<FiniteNumber>("bidfloor", &Impression::bidfloor));
+}
+
+constexpr auto jsonFields(json::Tag<AppInfo> /*record*/) {
+  return fields(field("bundle", &AppInfo::bundle), field("ver", &AppInfo::ver));
+}
+
+constexpr auto jsonFields(json::Tag<DeviceInfo> /*record*/) {
+  using R = DeviceInfo;
+  return fields(field("ifa", &R::ifa), field("ua", &R::ua), field("ip", &R::ip),
+                field("os", &R::os), field("osv", &R::osv), field("model", &R::model),
+                field("connection", &R::connection));
+}
+
+constexpr auto jsonFields(json::Tag<BidRequest> /*record*/) {
+  return fields(field("id", &BidRequest::id), field("app", &BidRequest::app),
+                field("device", &BidRequest::device), field("imp", &BidRequest::imp));
+}
+
+constexpr auto jsonFields(json::Tag<Bid> /*record*/) {
+  return fields(field("id", &Bid::id), field("impid", &Bid::impid),
+                field<FiniteNumber>("price", &Bid::price), field("adm", &Bid::adm),
+                field("iurl", &Bid::iurl), field("burl", &Bid::burl));
+}
+
+constexpr auto jsonFields(json::Tag<SeatBid> /*record*/) {
+  return fields(field("bid", &SeatBid::bid));
+}
+
+constexpr auto jsonFields(json::Tag<BidResponse> /*record*/) {
+  return fields(field("id", &BidResponse::id), field("bidid", &BidResponse::bidid),
+                field("seatbid", &BidResponse::seatbid));
+}
+
 Json encode(const Impression& value) {
-  Json out = Json::object();
-  json::put(out, "id", value.id);
-  json::putOptional(out, "tagid", value.tagid);
-  json::putOptional(out, "interstitial", value.interstitial,
-                    [](Interstitial) { return Json::object(); });
-  json::putOptional(out, "rewarded", value.rewarded, [](Rewarded) { return Json::object(); });
-  json::putOptional(out, "bidfloor", value.bidfloor, number);
-  return out;
+  return json::encodeRecord(value);
 }
-
 Json encode(const AppInfo& value) {
-  return Json{{"bundle", value.bundle}, {"ver", value.ver}};
+  return json::encodeRecord(value);
 }
-
 Json encode(const DeviceInfo& value) {
-  return Json{{"ifa", value.ifa},
-              {"ua", value.ua},
-              {"ip", value.ip},
-              {"os", value.os},
-              {"osv", value.osv},
-              {"model", value.model},
-              {"connection", value.connection}};
+  return json::encodeRecord(value);
 }
-
 Json encode(const BidRequest& value) {
-  return Json{{"id", value.id},
-              {"app", encode(value.app)},
-              {"device", encode(value.device)},
-              {"imp", json::encodeArray(value.imp, encodeRecord)}};
+  return json::encodeRecord(value);
 }
-
 Json encode(const Bid& value) {
-  Json out = Json::object();
-  json::putOptional(out, "id", value.id);
-  json::put(out, "impid", value.impid);
-  json::put(out, "price", number(value.price));
-  json::putOptional(out, "adm", value.adm);
-  json::putOptional(out, "iurl", value.iurl);
-  json::putOptional(out, "burl", value.burl);
-  return out;
+  return json::encodeRecord(value);
 }
-
 Json encode(const SeatBid& value) {
-  return Json{{"bid", json::encodeArray(value.bid, encodeRecord)}};
+  return json::encodeRecord(value);
 }
-
 Json encode(const BidResponse& value) {
-  Json out = Json::object();
-  json::put(out, "id", value.id);
-  json::putOptional(out, "bidid", value.bidid);
-  json::putOptional(out, "seatbid", value.seatbid, json::arrayEncoder(encodeRecord));
-  return out;
+  return json::encodeRecord(value);
 }
 
 Impression decodeImpression(const Json& value, const JsonPath& path) {
-  const Json& object = json::requireObject(value, path);
-  Impression out;
-  out.id = json::requireString(object, "id", path);
-  out.tagid = json::optionalString(object, "tagid", path);
-  // The markers read nothing: any non-null value marks the format.
-  if (json::optionalKey(object, "interstitial") != nullptr) {
-    out.interstitial = Interstitial{};
-  }
-  if (json::optionalKey(object, "rewarded") != nullptr) {
-    out.rewarded = Rewarded{};
-  }
-  out.bidfloor = json::optionalDouble(object, "bidfloor", path);
-  return out;
+  return json::decodeRecord<Impression>(value, path);
 }
-
 AppInfo decodeAppInfo(const Json& value, const JsonPath& path) {
-  const Json& object = json::requireObject(value, path);
-  return AppInfo{json::requireString(object, "bundle", path),
-                 json::requireString(object, "ver", path)};
+  return json::decodeRecord<AppInfo>(value, path);
 }
-
 DeviceInfo decodeDeviceInfo(const Json& value, const JsonPath& path) {
-  const Json& object = json::requireObject(value, path);
-  return DeviceInfo{
-      json::requireString(object, "ifa", path),       json::requireString(object, "ua", path),
-      json::requireString(object, "ip", path),        json::requireString(object, "os", path),
-      json::requireString(object, "osv", path),       json::requireString(object, "model", path),
-      json::requireString(object, "connection", path)};
+  return json::decodeRecord<DeviceInfo>(value, path);
 }
-
 BidRequest decodeBidRequest(const Json& value, const JsonPath& path) {
-  const Json& object = json::requireObject(value, path);
-  BidRequest out;
-  out.id = json::requireString(object, "id", path);
-  out.app = json::requireField(object, "app", path, decodeAppInfo);
-  out.device = json::requireField(object, "device", path, decodeDeviceInfo);
-  out.imp = json::requireField(object, "imp", path, json::arrayOf(decodeImpression));
-  return out;
+  return json::decodeRecord<BidRequest>(value, path);
 }
-
 Bid decodeBid(const Json& value, const JsonPath& path) {
-  const Json& object = json::requireObject(value, path);
-  Bid out;
-  out.id = json::optionalString(object, "id", path);
-  out.impid = json::requireString(object, "impid", path);
-  out.price = json::requireDouble(object, "price", path);
-  out.adm = json::optionalString(object, "adm", path);
-  out.iurl = json::optionalString(object, "iurl", path);
-  out.burl = json::optionalString(object, "burl", path);
-  return out;
+  return json::decodeRecord<Bid>(value, path);
 }
-
 SeatBid decodeSeatBid(const Json& value, const JsonPath& path) {
-  const Json& object = json::requireObject(value, path);
-  return SeatBid{json::requireField(object, "bid", path, json::arrayOf(decodeBid))};
+  return json::decodeRecord<SeatBid>(value, path);
 }
-
 BidResponse decodeBidResponse(const Json& value, const JsonPath& path) {
-  const Json& object = json::requireObject(value, path);
-  BidResponse out;
-  out.id = json::requireString(object, "id", path);
-  out.bidid = json::optionalString(object, "bidid", path);
-  out.seatbid = json::optionalField(object, "seatbid", path, json::arrayOf(decodeSeatBid));
-  return out;
+  return json::decodeRecord<BidResponse>(value, path);
 }
 
 Expected<std::string, EncodingFailure> encodeBidRequestText(const BidRequest& request) {

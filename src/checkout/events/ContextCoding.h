@@ -3,7 +3,7 @@
 // of the wrong type anywhere fails the whole context.
 #pragma once
 
-#include "common/JsonDecoding.h"
+#include "common/JsonFields.h"
 #include "vemba/checkout/events/Context.h"
 
 namespace vemba::checkout {
@@ -13,3 +13,8 @@ Context decodeContext(const json::Json& value, const json::JsonPath& path);
 json::Json toJson(const Context& context);
 
 }  // namespace vemba::checkout
+
+// A field that holds a Context, in any record, is coded by the two functions above.
+template <>
+struct vemba::json::Codec<vemba::checkout::Context>
+    : FunctionCodec<checkout::Context, checkout::decodeContext, checkout::toJson> {};

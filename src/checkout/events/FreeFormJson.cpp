@@ -1,6 +1,7 @@
 #include "checkout/events/FreeFormJson.h"
 
 #include <cmath>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -12,8 +13,8 @@ using json::DecodingFailure;
 using json::Json;
 using json::JsonPath;
 
-JsonObject readObject(const Json& value, const JsonPath& path);
-JsonArray readArray(const Json& value, const JsonPath& path);
+Json readObject(const Json& value, const JsonPath& path);
+Json readArray(const Json& value, const JsonPath& path);
 
 // Fails when `value`, a container at nesting `depth`, or any container inside it is nested deeper
 // than the limit: the first such container in reading order names the path.
@@ -41,7 +42,7 @@ void checkNesting(const Json& value, const JsonPath& path, std::size_t depth) {
 
 // An object member number: an integer when it reads as one under the strict integer rule,
 // otherwise a double.
-JsonValue readMemberNumber(const Json& value, const JsonPath& path) {
+Json readMemberNumber(const Json& value, const JsonPath& path) {
   // A number with a fraction never reads as an integer: skip the attempt and its exception.
   if (value.is_number_float()) {
     const double number = value.get<double>();
@@ -56,65 +57,56 @@ JsonValue readMemberNumber(const Json& value, const JsonPath& path) {
   }
 }
 
-// Absent for null (and for anything no read accepts). Containers are built in place in the
-// optional (a temporary JsonValue trips GCC 12's -Wmaybe-uninitialized at -O3).
-std::optional<JsonValue> readMember(const Json& value, const JsonPath& path) {
+// Absent for null (and for anything no read accepts).
+std::optional<Json> readMember(const Json& value, const JsonPath& path) {
   switch (value.type()) {
     case Json::value_t::boolean:
-      return JsonValue(value.get<bool>());
     case Json::value_t::string:
-      return JsonValue(value.get<std::string>());
+      return value;
     case Json::value_t::number_integer:
     case Json::value_t::number_unsigned:
     case Json::value_t::number_float:
       return readMemberNumber(value, path);
     case Json::value_t::object:
-      return std::make_optional<JsonValue>(readObject(value, path));
+      return readObject(value, path);
     case Json::value_t::array:
-      return std::make_optional<JsonValue>(readArray(value, path));
+      return readArray(value, path);
     default:
       return std::nullopt;
   }
 }
 
-std::optional<JsonValue> readElement(const Json& value, const JsonPath& path) {
+std::optional<Json> readElement(const Json& value, const JsonPath& path) {
   switch (value.type()) {
-    case Json::value_t::boolean:
-      return JsonValue(value.get<bool>());
     case Json::value_t::number_integer:
     case Json::value_t::number_unsigned:
     case Json::value_t::number_float:
-      return JsonValue(json::decodeDouble(value, path));
-    case Json::value_t::string:
-      return JsonValue(value.get<std::string>());
-    case Json::value_t::object:
-      return std::make_optional<JsonValue>(readObject(value, path));
-    case Json::value_t::array:
-      return std::make_optional<JsonValue>(readArray(value, path));
-    default:
+      return Json(json::decodeDouble(value, path));
+    case Json::value_t::null:
       return std::nullopt;
+    default:
+      return readMember(value, path);
   }
 }
 
-// readObject and readArray never fail: their input has passed the checks of readJsonObject or
-// readJsonArray, which also bound their recursion.
-JsonObject readObject(const Json& value, const JsonPath& path) {
-  JsonObject out;
+// readObject and readArray never fail: their input has passed the nesting check, which also
+// bounds their recursion.
+Json readObject(const Json& value, const JsonPath& path) {
+  Json out = Json::object();
+  auto& members = out.get_ref<Json::object_t&>();
   for (auto it = value.begin(); it != value.end(); ++it) {
-    const std::string& key = it.key();
-    if (std::optional<JsonValue> read = readMember(it.value(), path / key)) {
-      out.emplace_hint(out.end(), key, std::move(*read));
+    if (std::optional<Json> read = readMember(it.value(), path / it.key())) {
+      members.emplace_hint(members.end(), it.key(), std::move(*read));
     }
   }
   return out;
 }
 
-JsonArray readArray(const Json& value, const JsonPath& path) {
-  JsonArray out;
-  out.reserve(value.size());
+Json readArray(const Json& value, const JsonPath& path) {
+  Json out = Json::array();
   std::size_t index = 0;
   for (const Json& element : value) {
-    if (std::optional<JsonValue> read = readElement(element, path / index)) {
+    if (std::optional<Json> read = readElement(element, path / index)) {
       out.push_back(std::move(*read));
     }
     ++index;
@@ -122,31 +114,59 @@ JsonArray readArray(const Json& value, const JsonPath& path) {
   return out;
 }
 
+// The JsonValue image of JSON the reading above produced (no nulls, no unsigned numbers).
+JsonValue toJsonValue(const Json& value);
+
+JsonObject toJsonObject(const Json& value) {
+  JsonObject object;
+  for (auto it = value.begin(); it != value.end(); ++it) {
+    object.emplace_hint(object.end(), it.key(), toJsonValue(it.value()));
+  }
+  return object;
+}
+
+JsonArray toJsonArray(const Json& value) {
+  JsonArray array;
+  array.reserve(value.size());
+  for (const Json& element : value) {
+    array.push_back(toJsonValue(element));
+  }
+  return array;
+}
+
+JsonValue toJsonValue(const Json& value) {
+  switch (value.type()) {
+    case Json::value_t::boolean:
+      return JsonValue(value.get<bool>());
+    case Json::value_t::string:
+      return JsonValue(value.get<std::string>());
+    case Json::value_t::number_integer:
+      return JsonValue(value.get<std::int64_t>());
+    case Json::value_t::number_float:
+      return JsonValue(value.get<double>());
+    case Json::value_t::object:
+      return JsonValue(toJsonObject(value));
+    default:
+      return JsonValue(toJsonArray(value));
+  }
+}
+
 }  // namespace
 
-void checkFreeFormObject(const Json& value, const JsonPath& path) {
+Json readFreeFormObject(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   checkNesting(value, path, 1);
+  return readObject(value, path);
 }
 
 JsonObject readJsonObject(const Json& value, const JsonPath& path) {
-  checkFreeFormObject(value, path);
-  return readObject(value, path);
+  return toJsonObject(readFreeFormObject(value, path));
 }
 
 JsonArray readJsonArray(const Json& value, const JsonPath& path) {
   json::requireArray(value, path);
   checkNesting(value, path, 1);
-  return readArray(value, path);
-}
-
-double freeFormMemberDouble(const Json& value, const JsonPath& path) {
-  if (!value.is_number()) {
-    return json::decodeDouble(value, path);  // throws the type mismatch
-  }
-  const JsonValue read = readMemberNumber(value, path);
-  const std::int64_t* integer = read.asInt();
-  return integer != nullptr ? static_cast<double>(*integer) : *read.asDouble();
+  return toJsonArray(readArray(value, path));
 }
 
 Json toJson(const JsonObject& object) {

@@ -1,4 +1,4 @@
-// Reading JSON whose shape is not known in advance into JsonValue, and writing it back.
+// Reading JSON whose shape is not known in advance, and writing it back.
 //
 // Type preferences when reading (deliberate, and visible to hosts):
 // - an object member is read as the first of: boolean, string, signed 64-bit integer, double,
@@ -8,6 +8,9 @@
 // - nulls are left out, in objects and arrays alike, without failing.
 // Containers nested deeper than kMaxFreeFormDepth fail the read (dataCorrupted), as a value of the
 // wrong type would, so hostile nesting cannot exhaust the stack.
+//
+// The reading is done once, into JSON (readFreeFormObject); JsonValue is that JSON's one-to-one
+// image, so readJsonObject(v) and readFreeFormObject(v) always hold the same values.
 #pragma once
 
 #include <cstddef>
@@ -20,19 +23,15 @@ namespace vemba::checkout {
 // The outermost container read counts as depth 1.
 inline constexpr std::size_t kMaxFreeFormDepth = 512;
 
+// The object as the reading above leaves it, as JSON: what toJson(readJsonObject(value, path))
+// gives, without the JsonValue tree. Integers are JSON integers, doubles JSON floating-point
+// numbers. Fails with typeMismatch when `value` is not an object.
+json::Json readFreeFormObject(const json::Json& value, const json::JsonPath& path);
+
 // Fails with typeMismatch when `value` is not an object.
 JsonObject readJsonObject(const json::Json& value, const json::JsonPath& path);
 // Fails with typeMismatch when `value` is not an array.
 JsonArray readJsonArray(const json::Json& value, const json::JsonPath& path);
-
-// Fails exactly when readJsonObject(value, path) fails, with the same error, and builds nothing.
-void checkFreeFormObject(const json::Json& value, const json::JsonPath& path);
-
-// The double that `value`, a member of a free-form object, holds once read by readJsonObject,
-// written back with toJson and read as a double: a number that reads as an integer comes back
-// as that integer (-0.0 as 0.0), any other number unchanged. Fails as json::decodeDouble when
-// `value` is not a number.
-double freeFormMemberDouble(const json::Json& value, const json::JsonPath& path);
 
 // Integers stay JSON integers and doubles JSON floating-point numbers.
 json::Json toJson(const JsonValue& value);

@@ -5,74 +5,50 @@
 #include "common/JsonFields.h"
 
 namespace vemba::checkout {
-namespace {
 
-constexpr std::string_view kContext = "context";
-constexpr std::string_view kCustomData = "customData";
-constexpr std::string_view kData = "data";
-constexpr std::string_view kId = "id";
-constexpr std::string_view kName = "name";
-constexpr std::string_view kTimestamp = "timestamp";
+using json::field;
+using json::fields;
+using json::Tag;
 
-constexpr auto encode = [](const auto& record) { return toJson(record); };
-
-}  // namespace
-
-using json::Json;
-using json::JsonPath;
-using json::optionalField;
-using json::optionalString;
-using json::putOptional;
-
-StandardEvent decodeStandardEvent(const Json& value, const JsonPath& path) {
-  json::requireObject(value, path);
-  StandardEvent out;
-  out.context = optionalField(value, kContext, path, decodeContext);
-  out.id = optionalString(value, kId, path);
-  out.name = optionalString(value, kName, path);
-  out.timestamp = optionalString(value, kTimestamp, path);
-  out.data = optionalField(value, kData, path, decodeStandardEventData);
-  return out;
+constexpr auto jsonFields(Tag<StandardEvent> /*record*/) {
+  using R = StandardEvent;
+  return fields(field("context", &R::context), field("id", &R::id), field("name", &R::name),
+                field("timestamp", &R::timestamp), field("data", &R::data));
 }
 
-Json toJson(const StandardEvent& event) {
-  Json out = Json::object();
-  putOptional(out, kContext, event.context, encode);
-  putOptional(out, kId, event.id);
-  putOptional(out, kName, event.name);
-  putOptional(out, kTimestamp, event.timestamp);
-  putOptional(out, kData, event.data, encode);
-  return out;
+constexpr auto jsonFields(Tag<CustomEvent> /*record*/) {
+  using R = CustomEvent;
+  return fields(field("context", &R::context), field("customData", &R::customData),
+                field("id", &R::id), field("name", &R::name), field("timestamp", &R::timestamp));
 }
 
-CustomEvent decodeCustomEvent(const Json& value, const JsonPath& path) {
-  json::requireObject(value, path);
-  CustomEvent out;
-  out.context = optionalField(value, kContext, path, decodeContext);
-  out.customData = optionalString(value, kCustomData, path);
-  out.id = optionalString(value, kId, path);
-  out.name = optionalString(value, kName, path);
-  out.timestamp = optionalString(value, kTimestamp, path);
-  return out;
+// Carries nothing: any object reads as it, and it writes as {}.
+constexpr auto jsonFields(Tag<CustomData> /*record*/) {
+  return fields();
 }
 
-Json toJson(const CustomEvent& event) {
-  Json out = Json::object();
-  putOptional(out, kContext, event.context, encode);
-  putOptional(out, kCustomData, event.customData);
-  putOptional(out, kId, event.id);
-  putOptional(out, kName, event.name);
-  putOptional(out, kTimestamp, event.timestamp);
-  return out;
+StandardEvent decodeStandardEvent(const json::Json& value, const json::JsonPath& path) {
+  return json::decodeRecord<StandardEvent>(value, path);
 }
 
-CustomData decodeCustomData(const Json& value, const JsonPath& path) {
-  json::requireObject(value, path);
-  return CustomData{};
+json::Json toJson(const StandardEvent& event) {
+  return json::encodeRecord(event);
 }
 
-Json toJson(const CustomData& /*data*/) {
-  return Json::object();
+CustomEvent decodeCustomEvent(const json::Json& value, const json::JsonPath& path) {
+  return json::decodeRecord<CustomEvent>(value, path);
+}
+
+json::Json toJson(const CustomEvent& event) {
+  return json::encodeRecord(event);
+}
+
+CustomData decodeCustomData(const json::Json& value, const json::JsonPath& path) {
+  return json::decodeRecord<CustomData>(value, path);
+}
+
+json::Json toJson(const CustomData& data) {
+  return json::encodeRecord(data);
 }
 
 }  // namespace vemba::checkout

@@ -3,7 +3,7 @@
 // decoded (for event data: the whole StandardEventData).
 #pragma once
 
-#include "common/JsonDecoding.h"
+#include "common/JsonFields.h"
 #include "vemba/checkout/events/StandardEventData.h"
 
 namespace vemba::checkout {
@@ -11,13 +11,6 @@ namespace vemba::checkout {
 // Each throws json::DecodingFailure.
 StandardEventData decodeStandardEventData(const json::Json& value, const json::JsonPath& path);
 json::Json toJson(const StandardEventData& data);
-
-// Decodes event data that arrives as a free-form object (see FreeFormJson.h): `value` must be an
-// object readJsonObject accepts. The result, and whether it fails (though not the error's
-// wording), is that of decodeStandardEventData(toJson(readJsonObject(value, path)), path), without
-// building the free-form value or its JSON.
-StandardEventData decodeFreeFormStandardEventData(const json::Json& value,
-                                                  const json::JsonPath& path);
 
 // Records no other record refers to.
 CartLine decodeCartLine(const json::Json& value, const json::JsonPath& path);
@@ -27,3 +20,9 @@ PricingPercentageValue decodePricingPercentageValue(const json::Json& value,
 json::Json toJson(const PricingPercentageValue& value);
 
 }  // namespace vemba::checkout
+
+// A field that holds StandardEventData, in any record, is coded by the two functions above.
+template <>
+struct vemba::json::Codec<vemba::checkout::StandardEventData>
+    : FunctionCodec<checkout::StandardEventData, checkout::decodeStandardEventData,
+                    checkout::toJson> {};

@@ -10,91 +10,84 @@
 namespace vemba::checkout {
 namespace {
 
-constexpr std::string_view kContext = "context";
+using json::field;
+using json::fields;
+using json::Json;
+using json::JsonPath;
+
 constexpr std::string_view kCustomData = "customData";
 constexpr std::string_view kData = "data";
-constexpr std::string_view kEvent = "event";
-constexpr std::string_view kId = "id";
-constexpr std::string_view kName = "name";
-constexpr std::string_view kTimestamp = "timestamp";
-constexpr std::string_view kType = "type";
 
-// The standard-event data object read free-form, typed. Failures of the free-form read fail the
-// body; data the typed records cannot read is left out without failing.
-std::optional<StandardEventData> decodeStandardData(const json::Json& value,
-                                                    const json::JsonPath& path) {
-  checkFreeFormObject(value, path);
+// What every body has, read in this order before the fields that depend on its type.
+constexpr auto kBodyFields = fields(
+    field("id", &WebPixelsEventBody::id), field("name", &WebPixelsEventBody::name),
+    field("timestamp", &WebPixelsEventBody::timestamp), field("type", &WebPixelsEventBody::type),
+    field("context", &WebPixelsEventBody::context));
+
+// The standard-event data object, read free-form, written back and typed. Failures of the
+// free-form read fail the body; data the typed records cannot read is left out without failing.
+std::optional<StandardEventData> decodeStandardData(const Json& value, const JsonPath& path) {
+  const Json written = readFreeFormObject(value, path);
   try {
-    return decodeFreeFormStandardEventData(value, path);
+    return decodeStandardEventData(written, path);
   } catch (const json::DecodingFailure&) {
     return std::nullopt;
   }
 }
 
 // The custom-data object, with the free-form reading's types, as compact JSON text.
-std::string decodeCustomDataText(const json::Json& value, const json::JsonPath& path) {
-  const JsonObject customData = readJsonObject(value, path);
+std::string decodeCustomDataText(const Json& value, const JsonPath& path) {
+  const Json customData = readFreeFormObject(value, path);
   try {
-    return json::dumpCompact(toJson(customData));
-  } catch (const json::Json::exception& error) {
+    return json::dumpCompact(customData);
+  } catch (const Json::exception& error) {
     json::fail(json::DecodingError::Kind::dataCorrupted, path, error.what());
   }
 }
 
 }  // namespace
 
-using json::Json;
-using json::JsonPath;
-using json::put;
-using json::putOptional;
-using json::requireString;
+constexpr auto jsonFields(json::Tag<WebPixelsEvent> /*record*/) {
+  using BodyCodec =
+      json::FunctionCodec<WebPixelsEventBody, decodeWebPixelsEventBody, checkout::toJson>;
+  return fields(field("name", &WebPixelsEvent::name),
+                field<BodyCodec>("event", &WebPixelsEvent::event));
+}
 
 WebPixelsEventBody decodeWebPixelsEventBody(const Json& value, const JsonPath& path) {
   json::requireObject(value, path);
   WebPixelsEventBody out;
-  out.id = requireString(value, kId, path);
-  out.name = requireString(value, kName, path);
-  out.timestamp = requireString(value, kTimestamp, path);
-  out.type = requireString(value, kType, path);
-  out.context = json::requireField(value, kContext, path, decodeContext);
+  json::decodeFields(value, path, kBodyFields, out);
   if (out.type == kStandardEventType) {
     if (const Json* data = json::optionalKey(value, kData)) {
       out.data = decodeStandardData(*data, path / kData);
     }
   } else if (out.type == kCustomEventType) {
-    out.customData = json::requireField(value, kCustomData, path, decodeCustomDataText);
+    out.customData =
+        decodeCustomDataText(json::requireKey(value, kCustomData, path), path / kCustomData);
   }
   return out;
 }
 
 WebPixelsEvent decodeWebPixelsEvent(const Json& value, const JsonPath& path) {
-  json::requireObject(value, path);
-  WebPixelsEvent out;
-  out.name = requireString(value, kName, path);
-  out.event = json::requireField(value, kEvent, path, decodeWebPixelsEventBody);
-  return out;
+  return json::decodeRecord<WebPixelsEvent>(value, path);
 }
 
 Json toJson(const WebPixelsEventBody& body) {
   Json out = Json::object();
-  put(out, kId, body.id);
-  put(out, kName, body.name);
-  put(out, kTimestamp, body.timestamp);
-  put(out, kType, body.type);
+  json::encodeFields(body, kBodyFields, out);
   if (body.customData) {
     std::optional<Json> parsed = json::parseJson(*body.customData);
-    put(out, kCustomData, parsed ? std::move(*parsed) : Json(*body.customData));
+    out[std::string(kCustomData)] = parsed ? std::move(*parsed) : Json(*body.customData);
   }
-  putOptional(out, kData, body.data, [](const StandardEventData& data) { return toJson(data); });
-  put(out, kContext, toJson(body.context));
+  if (body.data) {
+    out[std::string(kData)] = toJson(*body.data);
+  }
   return out;
 }
 
 Json toJson(const WebPixelsEvent& event) {
-  Json out = Json::object();
-  put(out, kName, event.name);
-  put(out, kEvent, toJson(event.event));
-  return out;
+  return json::encodeRecord(event);
 }
 
 StandardEvent standardEventFrom(WebPixelsEventBody&& body) {

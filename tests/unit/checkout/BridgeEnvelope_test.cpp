@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "CheckoutTestSupport.h"
 #include "checkout/CheckoutBridge.h"
@@ -13,77 +12,6 @@ namespace vemba::checkout {
 namespace {
 
 using json::Json;
-
-// What readEnvelope must keep of the fully parsed document: the root's type and, for an object,
-// its "name" and "body" members with containers emptied.
-std::optional<Json> expectedEnvelope(std::string_view text) {
-  std::optional<Json> document = json::parseJson(text);
-  if (!document) {
-    return std::nullopt;
-  }
-  const auto emptied = [](const Json& value) {
-    return value.is_object() ? Json::object() : value.is_array() ? Json::array() : value;
-  };
-  if (!document->is_object()) {
-    return emptied(*document);
-  }
-  Json kept = Json::object();
-  for (const std::string_view key : {kEnvelopeNameKey, kEnvelopeBodyKey}) {
-    if (const auto it = document->find(key); it != document->end()) {
-      kept[std::string(key)] = emptied(*it);
-    }
-  }
-  return kept;
-}
-
-TEST(BridgeEnvelopeTest, KeepsWhatTheFullParseHoldsUnderNameAndBody) {
-  const std::vector<std::string> texts = {
-      R"({"name":"webPixels","body":"{\"a\":[1,{\"b\":null}]}"})",
-      R"({"body":"x","name":"completed","extra":{"name":"inner","body":[1,2]},"more":[{}]})",
-      R"({"name":{"a":1},"body":[1,[2]]})",
-      R"({"name":null,"body":true})",
-      R"({"name":-1,"body":18446744073709551615})",
-      R"({"name":2.5e3,"body":-0.0})",
-      // Repeated keys: the last one wins, whatever the types.
-      R"({"name":"first","name":"second","body":{"k":1},"body":"last"})",
-      R"({"body":"first","body":{"k":[1]}})",
-      R"({"x":{"name":"nested only"}})",
-      R"({})",
-      R"(["name","body"])",
-      R"([{"name":"in an array"}])",
-      R"("name")",
-      "42",
-      "-7.25",
-      "true",
-      "null",
-      " \t\n{\"name\" : \"spaced\" , \"body\" : \"\\u00e9\\ud83d\\ude00\\n\\\"\" }\r\n",
-      "\xEF\xBB\xBF{\"name\":\"after a byte-order mark\"}",
-      "{\"name\":\"caf\xC3\xA9\",\"body\":\"\xF0\x9F\x98\x80\"}",
-      // Not JSON, including faults only in members that are dropped.
-      "",
-      "{",
-      R"({"name":"a",})",
-      R"({"name":"a"} trailing)",
-      R"({"name":"a"}{"name":"b"})",
-      R"(/* comment */ {"name":"a"})",
-      "{\"ignored\":\"\xFF\",\"name\":\"a\"}",
-      "{\"name\":\"a\",\"body\":\"\xC3\"}",
-      R"({"ignored":"\ud800","name":"a"})",
-      R"({"ignored":1e999,"name":"a"})",
-      R"({"ignored":[1,2,{"k":}],"name":"a"})",
-      R"({"name":NaN})",
-      "{\"name\":\"raw\ncontrol\"}",
-  };
-  for (const std::string& text : texts) {
-    const std::optional<Json> read = readEnvelope(text);
-    const std::optional<Json> expected = expectedEnvelope(text);
-    ASSERT_EQ(read.has_value(), expected.has_value()) << text;
-    if (read) {
-      EXPECT_EQ(read->type(), expected->type()) << text;
-      EXPECT_EQ(*read, *expected) << text;
-    }
-  }
-}
 
 TEST(BridgeEnvelopeTest, DeepNestingOutsideTheKeptMembersIsOnlyValidated) {
   const std::string deep(100000, '[');

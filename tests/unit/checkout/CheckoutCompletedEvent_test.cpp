@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <map>
+#include <optional>
 #include <string>
 
 #include "CheckoutTestSupport.h"
@@ -59,35 +61,27 @@ TEST_F(CompletedEventDecoderTest, DecodesAFullSummaryWithoutLogging) {
   const CheckoutCompletedEvent event = decode(envelope(kFullSummary));
   const auto& order = event.orderDetails;
   EXPECT_EQ(order.id, "urn:ekn:OrderIdentity/9912");
-  EXPECT_EQ(order.billingAddress->zoneCode, "ON");
   ASSERT_EQ(order.cart.lines.size(), 1U);
-  const auto& line = order.cart.lines[0];
-  EXPECT_EQ(line.quantity, 2);
-  EXPECT_EQ(line.price.amount, 24.5);
-  EXPECT_EQ(line.image->altText, "Grey socks");
-  EXPECT_EQ(line.discounts->at(0).amount->amount, 2.0);
-  EXPECT_EQ(order.cart.price.total->amount, 52.37);
+  EXPECT_EQ(order.cart.lines[0].quantity, 2);
+  EXPECT_EQ(order.cart.lines[0].discounts->at(0).amount->amount, 2.0);
   EXPECT_EQ(order.deliveries->at(0).details.location->city, "Ottawa");
+  // A payment detail sent as null keeps its key, with no value.
+  const auto& details = order.paymentMethods->at(0).details;
+  EXPECT_EQ(details, (std::map<std::string, std::optional<std::string>>{{"brand", "NORTHCARD"},
+                                                                        {"last4", std::nullopt}}));
   EXPECT_TRUE(logLines().empty());
-}
-
-TEST_F(CompletedEventDecoderTest, PaymentDetailsKeepKeysWhoseValueIsNull) {
-  const CheckoutCompletedEvent event = decode(envelope(kFullSummary));
-  const auto& method = event.orderDetails.paymentMethods->at(0);
-  ASSERT_EQ(method.details.size(), 2U);
-  EXPECT_EQ(method.details.at("brand"), "NORTHCARD");
-  ASSERT_EQ(method.details.count("last4"), 1U);
-  EXPECT_FALSE(method.details.at("last4").has_value());
 }
 
 TEST_F(CompletedEventDecoderTest, FailureLogsOnceAndYieldsTheEmptyEvent) {
   struct Case {
     const char* name;
     Json message;
-    const char* descriptionPart;  // expected inside the logged description
+    const char* descriptionPart;  // expected inside the logged line
   };
   const Case cases[] = {
-      {"no orderDetails", envelope("{}"), "orderDetails"},
+      {"no orderDetails", envelope("{}"),
+       "event - Key not found at \"orderDetails\": No value associated with key "
+       "\"orderDetails\"."},
       {"not JSON", envelope("{\"orderDetails\":"), "not valid JSON"},
       {"empty body", envelope(""), "not valid JSON"},
       {"body missing", Json{{"name", "completed"}}, "body"},
@@ -106,14 +100,6 @@ TEST_F(CompletedEventDecoderTest, FailureLogsOnceAndYieldsTheEmptyEvent) {
         << text;
     EXPECT_NE(text.find(c.descriptionPart), std::string::npos) << c.name << ": " << text;
   }
-}
-
-TEST_F(CompletedEventDecoderTest, ExactLogLineNamesThePath) {
-  decode(envelope("{}"));
-  EXPECT_EQ(logLines(), std::vector<std::string>{
-                            "error|[VembaCheckoutKit] (Error) - Error decoding \"completed\" "
-                            "event - Key not found at \"orderDetails\": No value "
-                            "associated with key \"orderDetails\"."});
 }
 
 // Each edit applied to the full summary must discard the whole summary (or must not).
@@ -180,23 +166,13 @@ TEST(CheckoutCompletedEventTest, EmptyEventEncodesFourEmptyPrices) {
   EXPECT_EQ(createEmptyCheckoutCompletedEvent("order-1").orderDetails.id, "order-1");
 }
 
-TEST(CheckoutCompletedEventTest, EncodingRoundTripsAndLeavesAbsentOptionalsOut) {
-  const auto decoded =
-      json::decodeText(Json::parse(kFullSummary).dump(), decodeCheckoutCompletedEvent);
+// Every key read is written back (a null payment detail as null); unknown keys are not.
+TEST(CheckoutCompletedEventTest, EncodingWritesBackEveryKeyRead) {
+  const auto decoded = json::decodeText(kFullSummary, decodeCheckoutCompletedEvent);
   ASSERT_TRUE(decoded);
-  const Json encoded = toJson(*decoded);
-  // A null payment detail is part of the details, so it is written as null.
-  EXPECT_TRUE(encoded["orderDetails"]["paymentMethods"][0]["details"]["last4"].is_null());
-  EXPECT_FALSE(encoded.contains("unknownTopLevel"));
-  const auto again = json::decodeText(encoded.dump(), decodeCheckoutCompletedEvent);
-  ASSERT_TRUE(again);
-  EXPECT_EQ(*again, *decoded);
-
-  CheckoutCompletedEvent sparse = createEmptyCheckoutCompletedEvent("x");
-  sparse.orderDetails.cart.price = {};
-  sparse.orderDetails.cart.lines.push_back({});
-  const Json line = toJson(sparse)["orderDetails"]["cart"]["lines"][0];
-  EXPECT_EQ(line.dump(), R"({"price":{},"quantity":0,"title":""})");
+  Json expected = Json::parse(kFullSummary);
+  expected.erase("unknownTopLevel");
+  EXPECT_EQ(toJson(*decoded), expected);
 }
 
 }  // namespace
