@@ -39,6 +39,18 @@ class CheckoutBridgeProtocol {
                            std::optional<std::string_view> messageBody) const = 0;
 };
 
+// The payload shared by the three cases of an "error" message (CheckoutBridge::WebEvent's
+// CheckoutExpired, CheckoutUnavailable and ConfigurationError); the kind keeps them distinct
+// types. At namespace scope because clang 14 fails to compile a member class template with
+// default member initialisers used this way.
+enum class WebEventErrorKind { expired, unavailable, configuration };
+template <WebEventErrorKind kind>
+struct WebEventErrorPayload {
+  std::optional<std::string> message;
+  CheckoutErrorCode code = CheckoutErrorCode::unknown;
+  friend bool operator==(const WebEventErrorPayload&, const WebEventErrorPayload&) = default;
+};
+
 class CheckoutBridge {
  public:
   CheckoutBridge() = delete;
@@ -52,17 +64,9 @@ class CheckoutBridge {
   // One decoded page message. Case order: checkoutExpired, checkoutUnavailable,
   // configurationError, checkoutComplete, checkoutModalToggled, webPixels, unsupported.
   struct WebEvent {
-    // The three cases of an "error" message share one shape; the kind tells them apart.
-    enum class ErrorKind { expired, unavailable, configuration };
-    template <ErrorKind kind>
-    struct ErrorPayload {
-      std::optional<std::string> message;
-      CheckoutErrorCode code = CheckoutErrorCode::unknown;
-      friend bool operator==(const ErrorPayload&, const ErrorPayload&) = default;
-    };
-    using CheckoutExpired = ErrorPayload<ErrorKind::expired>;
-    using CheckoutUnavailable = ErrorPayload<ErrorKind::unavailable>;
-    using ConfigurationError = ErrorPayload<ErrorKind::configuration>;
+    using CheckoutExpired = WebEventErrorPayload<WebEventErrorKind::expired>;
+    using CheckoutUnavailable = WebEventErrorPayload<WebEventErrorKind::unavailable>;
+    using ConfigurationError = WebEventErrorPayload<WebEventErrorKind::configuration>;
     struct CheckoutComplete {
       CheckoutCompletedEvent event;
       friend bool operator==(const CheckoutComplete&, const CheckoutComplete&) = default;
