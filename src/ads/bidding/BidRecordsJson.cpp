@@ -72,48 +72,16 @@ constexpr auto jsonFields(json::Tag<BidResponse> /*record*/) {
                 field("seatbid", &BidResponse::seatbid));
 }
 
-Json encode(const Impression& value) {
-  return json::encodeRecord(value);
-}
-Json encode(const AppInfo& value) {
-  return json::encodeRecord(value);
-}
-Json encode(const DeviceInfo& value) {
-  return json::encodeRecord(value);
-}
 Json encode(const BidRequest& value) {
   return json::encodeRecord(value);
 }
-Json encode(const Bid& value) {
-  return json::encodeRecord(value);
-}
-Json encode(const SeatBid& value) {
-  return json::encodeRecord(value);
-}
+
 Json encode(const BidResponse& value) {
   return json::encodeRecord(value);
 }
 
 Impression decodeImpression(const Json& value, const JsonPath& path) {
   return json::decodeRecord<Impression>(value, path);
-}
-AppInfo decodeAppInfo(const Json& value, const JsonPath& path) {
-  return json::decodeRecord<AppInfo>(value, path);
-}
-DeviceInfo decodeDeviceInfo(const Json& value, const JsonPath& path) {
-  return json::decodeRecord<DeviceInfo>(value, path);
-}
-BidRequest decodeBidRequest(const Json& value, const JsonPath& path) {
-  return json::decodeRecord<BidRequest>(value, path);
-}
-Bid decodeBid(const Json& value, const JsonPath& path) {
-  return json::decodeRecord<Bid>(value, path);
-}
-SeatBid decodeSeatBid(const Json& value, const JsonPath& path) {
-  return json::decodeRecord<SeatBid>(value, path);
-}
-BidResponse decodeBidResponse(const Json& value, const JsonPath& path) {
-  return json::decodeRecord<BidResponse>(value, path);
 }
 
 Expected<std::string, EncodingFailure> encodeBidRequestText(const BidRequest& request) {
@@ -127,11 +95,11 @@ Expected<std::string, EncodingFailure> encodeBidRequestText(const BidRequest& re
 }
 
 Expected<BidResponse, json::DecodingError> decodeBidResponseText(std::string_view text) {
-  return json::decodeText(text, decodeBidResponse);
+  return json::decodeText(text, json::decodeRecord<BidResponse>);
 }
 
 Expected<BidRequest, json::DecodingError> decodeBidRequestText(std::string_view text) {
-  return json::decodeText(text, decodeBidRequest);
+  return json::decodeText(text, json::decodeRecord<BidRequest>);
 }
 
 }  // namespace vemba::ads

@@ -18,21 +18,11 @@ struct EncodingFailure {
   std::string reason;
 };
 
-json::Json encode(const Impression& value);
-json::Json encode(const AppInfo& value);
-json::Json encode(const DeviceInfo& value);
+// Single records as JSON values, each described once by a field table in BidRecordsJson.cpp.
+// encode() throws EncodingFailure; decodeImpression() throws json::DecodingFailure.
 json::Json encode(const BidRequest& value);
-json::Json encode(const Bid& value);
-json::Json encode(const SeatBid& value);
 json::Json encode(const BidResponse& value);
-
 Impression decodeImpression(const json::Json& value, const json::JsonPath& path);
-AppInfo decodeAppInfo(const json::Json& value, const json::JsonPath& path);
-DeviceInfo decodeDeviceInfo(const json::Json& value, const json::JsonPath& path);
-BidRequest decodeBidRequest(const json::Json& value, const json::JsonPath& path);
-Bid decodeBid(const json::Json& value, const json::JsonPath& path);
-SeatBid decodeSeatBid(const json::Json& value, const json::JsonPath& path);
-BidResponse decodeBidResponse(const json::Json& value, const json::JsonPath& path);
 
 // The request body as sent: compact JSON text. Fails with the reason when it cannot be encoded.
 Expected<std::string, EncodingFailure> encodeBidRequestText(const BidRequest& request);
