@@ -267,15 +267,17 @@ void CheckoutWebView::didFinishNavigation(platform::WebView& /*webView*/) {
     delegate->checkoutViewDidFinishNavigation();
   }
   if (timer_) {
-    const double elapsed =
-        std::chrono::duration<double>(platform::services().clock->wallNow() - *timer_).count();
+    const std::chrono::system_clock::duration delta =
+        platform::services().clock->wallNow() - *timer_;
+    const double elapsed = std::chrono::duration<double>(delta).count();
     char seconds[64];
     std::snprintf(seconds, sizeof seconds, "%.2f", elapsed);
     configuration().logger->log(joined({kLoadedIn, seconds, "s"}));
     if (isBridgeAttached_) {
       InstrumentationPayload payload;
       payload.name = std::string(kFinishedLoading);
-      payload.value = static_cast<std::int64_t>(elapsed * 1000.0);
+      // Milliseconds, truncated: taken from the exact duration, not from the rounded seconds.
+      payload.value = std::chrono::duration_cast<std::chrono::milliseconds>(delta).count();
       payload.type = InstrumentationType::histogram;
       payload.tags.emplace(kPreloadingTag, boolText(isPreloadRequest_));
       OSLogger::shared().debug(joined({kEmittingInstrumentation, printed(payload)}));
