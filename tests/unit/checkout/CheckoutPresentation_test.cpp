@@ -62,21 +62,11 @@ TEST_F(CheckoutPresentationTest, PresentShowsTheCheckoutPageInASheet) {
   EXPECT_EQ(root->navigationContainer(), sheet->screen().get());
   auto& rootView = dynamic_cast<fake::FakeView&>(root->view());
   EXPECT_EQ(rootView.backgroundColor, kBackground);
-  // The web view below, the progress line in front, both pinned to the safe-area top.
+  // The web view below, the progress line in front.
   const auto subviews = rootView.subviews();
   ASSERT_EQ(subviews.size(), 2U);
   EXPECT_EQ(subviews[0], controller.checkoutView()->webViewPtr());
   EXPECT_EQ(subviews[1], controller.progressBar().viewPtr());
-  using Edge = platform::LayoutAnchor::Attribute;
-  bool webViewTopPinned = false;
-  for (const auto& activation : platform.ui.activations) {
-    for (const auto& constraint : activation) {
-      webViewTopPinned |=
-          constraint.first == controller.checkoutView()->webView().anchor(Edge::top) &&
-          constraint.second == rootView.safeAreaAnchor(Edge::top);
-    }
-  }
-  EXPECT_TRUE(webViewTopPinned);
 
   fake::FakeWebView& webView = pageView(sheet);
   ASSERT_EQ(webView.loads.size(), 1U);
@@ -102,6 +92,13 @@ TEST_F(CheckoutPresentationTest, APreloadedPageIsReusedAndToldAtOnceThatItIsPres
   EXPECT_EQ(pageView(sheet).loads.size(), 1U);  // not loaded again
   EXPECT_FALSE(barShown(sheet));
   EXPECT_EQ(presentedCount(pageView(sheet)), 1U);
+
+  // The same URL entered another way is a page of its own.
+  const auto accelerated = present(checkout, platform.ui.createScreen(),
+                                   MetaData::EntryPoint::acceleratedCheckouts, delegate);
+  EXPECT_NE(page(accelerated).checkoutView(), preloaded);
+  EXPECT_EQ(page(accelerated).checkoutView()->entryPoint(),
+            MetaData::EntryPoint::acceleratedCheckouts);
 
   // A preload that is still loading shows the line.
   sheet->dismiss(false);

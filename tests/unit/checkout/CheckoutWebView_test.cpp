@@ -94,10 +94,6 @@ TEST_F(CheckoutWebViewTest, StandardAndRecoveryViewsAreBuiltDifferently) {
   EXPECT_TRUE(hasBridge(*standard));
   EXPECT_TRUE(standard->isBridgeAttached());
   EXPECT_EQ(s.liveUrlObservers(), 0U);
-  EXPECT_TRUE(s.hasNavigationDelegate());
-  EXPECT_FALSE(s.opaque);
-  EXPECT_FALSE(s.translatesAutoresizingMaskIntoConstraints);
-  EXPECT_TRUE(s.contentInsetAdjustmentNever);
   EXPECT_EQ(s.backgroundColor, kBackground);
   EXPECT_EQ(s.underPageBackgroundColor, kBackground);
 

@@ -12,7 +12,6 @@ namespace vemba::checkout {
 namespace {
 
 using std::chrono::milliseconds;
-using Edge = platform::LayoutAnchor::Attribute;
 using Call = fake::FakeProgressBar::ProgressCall;
 
 class ProgressBarTest : public testing::CheckoutScreenTest {
@@ -60,22 +59,13 @@ TEST_F(ProgressBarTest, CompletionFadesOutAfterATenthOverTwoTenthsThenResetsHidd
   EXPECT_EQ(line.progress(), 0.1F);
 }
 
-TEST_F(ProgressBarTest, TintIsTakenOnceAndTheLineIsPinnedToTheSuperviewsSafeArea) {
+TEST_F(ProgressBarTest, TheTintIsTakenOnceWhenTheBarIsMade) {
   constexpr Color kFirst = Color::rgba(1, 0, 0, 1);
   configure([&](Configuration& c) { c.tintColor = kFirst; });
   auto tinted = ProgressBarView::create(platform.ui);
   configure([](Configuration& c) { c.tintColor = Color::rgba(0, 1, 0, 1); });
   auto& tintedLine = dynamic_cast<fake::FakeProgressBar&>(tinted->progressBar());
   EXPECT_EQ(tintedLine.tintColor, kFirst);
-
-  auto superview = platform.ui.createView();
-  tinted->moveToSuperview(*superview);
-  EXPECT_EQ(tinted->view().superview(), superview.get());
-  const auto& pinned = platform.ui.activations.back();
-  EXPECT_EQ(pinned,
-            (std::vector<platform::LayoutConstraint>{
-                {tintedLine.anchor(Edge::leading), superview->safeAreaAnchor(Edge::leading)},
-                {tintedLine.anchor(Edge::trailing), superview->safeAreaAnchor(Edge::trailing)}}));
 }
 
 class ConfettiTest : public testing::CheckoutScreenTest {
