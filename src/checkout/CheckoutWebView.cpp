@@ -101,13 +101,13 @@ void CheckoutWebView::build(platform::Ui& ui) {
   webConfiguration.userContentController = ui.createUserContentController();
   webConfiguration.allowsInlineMediaPlayback = true;
   webConfiguration.nonPersistentDataStore = isRecovery_;
-  const std::optional<MetaData::Platform> platform =
+  const std::optional<MetaData::Platform> announcedPlatform =
       config.platform == Platform::reactNative
           ? std::optional<MetaData::Platform>(MetaData::Platform::reactNative)
           : std::nullopt;
   webConfiguration.applicationNameForUserAgent = UserAgent::string(
       isRecovery_ ? UserAgent::CheckoutType::recovery : UserAgent::CheckoutType::standard,
-      config.colorScheme, platform, entryPoint_);
+      config.colorScheme, announcedPlatform, entryPoint_);
 
   webView_ = ui.createWebView(platform::Rect{}, webConfiguration);
   webView_->setNavigationDelegate(weak_from_this());
