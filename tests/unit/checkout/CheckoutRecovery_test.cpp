@@ -121,6 +121,21 @@ TEST_F(CheckoutRecoveryTest, TheRecoveryViewIsTheLastChance) {
   EXPECT_TRUE(sheetGoneAfterTransition());
 }
 
+TEST_F(CheckoutRecoveryTest, AnErrorFromThePageDropsAndDisconnectsTheCachedPage) {
+  const Url checkout = url("https://shop.example/checkouts/c1");
+  const auto sheet = present(checkout, hostScreen(), delegate);
+  drain();
+  const auto shown = page(sheet).checkoutView();
+  ASSERT_EQ(CheckoutWebView::forCheckout(checkout, false, std::nullopt), shown);
+  fakeOf(*shown).postMessage(
+      "mobileCheckoutSdk",
+      testing::envelope("error", R"([{"group":"expired","code":"cart_expired"}])"));
+  EXPECT_EQ(delegate->calls, (std::vector<std::string>{"fail:3", "shouldRecover"}));
+  EXPECT_FALSE(hasBridge(*shown));
+  EXPECT_NE(CheckoutWebView::forCheckout(checkout, false, std::nullopt), shown);
+  EXPECT_TRUE(sheetGoneAfterTransition());
+}
+
 TEST_F(CheckoutRecoveryTest, TheRecoveryViewCompletesOnTheConfirmationPage) {
   const auto sheet = present(url("https://shop.example/checkouts/c1"), hostScreen(), delegate);
   drain();
