@@ -55,6 +55,10 @@ FakePlatform::FakePlatform() {
   services_.advertisingId = &device;
   services_.uuids = &uuids;
   services_.log = &log;
+  services_.ui = [this]() -> platform::Ui* { return displayAvailable ? &ui : nullptr; };
+  services_.application = [this]() -> platform::Application* {
+    return displayAvailable ? &application : nullptr;
+  };
 }
 
 }  // namespace vemba::fake

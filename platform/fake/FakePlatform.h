@@ -7,8 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "FakeApplication.h"
 #include "FakeHttpClient.h"
 #include "FakeMainQueue.h"
+#include "FakeUi.h"
 #include "platform/DeviceInfo.h"
 #include "platform/LogSink.h"
 #include "platform/Services.h"
@@ -64,6 +66,8 @@ class RecordingLogSink final : public platform::LogSink {
 class FakePlatform {
  public:
   FakePlatform();
+  FakePlatform(const FakePlatform&) = delete;
+  FakePlatform& operator=(const FakePlatform&) = delete;
   const platform::Services& services() const { return services_; }
 
   FakeMainQueue mainQueue;
@@ -71,6 +75,10 @@ class FakePlatform {
   FakeDevice device;
   SequentialUuids uuids;
   RecordingLogSink log;
+  FakeUi ui{mainQueue};
+  FakeApplication application;
+  // False plays a process without a display: platform::ui() and application() are then null.
+  bool displayAvailable = true;
 
  private:
   platform::Services services_;

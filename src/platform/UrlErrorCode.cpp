@@ -1,5 +1,8 @@
 #include "platform/UrlErrorCode.h"
 
+#include "platform/WebView.h"
+#include "vemba/Url.h"
+
 namespace vemba::platform {
 
 std::string urlErrorDescription(int code, std::string_view host) {
@@ -58,6 +61,28 @@ std::string urlErrorDescription(int code, std::string_view host) {
     default:
       return "An unknown error occurred.";
   }
+}
+
+namespace {
+constexpr std::string_view kFrameLoadInterrupted = "Frame load interrupted";
+}  // namespace
+
+std::string describe(std::string_view domain, int code,
+                     const std::optional<std::string>& failingUrl) {
+  if (domain == kUrlErrorDomain) {
+    std::string host;
+    if (failingUrl) {
+      if (const std::optional<Url> url = Url::parse(*failingUrl)) {
+        host = url->host();
+      }
+    }
+    return urlErrorDescription(code, host);
+  }
+  if (domain == kWebKitErrorDomain && code == WebKitErrorCode::frameLoadInterrupted) {
+    return std::string(kFrameLoadInterrupted);
+  }
+  return "The operation couldn't be completed. (" + std::string(domain) + " error " +
+         std::to_string(code) + ".)";
 }
 
 }  // namespace vemba::platform

@@ -2,6 +2,7 @@
 // Backends map their own failures onto these codes; the core only ever sees these.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -37,5 +38,12 @@ inline constexpr std::string_view kUrlErrorDomain = "URLError";
 // The standard localised (English) description of a URL-loading code; `host` fills the
 // certificate texts that name the server.
 std::string urlErrorDescription(int code, std::string_view host);
+
+// The readable description of a failure identified by `domain` and `code` (a navigation error,
+// for instance), the one text used both for log lines and for errors handed on: URL-loading codes
+// as urlErrorDescription() (the host taken from `failingUrl`), the web engine's "Frame load
+// interrupted" (102), and for anything else the platform's generic text naming domain and code.
+std::string describe(std::string_view domain, int code,
+                     const std::optional<std::string>& failingUrl);
 
 }  // namespace vemba::platform

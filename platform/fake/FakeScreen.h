@@ -1,0 +1,103 @@
+// A recording screen of the fake user interface: plain, navigation container or tab container.
+// It keeps the contract of platform::Screen: the root view is made on first access (running the
+// delegate's viewDidLoad), a screen presents at most one child, the presenter holds the child
+// and its delegate until the dismissal has completed, animated transitions end after
+// kTransitionDuration of virtual time and every completion runs on a later turn of the main
+// queue. A test plays the user with pressRightBarButtonItem() and userDismiss().
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Screen.h"
+
+namespace vemba::fake {
+
+class FakeUi;
+
+// How long an animated presentation or dismissal takes in virtual time.
+inline constexpr std::chrono::milliseconds kTransitionDuration{300};
+
+class FakeScreen final : public platform::Screen, public std::enable_shared_from_this<FakeScreen> {
+ public:
+  struct BarHiddenCall {
+    bool hidden = false;
+    bool animated = false;
+    friend bool operator==(const BarHiddenCall&, const BarHiddenCall&) = default;
+  };
+
+  // `children`: the root of a navigation container, or the tabs of a tab container.
+  FakeScreen(FakeUi& ui, Kind kind, std::vector<std::shared_ptr<FakeScreen>> children);
+  ~FakeScreen() override;
+
+  Kind kind() const override { return kind_; }
+  platform::View& view() override;
+  bool isViewLoaded() const override { return view_ != nullptr; }
+  void setDelegate(std::weak_ptr<platform::ScreenDelegate> delegate) override {
+    delegate_ = std::move(delegate);
+  }
+  void setPresentationDelegate(std::weak_ptr<platform::PresentationDelegate> delegate) override {
+    presentationDelegate_ = std::move(delegate);
+  }
+  void setTitle(std::string title) override { title_ = std::move(title); }
+  std::string title() const override { return title_; }
+  void setRightBarButtonItem(std::optional<platform::BarButtonItem> item) override {
+    rightBarButtonItem = std::move(item);
+  }
+  void setModalPresentationStyle(platform::ModalPresentationStyle style) override {
+    modalPresentationStyle = style;
+  }
+  void presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
+                     std::function<void()> completion) override;
+  void dismiss(bool animated, std::function<void()> completion) override;
+  std::shared_ptr<platform::Screen> presentedScreen() const override { return presented_; }
+  platform::Screen* presentingScreen() const override { return presenting_; }
+  std::shared_ptr<platform::Screen> visibleScreen() const override;
+  std::shared_ptr<platform::Screen> selectedScreen() const override;
+  platform::Screen* navigationContainer() const override { return container_; }
+  void setNavigationBarHidden(bool hidden, bool animated) override;
+  bool isNavigationBarHidden() const override { return barHidden_; }
+
+  // The user presses the right bar button item: runs its action. False when there is none.
+  bool pressRightBarButtonItem();
+  // The user dismisses this presented screen with the platform's gesture: it goes at once and
+  // its presentation delegate is told. False (and nothing happens) when the screen is not
+  // presented or is presented full screen.
+  bool userDismiss();
+  // Tab containers: selects another tab.
+  void selectTab(std::size_t index) { selected_ = index; }
+
+  std::optional<platform::BarButtonItem> rightBarButtonItem;
+  platform::ModalPresentationStyle modalPresentationStyle =
+      platform::ModalPresentationStyle::automatic;
+  std::vector<BarHiddenCall> barHiddenCalls;
+  int viewWillAppearCount = 0;
+
+ private:
+  void appear();
+  void later(bool animated, std::function<void()> work);
+  // Ends the presentation of `presented_` (and of everything above it), then runs `completions`.
+  void endPresentation();
+
+  FakeUi* ui_;
+  Kind kind_;
+  std::vector<std::shared_ptr<FakeScreen>> children_;
+  std::size_t selected_ = 0;
+  std::shared_ptr<platform::View> view_;
+  std::weak_ptr<platform::ScreenDelegate> delegate_;
+  std::weak_ptr<platform::PresentationDelegate> presentationDelegate_;
+  std::string title_;
+  bool barHidden_ = false;
+  FakeScreen* container_ = nullptr;  // the navigation container this is the root of
+  FakeScreen* presenting_ = nullptr;
+  std::shared_ptr<FakeScreen> presented_;
+  std::shared_ptr<platform::ScreenDelegate> presentedDelegate_;  // held while presented
+  bool dismissing_ = false;  // a dismissal of presented_ is under way
+  std::vector<std::function<void()>> dismissCompletions_;
+};
+
+}  // namespace vemba::fake

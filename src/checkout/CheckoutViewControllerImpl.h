@@ -1,0 +1,54 @@
+// The navigation container that the entry points present: its root is the
+// CheckoutWebViewController, which it owns, tells at once that the sheet is presented, and makes
+// the delegate of the container's presentation (so the user's dismissal gesture reaches it).
+//
+// Owns its navigation platform::Screen and is that screen's ScreenDelegate, so a presentation
+// keeps it (and through it the root controller) alive. Owner: the host and the presentation,
+// through std::shared_ptr. Main thread only.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "platform/Screen.h"
+#include "vemba/Url.h"
+#include "vemba/checkout/CheckoutDelegate.h"
+#include "vemba/checkout/CheckoutViewController.h"
+#include "vemba/checkout/MetaData.h"
+
+namespace vemba::platform {
+class Ui;
+}
+
+namespace vemba::checkout {
+
+class CheckoutWebViewController;
+
+class CheckoutViewControllerImpl final
+    : public CheckoutViewController,
+      public platform::ScreenDelegate,
+      public std::enable_shared_from_this<CheckoutViewControllerImpl> {
+ public:
+  // Null when no checkout web view can be made.
+  static std::shared_ptr<CheckoutViewControllerImpl> create(
+      platform::Ui& ui, const Url& checkout, std::weak_ptr<CheckoutDelegate> delegate,
+      std::optional<MetaData::EntryPoint> entryPoint = std::nullopt);
+
+  std::shared_ptr<platform::Screen> screen() const override { return screen_; }
+  void dismiss(bool animated, std::function<void()> completion) override;
+
+  // The controllers of the container's screens, root first.
+  std::vector<std::shared_ptr<platform::ScreenDelegate>> childControllers() const;
+  // Keeps `object` alive as long as this controller (the sheet's delegate wrapper).
+  void retain(std::shared_ptr<void> object) { retained_.push_back(std::move(object)); }
+
+ private:
+  CheckoutViewControllerImpl() = default;
+
+  std::shared_ptr<CheckoutWebViewController> root_;
+  std::shared_ptr<platform::Screen> screen_;
+  std::vector<std::shared_ptr<void>> retained_;
+};
+
+}  // namespace vemba::checkout

@@ -1,0 +1,263 @@
+#include "checkout/CheckoutWebViewController.h"
+
+#include <charconv>
+#include <string>
+
+#include "checkout/CheckoutURL.h"
+#include "checkout/CheckoutWebView.h"
+#include "checkout/ProgressBarView.h"
+#include "platform/DeviceInfo.h"
+#include "platform/Services.h"
+#include "platform/Ui.h"
+#include "vemba/checkout/Configuration.h"
+
+namespace vemba::checkout {
+namespace {
+
+using Edge = platform::LayoutAnchor::Attribute;
+
+// The major number of the platform's system version ("17.4.1" is 17); 0 when unknown.
+int systemMajorVersion() {
+  const platform::DeviceInfo* device = platform::services().device;
+  if (device == nullptr) {
+    return 0;
+  }
+  const std::string version = device->systemVersion();
+  int major = 0;
+  std::from_chars(version.data(), version.data() + version.size(), major);
+  return major;
+}
+
+}  // namespace
+
+CheckoutWebViewController::CheckoutWebViewController(platform::Ui& ui, const Url& checkoutURL,
+                                                     std::weak_ptr<CheckoutDelegate> delegate,
+                                                     std::optional<MetaData::EntryPoint> entryPoint)
+    : ui_(&ui),
+      delegate_(std::move(delegate)),
+      checkoutURL_(checkoutURL),
+      entryPoint_(entryPoint) {}
+
+std::shared_ptr<CheckoutWebViewController> CheckoutWebViewController::create(
+    platform::Ui& ui, const Url& checkoutURL, std::weak_ptr<CheckoutDelegate> delegate,
+    std::optional<MetaData::EntryPoint> entryPoint) {
+  std::shared_ptr<CheckoutWebViewController> controller(
+      new CheckoutWebViewController(ui, checkoutURL, std::move(delegate), entryPoint));
+  controller->checkoutView_ =
+      CheckoutWebView::forCheckout(checkoutURL, /*recovery=*/false, entryPoint);
+  if (!controller->checkoutView_) {
+    return nullptr;
+  }
+  controller->adoptCheckoutView();
+  controller->screen_ = ui.createScreen();
+  controller->screen_->setDelegate(controller);
+  controller->screen_->setTitle(configuration().title);
+  controller->screen_->setRightBarButtonItem(controller->closeBarButtonItem());
+  return controller;
+}
+
+CheckoutWebViewController::~CheckoutWebViewController() {
+  if (progressObserver_) {
+    progressObserver_->invalidate();
+  }
+}
+
+ProgressBarView& CheckoutWebViewController::progressBar() {
+  if (!progressBar_) {
+    progressBar_ = ProgressBarView::create(*ui_);
+  }
+  return *progressBar_;
+}
+
+const platform::BarButtonItem& CheckoutWebViewController::closeBarButtonItem() {
+  if (!closeBarButtonItem_) {
+    platform::BarButtonItem item;
+    item.action = [weakSelf = weak_from_this()] {
+      if (const auto self = weakSelf.lock()) {
+        self->close();
+      }
+    };
+    if (const std::optional<Color> tint = configuration().closeButtonTintColor) {
+      item.kind = platform::BarButtonItem::Kind::image;
+      item.systemImageName =
+          systemMajorVersion() >= kPlainCloseImageSystemVersion ? kCloseImage : kCloseImageBefore26;
+      item.tintColor = tint;
+    } else {
+      item.kind = platform::BarButtonItem::Kind::systemClose;
+    }
+    closeBarButtonItem_ = std::move(item);
+  }
+  return *closeBarButtonItem_;
+}
+
+void CheckoutWebViewController::adoptCheckoutView() {
+  platform::WebView& webView = checkoutView_->webView();
+  webView.setTranslatesAutoresizingMaskIntoConstraints(false);
+  webView.setContentInsetAdjustmentNever();
+  checkoutView_->setViewDelegate(weak_from_this());
+}
+
+void CheckoutWebViewController::notifyPresented() {
+  checkoutView_->setCheckoutDidPresent(true);
+}
+
+void CheckoutWebViewController::viewDidLoad() {
+  layOutCheckoutViewAndProgressBar();
+  screen_->view().bringSubviewToFront(progressBar().view());
+  observeProgress();
+  loadCheckout();
+}
+
+void CheckoutWebViewController::viewWillAppear() {
+  screen_->view().setBackgroundColor(configuration().backgroundColor);
+}
+
+void CheckoutWebViewController::layOutCheckoutViewAndProgressBar() {
+  platform::View& view = screen_->view();
+  platform::WebView& webView = checkoutView_->webView();
+  view.addSubview(checkoutView_->webViewPtr());
+  ui_->activate({
+      {webView.anchor(Edge::top), view.safeAreaAnchor(Edge::top), 0.0},
+      {webView.anchor(Edge::leading), view.anchor(Edge::leading), 0.0},
+      {webView.anchor(Edge::trailing), view.anchor(Edge::trailing), 0.0},
+      {webView.anchor(Edge::bottom), view.anchor(Edge::bottom), 0.0},
+  });
+  ProgressBarView& bar = progressBar();
+  bar.moveToSuperview(view);
+  platform::View& barView = bar.view();
+  ui_->activate({
+      {barView.anchor(Edge::top), view.safeAreaAnchor(Edge::top), 0.0},
+      {barView.anchor(Edge::leading), view.safeAreaAnchor(Edge::leading), 0.0},
+      {barView.anchor(Edge::trailing), view.safeAreaAnchor(Edge::trailing), 0.0},
+      {barView.anchor(Edge::height), std::nullopt, ProgressBarView::kBarHeight},
+  });
+}
+
+void CheckoutWebViewController::observeProgress() {
+  progressObserver_ = checkoutView_->webView().observeEstimatedProgress(
+      [weakSelf = weak_from_this()](double progress) {
+        if (const auto self = weakSelf.lock()) {
+          self->progressBar().progressDidChange(progress);
+        }
+      });
+}
+
+void CheckoutWebViewController::loadCheckout() {
+  const platform::WebView& webView = checkoutView_->webView();
+  if (!webView.url()) {
+    initialNavigation_ = true;
+    checkoutView_->load(checkoutURL_, /*isPreload=*/false);
+    progressBar().startAnimating();
+  } else if (webView.isLoading() && initialNavigation_) {
+    // A preloaded page that is still loading.
+    progressBar().startAnimating();
+  }
+}
+
+void CheckoutWebViewController::close() {
+  const std::shared_ptr<CheckoutWebViewController> self = shared_from_this();
+  // A page the host preloaded stays cached for the next presentation.
+  if (!CheckoutWebView::preloadingActivatedByClient()) {
+    CheckoutWebView::invalidate(/*disconnect=*/true);
+  }
+  if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock()) {
+    delegate->checkoutDidCancel();
+  }
+}
+
+void CheckoutWebViewController::presentationControllerDidDismiss() {
+  close();
+}
+
+void CheckoutWebViewController::checkoutViewDidCompleteCheckout(
+    const CheckoutCompletedEvent& event) {
+  if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock()) {
+    delegate->checkoutDidComplete(event);
+  }
+}
+
+void CheckoutWebViewController::checkoutViewDidFinishNavigation() {
+  initialNavigation_ = false;
+  progressBar().stopAnimating();
+  ui_->animate(ui_->navigationBarHideShowDuration(),
+               [weakView = std::weak_ptr<platform::WebView>(checkoutView_->webViewPtr())] {
+                 if (const auto view = weakView.lock()) {
+                   view->setAlpha(1.0);
+                 }
+               },
+               {});
+}
+
+void CheckoutWebViewController::checkoutViewDidClickLink(const Url& url) {
+  if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock()) {
+    delegate->checkoutDidClickLink(url);
+  }
+}
+
+void CheckoutWebViewController::checkoutViewDidToggleModal(bool modalVisible) {
+  // The bar hides while the page shows a modal of its own.
+  if (platform::Screen* container = screen_->navigationContainer()) {
+    container->setNavigationBarHidden(modalVisible, /*animated=*/true);
+  }
+}
+
+void CheckoutWebViewController::checkoutViewDidEmitWebPixelEvent(const PixelEvent& event) {
+  if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock()) {
+    delegate->checkoutDidEmitWebPixelEvent(event);
+  }
+}
+
+void CheckoutWebViewController::checkoutViewDidFailWithError(const CheckoutError& error) {
+  const std::shared_ptr<CheckoutWebViewController> self = shared_from_this();
+  ++failureCount_;
+  CheckoutWebView::invalidate(/*disconnect=*/true);
+  if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock()) {
+    delegate->checkoutDidFail(error);
+  }
+  if (shouldAttemptRecovery(error)) {
+    presentFallbackViewController();
+  } else {
+    dismissSheet();
+  }
+}
+
+bool CheckoutWebViewController::shouldAttemptRecovery(const CheckoutError& error) const {
+  if (failureCount_ >= kMaxRecoveryFailureCount || CheckoutURL{checkoutURL_}.isMultipassURL()) {
+    return false;
+  }
+  const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock();
+  return delegate && delegate->shouldRecoverFromError(error);
+}
+
+void CheckoutWebViewController::presentFallbackViewController() {
+  if (progressObserver_) {
+    progressObserver_->invalidate();
+    progressObserver_.reset();
+  }
+  checkoutView_->webView().removeFromSuperview();
+  std::shared_ptr<CheckoutWebView> recovery =
+      CheckoutWebView::forCheckout(checkoutURL_, /*recovery=*/true, entryPoint_);
+  if (!recovery) {
+    dismissSheet();
+    return;
+  }
+  checkoutView_ = std::move(recovery);
+  adoptCheckoutView();
+  checkoutView_->webView().setAlpha(1.0);
+  if (!screen_->isViewLoaded()) {
+    return;  // viewDidLoad() lays the recovery view out and loads it
+  }
+  layOutCheckoutViewAndProgressBar();
+  screen_->view().bringSubviewToFront(checkoutView_->webView());
+  screen_->view().bringSubviewToFront(progressBar().view());
+  observeProgress();
+  checkoutView_->load(checkoutURL_, /*isPreload=*/false);
+  progressBar().startAnimating();
+}
+
+void CheckoutWebViewController::dismissSheet() {
+  platform::Screen* container = screen_->navigationContainer();
+  (container != nullptr ? *container : *screen_).dismiss(/*animated=*/true, {});
+}
+
+}  // namespace vemba::checkout

@@ -1,0 +1,256 @@
+#include <gtest/gtest.h>
+
+#include "CheckoutScreenTestSupport.h"
+#include "checkout/CheckoutViewControllerImpl.h"
+#include "checkout/CheckoutWebViewController.h"
+#include "checkout/ProgressBarView.h"
+#include "vemba/checkout/Checkout.h"
+#include "vemba/checkout/CheckoutSheet.h"
+
+namespace vemba::checkout {
+namespace {
+
+using std::chrono::milliseconds;
+using testing::dispatched;
+using testing::envelope;
+using testing::RecordingDelegate;
+using testing::url;
+
+class CheckoutPresentationTest : public testing::CheckoutScreenTest {
+ protected:
+  std::shared_ptr<CheckoutViewController> show(std::weak_ptr<CheckoutDelegate> host) {
+    auto controller = present(checkout, hostScreen(), std::move(host));
+    drain();
+    return controller;
+  }
+  static CheckoutWebViewController& page(const std::shared_ptr<CheckoutViewController>& sheet) {
+    const auto& container = dynamic_cast<CheckoutViewControllerImpl&>(*sheet);
+    return dynamic_cast<CheckoutWebViewController&>(*container.childControllers().at(0));
+  }
+  static fake::FakeScreen& fakeScreen(const std::shared_ptr<platform::Screen>& screen) {
+    return dynamic_cast<fake::FakeScreen&>(*screen);
+  }
+  static fake::FakeWebView& pageView(const std::shared_ptr<CheckoutViewController>& sheet) {
+    return fakeOf(*page(sheet).checkoutView());
+  }
+  static bool barShown(const std::shared_ptr<CheckoutViewController>& sheet) {
+    return !page(sheet).progressBar().view().isHidden();
+  }
+  std::size_t presentedCount(const fake::FakeWebView& webView) const {
+    const auto messages = dispatched(webView);
+    return static_cast<std::size_t>(std::count(messages.begin(), messages.end(), "'presented'"));
+  }
+
+  const Url checkout = url("https://shop.example/checkouts/c1");
+  std::shared_ptr<RecordingDelegate> delegate = std::make_shared<RecordingDelegate>();
+};
+
+TEST_F(CheckoutPresentationTest, PresentShowsTheCheckoutPageInASheet) {
+  constexpr Color kBackground = Color::rgba(0.9, 0.9, 0.8, 1.0);
+  configure([&](Configuration& c) {
+    c.title = "Pay";
+    c.backgroundColor = kBackground;
+  });
+  const auto sheet = show(delegate);
+  ASSERT_NE(sheet, nullptr);
+  EXPECT_EQ(hostScreen()->presentedScreen(), sheet->screen());
+  EXPECT_EQ(sheet->screen()->kind(), platform::Screen::Kind::navigation);
+
+  CheckoutWebViewController& controller = page(sheet);
+  const std::shared_ptr<platform::Screen>& root = controller.screen();
+  EXPECT_EQ(root->title(), "Pay");
+  EXPECT_EQ(root->navigationContainer(), sheet->screen().get());
+  auto& rootView = dynamic_cast<fake::FakeView&>(root->view());
+  EXPECT_EQ(rootView.backgroundColor, kBackground);
+  // The web view below, the progress line in front.
+  const auto subviews = rootView.subviews();
+  ASSERT_EQ(subviews.size(), 2U);
+  EXPECT_EQ(subviews[0], controller.checkoutView()->webViewPtr());
+  EXPECT_EQ(subviews[1], controller.progressBar().viewPtr());
+
+  fake::FakeWebView& webView = pageView(sheet);
+  ASSERT_EQ(webView.loads.size(), 1U);
+  EXPECT_TRUE(webView.loads[0].headers.empty());
+  EXPECT_TRUE(barShown(sheet));
+  EXPECT_EQ(presentedCount(webView), 0U);
+
+  loadPage(webView);
+  EXPECT_EQ(presentedCount(webView), 1U);
+  EXPECT_FALSE(controller.initialNavigation());
+  ASSERT_FALSE(platform.ui.animations.empty());
+  EXPECT_EQ(platform.ui.animations.back().duration, fake::kNavigationBarHideShowDuration);
+  advance(milliseconds(300));
+  EXPECT_FALSE(barShown(sheet));
+}
+
+TEST_F(CheckoutPresentationTest, APreloadedPageIsReusedAndToldAtOnceThatItIsPresented) {
+  preload(checkout);
+  const auto preloaded = CheckoutWebView::forCheckout(checkout, false, std::nullopt);
+  loadPage(fakeOf(*preloaded));
+  const auto sheet = show(delegate);
+  EXPECT_EQ(page(sheet).checkoutView(), preloaded);
+  EXPECT_EQ(pageView(sheet).loads.size(), 1U);  // not loaded again
+  EXPECT_FALSE(barShown(sheet));
+  EXPECT_EQ(presentedCount(pageView(sheet)), 1U);
+
+  // The same URL entered another way is a page of its own.
+  const auto accelerated = present(checkout, platform.ui.createScreen(),
+                                   MetaData::EntryPoint::acceleratedCheckouts, delegate);
+  EXPECT_NE(page(accelerated).checkoutView(), preloaded);
+  EXPECT_EQ(page(accelerated).checkoutView()->entryPoint(),
+            MetaData::EntryPoint::acceleratedCheckouts);
+
+  // A preload that is still loading shows the line.
+  sheet->dismiss(false);
+  CheckoutWebView::resetForTesting();
+  preload(checkout);
+  fakeOf(*CheckoutWebView::forCheckout(checkout, false, std::nullopt)).startProvisionalNavigation();
+  drain();
+  const auto loading = show(delegate);
+  EXPECT_TRUE(barShown(loading));
+  EXPECT_EQ(pageView(loading).loads.size(), 1U);
+}
+
+TEST_F(CheckoutPresentationTest, TheCloseControlDependsOnTheTintAndTheSystemVersion) {
+  struct Case {
+    std::optional<Color> tint;
+    const char* systemVersion;
+    platform::BarButtonItem::Kind kind;
+    const char* image;
+  };
+  constexpr Color kTint = Color::rgba(1, 0, 0, 1);
+  using Kind = platform::BarButtonItem::Kind;
+  for (const Case& c : {Case{std::nullopt, "26.0", Kind::systemClose, ""},
+                        Case{kTint, "25.9.1", Kind::image, "xmark.circle.fill"},
+                        Case{kTint, "26.0", Kind::image, "xmark"},
+                        Case{kTint, "6.1.0", Kind::image, "xmark.circle.fill"}}) {
+    SCOPED_TRACE(c.systemVersion);
+    configure([&](Configuration& config) { config.closeButtonTintColor = c.tint; });
+    platform.device.systemVersionValue = c.systemVersion;
+    const auto sheet = present(checkout, platform.ui.createScreen(), delegate);
+    const auto& item = fakeScreen(page(sheet).screen()).rightBarButtonItem;
+    ASSERT_TRUE(item.has_value());
+    EXPECT_EQ(item->kind, c.kind);
+    EXPECT_EQ(item->systemImageName, c.image);
+    EXPECT_EQ(item->tintColor, c.tint);
+  }
+}
+
+TEST_F(CheckoutPresentationTest, ClosingCancelsAndKeepsOnlyAPageTheHostPreloaded) {
+  struct Case {
+    bool hostPreloaded;
+    bool byGesture;
+  };
+  for (const Case c :
+       {Case{false, false}, Case{true, false}, Case{false, true}, Case{true, true}}) {
+    SCOPED_TRACE(::testing::Message() << c.hostPreloaded << c.byGesture);
+    CheckoutWebView::resetForTesting();
+    delegate->calls.clear();
+    if (c.hostPreloaded) {
+      preload(checkout);
+    }
+    const auto sheet = show(delegate);
+    const auto shown = page(sheet).checkoutView();
+    if (c.byGesture) {
+      EXPECT_TRUE(fakeScreen(sheet->screen()).userDismiss());
+    } else {
+      EXPECT_TRUE(fakeScreen(page(sheet).screen()).pressRightBarButtonItem());
+      // The close control leaves dismissing to the host.
+      EXPECT_EQ(hostScreen()->presentedScreen(), sheet->screen());
+      sheet->dismiss(false);
+    }
+    drain();
+    EXPECT_EQ(delegate->calls, std::vector<std::string>{"cancel"});
+    EXPECT_EQ(hasBridge(*shown), c.hostPreloaded);
+    EXPECT_EQ(CheckoutWebView::forCheckout(checkout, false, std::nullopt) == shown,
+              c.hostPreloaded);
+  }
+}
+
+TEST_F(CheckoutPresentationTest, PageEventsReachTheHost) {
+  configure([](Configuration& c) {
+    c.confetti.enabled = true;
+    c.confetti.particles = {platform::Image(std::make_shared<const platform::Image::Native>())};
+  });
+  const auto sheet = show(delegate);
+  fake::FakeWebView& webView = pageView(sheet);
+  const auto& container = fakeScreen(sheet->screen());
+
+  webView.postMessage("mobileCheckoutSdk", envelope("checkoutBlockingEvent", "true"));
+  webView.postMessage("mobileCheckoutSdk", envelope("checkoutBlockingEvent", "false"));
+  EXPECT_EQ(container.barHiddenCalls,
+            (std::vector<fake::FakeScreen::BarHiddenCall>{{true, true}, {false, true}}));
+
+  webView.decidePolicyForNavigationAction(
+      {url("mailto:help@shop.example"), platform::NavigationType::linkActivated, true});
+  webView.postMessage("mobileCheckoutSdk", envelope("webPixels", testing::pixelBody("standard")));
+  webView.postMessage("mobileCheckoutSdk",
+                      envelope("completed", R"({"orderDetails":{"id":"9","cart":{"token":"t",)"
+                                            R"("lines":[],"price":{}}}})"));
+  EXPECT_EQ(delegate->calls,
+            (std::vector<std::string>{"link:mailto:help@shop.example", "pixel", "complete:9"}));
+  // The confetti is thrown over the sheet's page.
+  const auto layers = page(sheet).screen()->view().sublayers();
+  ASSERT_EQ(layers.size(), 1U);
+  EXPECT_EQ(layers[0]->name(), "checkout-confetti");
+}
+
+class MinimalDelegate : public CheckoutDelegate {
+ public:
+  void checkoutDidCancel() override {}
+};
+
+TEST_F(CheckoutPresentationTest, DefaultDelegateThrowsFailuresAndOpensOnlyOpenableLinks) {
+  const auto minimal = std::make_shared<MinimalDelegate>();
+  const auto sheet = show(minimal);
+  fake::FakeWebView& webView = pageView(sheet);
+  for (const char* link : {"mailto:help@shop.example", "bankapp://pay"}) {
+    webView.decidePolicyForNavigationAction({url(link), platform::NavigationType::other, true});
+  }
+  EXPECT_EQ(platform.application.canOpenQueries.size(), 2U);
+  EXPECT_EQ(platform.application.opened, std::vector<Url>{url("mailto:help@shop.example")});
+
+  webView.startProvisionalNavigation();
+  EXPECT_THROW(webView.decidePolicyForNavigationResponse({checkout, 404, true}), CheckoutError);
+}
+
+TEST_F(CheckoutPresentationTest, PresentNeedsADisplayAndAScreenToPresentFrom) {
+  EXPECT_EQ(present(checkout, nullptr, delegate), nullptr);
+  platform.displayAvailable = false;
+  EXPECT_EQ(present(checkout, hostScreen(), delegate), nullptr);
+  EXPECT_EQ(CheckoutSheet(checkout).viewController(), nullptr);
+  EXPECT_EQ(countLog("(Error) - No screen to present checkout from: "), 1U);
+  EXPECT_EQ(countLog("(Error) - No user interface: cannot present checkout "), 1U);
+  EXPECT_TRUE(platform.ui.webViews.empty());
+}
+
+TEST_F(CheckoutPresentationTest, ASheetsCallbacksTakeEffectWhenSetAfterItsControllerIsMade) {
+  std::vector<std::string> calls;
+  std::shared_ptr<CheckoutViewController> controller;
+  std::weak_ptr<CheckoutDelegateWrapper> wrapper;
+  {
+    const CheckoutSheet sheet = CheckoutSheet(checkout).onComplete(
+        [&](const CheckoutCompletedEvent&) { calls.push_back("complete"); });
+    controller = sheet.viewController();
+    ASSERT_NE(controller, nullptr);
+    const CheckoutSheet copy = sheet.onCancel([&] { calls.push_back("cancel"); });
+    EXPECT_EQ(copy.viewController(), controller);
+    EXPECT_EQ(page(controller).delegate(), sheet.delegate());
+    wrapper = sheet.delegate();
+  }
+  // Every copy of the sheet is gone; its controller keeps the callbacks.
+  EXPECT_FALSE(wrapper.expired());
+  hostScreen()->presentScreen(controller->screen(), true, {});
+  drain();
+  EXPECT_TRUE(fakeScreen(page(controller).screen()).pressRightBarButtonItem());
+  EXPECT_EQ(calls, std::vector<std::string>{"cancel"});
+
+  // Without onLinkClick a link opens outside the application.
+  pageView(controller)
+      .decidePolicyForNavigationAction(
+          {url("https://help.example/?open_externally=1"), platform::NavigationType::other, true});
+  EXPECT_EQ(platform.application.opened, std::vector<Url>{url("https://help.example/")});
+}
+
+}  // namespace
+}  // namespace vemba::checkout

@@ -1,0 +1,146 @@
+// Shared pieces of the checkout screen tests: a fixture on the fake user interface, a recording
+// host delegate, and helpers that play the web engine and read what the kit sent to the page.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "CheckoutTestSupport.h"
+#include "checkout/CheckoutBridge.h"
+#include "checkout/CheckoutWebView.h"
+#include "checkout/OSLogger.h"
+#include "vemba/checkout/CheckoutDelegate.h"
+
+namespace vemba::checkout::testing {
+
+inline Url url(std::string_view text) {
+  return Url::parse(text).value();
+}
+
+// The page's message envelope: {"name": name, "body": body}.
+inline std::string envelope(std::string_view name, std::string_view body) {
+  std::string escaped;
+  for (char c : body) {
+    if (c == '"' || c == '\\') {
+      escaped.push_back('\\');
+    }
+    escaped.push_back(c);
+  }
+  return "{\"name\":\"" + std::string(name) + "\",\"body\":\"" + escaped + "\"}";
+}
+
+// A "webPixels" body whose event has `type` ("standard" gives an event, an unknown type none).
+inline std::string pixelBody(std::string_view type) {
+  return R"({"name":"x","event":{"id":"1","name":"x","timestamp":"t","type":")" +
+         std::string(type) + R"(","context":{}}})";
+}
+
+// The argument texts of every message the kit dispatched to the page, e.g. "'presented'".
+inline std::vector<std::string> dispatched(const fake::FakeWebView& webView) {
+  constexpr std::string_view kCall = "dispatchMessage(";
+  std::vector<std::string> out;
+  for (const std::string& script : webView.scripts) {
+    const std::size_t start = script.find(kCall);
+    const std::size_t end = script.find(");\n", start);
+    if (start != std::string::npos && end != std::string::npos) {
+      out.push_back(script.substr(start + kCall.size(), end - start - kCall.size()));
+    }
+  }
+  return out;
+}
+
+// A host delegate that records each call as a short line ("fail:2" is a failure whose
+// CheckoutError case index is 2).
+class RecordingDelegate : public CheckoutDelegate {
+ public:
+  void checkoutDidComplete(const CheckoutCompletedEvent& event) override {
+    calls.push_back("complete:" + event.orderDetails.id);
+  }
+  void checkoutDidCancel() override { calls.push_back("cancel"); }
+  void checkoutDidFail(const CheckoutError& error) override {
+    calls.push_back("fail:" + std::to_string(error.value().index()));
+    errors.push_back(error);
+  }
+  bool shouldRecoverFromError(const CheckoutError& error) override {
+    calls.push_back("shouldRecover");
+    return recover.value_or(CheckoutDelegate::shouldRecoverFromError(error));
+  }
+  void checkoutDidClickLink(const Url& link) override {
+    calls.push_back("link:" + link.absoluteString());
+  }
+  void checkoutDidEmitWebPixelEvent(const PixelEvent& /*event*/) override {
+    calls.push_back("pixel");
+  }
+
+  std::optional<bool> recover;  // the answer to shouldRecoverFromError; default when absent
+  std::vector<std::string> calls;
+  std::vector<CheckoutError> errors;
+};
+
+class CheckoutScreenTest : public CheckoutTest {
+ protected:
+  CheckoutScreenTest() { OSLogger::shared().setLogLevel(LogLevel::all); }
+
+  static fake::FakeWebView& fakeOf(const CheckoutWebView& view) {
+    return dynamic_cast<fake::FakeWebView&>(view.webView());
+  }
+  static fake::FakeUserContentController& contentOf(const CheckoutWebView& view) {
+    return dynamic_cast<fake::FakeUserContentController&>(view.webView().userContentController());
+  }
+  static bool hasBridge(const CheckoutWebView& view) {
+    return contentOf(view).hasHandler(CheckoutBridge::kMessageHandlerName);
+  }
+
+  // Runs everything due now, including work posted while running.
+  void drain() {
+    while (platform.mainQueue.runUntilIdle() > 0) {
+    }
+  }
+  void advance(std::chrono::milliseconds delta) {
+    platform.mainQueue.advance(delta);
+    drain();
+  }
+
+  // Plays one main-frame load of the view's current URL answered with `status`.
+  static void loadPage(fake::FakeWebView& webView, long status = 200) {
+    // The kit may release the view on the way (a failure swaps it for a recovery view).
+    const std::shared_ptr<fake::FakeWebView> keep = webView.shared_from_this();
+    webView.startProvisionalNavigation();
+    if (webView.decidePolicyForNavigationResponse({webView.url(), status, true}) ==
+        platform::NavigationResponsePolicy::cancel) {
+      webView.failProvisionalNavigation({std::string(platform::kWebKitErrorDomain),
+                                         platform::WebKitErrorCode::frameLoadInterrupted,
+                                         std::nullopt});
+      return;
+    }
+    webView.changeEstimatedProgress(0.5);
+    webView.changeEstimatedProgress(1.0);
+    webView.finishNavigation();
+  }
+
+  std::shared_ptr<platform::Screen> hostScreen() {
+    if (!host_) {
+      host_ = platform.ui.createScreen();
+    }
+    return host_;
+  }
+
+  // The log lines written so far that contain `text`.
+  std::size_t countLog(std::string_view text) const {
+    std::size_t count = 0;
+    for (const auto& line : platform.log.lines) {
+      count += line.text.find(text) != std::string::npos ? 1U : 0U;
+    }
+    return count;
+  }
+
+ private:
+  std::shared_ptr<platform::Screen> host_;
+};
+
+}  // namespace vemba::checkout::testing

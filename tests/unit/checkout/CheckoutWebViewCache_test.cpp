@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "CheckoutScreenTestSupport.h"
+#include "checkout/ConfigurationStore.h"
+#include "vemba/checkout/Checkout.h"
+#include "vemba/checkout/CheckoutSheet.h"
+
+namespace vemba::checkout {
+namespace {
+
+using std::chrono::milliseconds;
+using testing::url;
+constexpr auto kAccelerated = MetaData::EntryPoint::acceleratedCheckouts;
+
+class CheckoutWebViewCacheTest : public testing::CheckoutScreenTest {
+ protected:
+  std::shared_ptr<CheckoutWebView> obtain(std::optional<MetaData::EntryPoint> entry = {}) {
+    return CheckoutWebView::forCheckout(checkout, false, entry);
+  }
+  const Url checkout = url("https://shop.example/checkouts/c1");
+};
+
+TEST_F(CheckoutWebViewCacheTest, AnEntryServesItsKeyForStrictlyLessThanFiveMinutes) {
+  const auto first = obtain();
+  advance(milliseconds(299'999));
+  EXPECT_EQ(obtain(), first);
+  advance(milliseconds(1));  // age 300 s: stale
+  const auto second = obtain();
+  EXPECT_NE(second, first);
+  EXPECT_EQ(obtain(), second);
+  EXPECT_EQ(countLog("(Debug) - Presenting cached entry"), 2U);
+}
+
+TEST_F(CheckoutWebViewCacheTest, EntryPointsAreCachedApartInOneEntry) {
+  EXPECT_EQ(CheckoutWebView::cacheKey(checkout, std::nullopt),
+            "https://shop.example/checkouts/c1_nil");
+  EXPECT_EQ(CheckoutWebView::cacheKey(checkout, kAccelerated),
+            "https://shop.example/checkouts/c1_AcceleratedCheckouts");
+  const auto accelerated = obtain(kAccelerated);
+  const auto plain = obtain();
+  EXPECT_NE(plain, accelerated);
+  EXPECT_EQ(plain->entryPoint(), std::nullopt);
+  // One entry: the plain view replaced the accelerated one, which was only released.
+  EXPECT_NE(obtain(kAccelerated), accelerated);
+  EXPECT_TRUE(hasBridge(*accelerated));
+}
+
+TEST_F(CheckoutWebViewCacheTest, WithoutPreloadingEachViewIsNewAndTheLastOneLosesItsBridge) {
+  configure([](Configuration& c) { c.preloading.setEnabled(false); });
+  const auto first = obtain();
+  const auto second = obtain();
+  EXPECT_NE(first, second);
+  EXPECT_FALSE(hasBridge(*first));
+  EXPECT_TRUE(hasBridge(*second));
+  configure([](Configuration& c) { c.preloading.setEnabled(true); });
+  EXPECT_NE(obtain(), second);  // nothing was cached meanwhile
+}
+
+TEST_F(CheckoutWebViewCacheTest, EveryInvalidationPointEmptiesTheCacheAndClearsTheFlag) {
+  struct Case {
+    const char* name;
+    std::function<void(CheckoutWebView&)> action;
+    bool disconnects;
+  };
+  const Case cases[] = {
+      {"public invalidate", [](CheckoutWebView&) { invalidate(); }, true},
+      {"configure", [](CheckoutWebView&) { configure([](Configuration& c) { c.title = "T"; }); },
+       true},
+      {"set configuration", [](CheckoutWebView&) { setConfiguration(configuration()); }, true},
+      {"recovery requested",
+       [this](CheckoutWebView&) { CheckoutWebView::forCheckout(checkout, true, std::nullopt); },
+       true},
+      {"HTTP error of the document",
+       [this](CheckoutWebView& view) {
+         view.load(checkout);
+         fakeOf(view).decidePolicyForNavigationResponse({checkout, 500, true});
+       },
+       true},
+      {"completion by the bridge",
+       [](CheckoutWebView& view) {
+         fakeOf(view).postMessage("mobileCheckoutSdk",
+                                  testing::envelope("completed", R"({"orderDetails":{}})"));
+       },
+       false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    CheckoutWebView::resetForTesting();
+    const auto cached = obtain();
+    CheckoutWebView::setPreloadingActivatedByClient(true);
+    c.action(*cached);
+    EXPECT_FALSE(CheckoutWebView::preloadingActivatedByClient());
+    EXPECT_EQ(hasBridge(*cached), !c.disconnects);
+    EXPECT_NE(obtain(), cached);
+  }
+}
+
+TEST_F(CheckoutWebViewCacheTest, OnceASheetExistsStylingKeepsThePreloadedPage) {
+  preload(checkout);
+  const auto preloaded = obtain();
+  ASSERT_EQ(fakeOf(*preloaded).loads.size(), 1U);
+  const CheckoutSheet sheet(checkout);
+  EXPECT_FALSE(detail::invalidateOnConfigurationChange());
+  sheet.title("Pay").tintColor(Color::rgba(0, 0, 0, 1));
+  EXPECT_EQ(configuration().title, "Pay");
+  EXPECT_EQ(obtain(), preloaded);
+  EXPECT_TRUE(CheckoutWebView::preloadingActivatedByClient());
+
+  // Any write of the preloading switch, even of the value it has, forgets the host's preload.
+  configure([](Configuration& c) { c.preloading.setEnabled(true); });
+  EXPECT_FALSE(CheckoutWebView::preloadingActivatedByClient());
+  EXPECT_EQ(obtain(), preloaded);
+}
+
+TEST_F(CheckoutWebViewCacheTest, PreloadLoadsAPrefetchOnlyWhenEnabled) {
+  configure([](Configuration& c) { c.preloading.setEnabled(false); });
+  preload(checkout);
+  EXPECT_TRUE(platform.ui.webViews.empty());
+  EXPECT_FALSE(CheckoutWebView::preloadingActivatedByClient());
+
+  configure([](Configuration& c) { c.preloading.setEnabled(true); });
+  preload(checkout);
+  EXPECT_TRUE(CheckoutWebView::preloadingActivatedByClient());
+  const auto preloaded = obtain();
+  ASSERT_EQ(fakeOf(*preloaded).loads.size(), 1U);
+  EXPECT_EQ(fakeOf(*preloaded).loads[0].headers,
+            (platform::HttpHeaders{{"Sec-Purpose", "prefetch"}}));
+}
+
+TEST_F(CheckoutWebViewCacheTest, ConfiguringTheLogLevelTakesEffectAtOnce) {
+  configure([](Configuration& c) { c.logLevel = LogLevel::none; });
+  const std::size_t before = platform.log.lines.size();
+  invalidate();
+  OSLogger::shared().error("x");
+  EXPECT_EQ(platform.log.lines.size(), before);
+}
+
+}  // namespace
+}  // namespace vemba::checkout
