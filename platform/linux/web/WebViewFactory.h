@@ -1,0 +1,16 @@
+// Where the GTK user-interface factory gets its web views: the WebKitGTK half of the Linux
+// backend. Main thread only; GTK must be initialised.
+#pragma once
+
+#include <memory>
+
+#include "platform/Geometry.h"
+#include "platform/WebView.h"
+
+namespace vemba::linux_platform {
+
+std::shared_ptr<platform::UserContentController> createUserContentController();
+std::shared_ptr<platform::WebView> createWebView(
+    platform::Rect frame, const platform::WebViewConfiguration& configuration);
+
+}  // namespace vemba::linux_platform
