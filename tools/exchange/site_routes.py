@@ -28,6 +28,8 @@ ERROR_VARIANTS = ("authentication", "configuration", "unrecoverable", "checkout"
 CHECKOUT_TOKEN = re.compile(r"^[A-Za-z0-9._-]{1,64}$")
 THANK_YOU = re.compile(r"^thank[_-]you$", re.IGNORECASE)
 HTML = "text/html; charset=utf-8"
+# The sub-resource of /checkout/hang/resource: a request under /checkout/never/ never answers.
+NEVER_RESOURCE = "/checkout/never/resource.svg"
 
 STATUS_PAGE = """<!DOCTYPE html>
 <html lang="en"><head><meta charset="utf-8">
@@ -160,6 +162,8 @@ class SiteRoutes:
         page = self.read_page("checkout/index.html").decode("utf-8")
         script = ('<script id="site-config" type="application/json">%s</script>'
                   % json.dumps(config).replace("<", "\\u003c"))
+        if config["variant"] == "hang-resource":
+            script += '\n<img src="%s" alt="" hidden>' % NEVER_RESOURCE
         return page.replace(CONFIG_PLACEHOLDER, script, 1).encode("utf-8")
 
     def send_status(self, handler, status):
