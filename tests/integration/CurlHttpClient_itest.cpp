@@ -212,7 +212,6 @@ TEST_P(CurlHttpClientFailureTest, MapsToTheUrlErrorCode) {
   ASSERT_NE(error, nullptr) << param.name;
   EXPECT_EQ(error->code, param.expectedCode) << param.name;
   EXPECT_EQ(error->url, request.url);
-  EXPECT_EQ(error->description, platform::urlErrorDescription(param.expectedCode, "127.0.0.1"));
   EXPECT_NE(outcome.thread, std::this_thread::get_id());
   // Nothing here may wait for the exchange's slow answer (5 s) or a default time-out.
   EXPECT_LT(took, std::chrono::seconds(4)) << param.name;

@@ -131,13 +131,29 @@ TEST_F(BidExchangeTest, DecodingFailureNamesThePathAndIsLogged) {
   EXPECT_EQ(logs.back(), "Decoding error: " + error.description);
 }
 
-TEST_F(BidExchangeTest, TransportErrorsPassThroughUnchangedAndAreLogged) {
-  ad->load();
-  platform.http.fail(0, platform::UrlErrorCode::timedOut);
-  platform.mainQueue.runUntilIdle();
-  ASSERT_EQ(delegate->calls.size(), 1U);
-  EXPECT_EQ(delegate->calls[0].error, (Error{"URLError", -1001, "The request timed out."}));
-  EXPECT_EQ(logs.back(), "Bid Request failed: The request timed out.");
+TEST_F(BidExchangeTest, TransportErrorsKeepTheirCodeAndAreDescribedOnceByTheCore) {
+  struct Case {
+    int code;
+    std::string description;
+  };
+  const Case cases[] = {
+      {platform::UrlErrorCode::timedOut, "The request timed out."},
+      // The certificate texts name the endpoint's host, taken from the failing URL.
+      {platform::UrlErrorCode::serverCertificateUntrusted,
+       "The certificate for this server is invalid. You might be connecting to a server that is "
+       "pretending to be \u201C127.0.0.1\u201D which could put your confidential information "
+       "at risk."},
+      {12345, "An unknown error occurred."},
+  };
+  for (const Case& c : cases) {
+    delegate->calls.clear();
+    ad->load();
+    platform.http.fail(platform.http.taskCount() - 1, c.code);
+    platform.mainQueue.runUntilIdle();
+    ASSERT_EQ(delegate->calls.size(), 1U);
+    EXPECT_EQ(delegate->calls[0].error, (Error{"URLError", c.code, c.description}));
+    EXPECT_EQ(logs.back(), "Bid Request failed: " + c.description);
+  }
 }
 
 TEST_F(BidExchangeTest, CallbacksWaitForTheMainQueue) {
