@@ -18,6 +18,8 @@
 #include "vemba/Vemba.h"
 
 namespace vemba::testing {
+
+using exchange::LocalExchange;
 namespace {
 
 constexpr int kExchangePort = 18443;

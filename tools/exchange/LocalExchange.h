@@ -1,4 +1,5 @@
-// A local ad exchange (tools/exchange/exchange.py) running as a child process for a test.
+// A local ad exchange (tools/exchange/exchange.py) running as a child process of a test, the demo
+// or a benchmark.
 //
 // The constructor starts the exchange on 127.0.0.1 with a fresh state directory (its CA, keys
 // and request log) and returns once it listens; it throws std::runtime_error when the exchange
@@ -7,7 +8,8 @@
 // (kept when VEMBA_KEEP_EXCHANGE_STATE is set). The exchange also exits by itself after its
 // lifetime, after its idle time-out and as soon as this process is gone.
 //
-// Owner: the test (or test suite) that creates it. All methods may be called from any thread.
+// Owner: whoever creates it (a test or test suite, the demo, a benchmark). All methods may be
+// called from any thread.
 #pragma once
 
 #include <sys/types.h>
@@ -19,7 +21,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vemba::testing {
+namespace vemba::exchange {
 
 class LocalExchange {
  public:
@@ -71,4 +73,4 @@ class LocalExchange {
   int port_ = 0;
 };
 
-}  // namespace vemba::testing
+}  // namespace vemba::exchange

@@ -19,7 +19,7 @@
 
 extern char** environ;
 
-namespace vemba::testing {
+namespace vemba::exchange {
 namespace {
 
 namespace fs = std::filesystem;
@@ -227,4 +227,4 @@ std::optional<std::string> LocalExchange::header(const nlohmann::json& entry,
   return std::nullopt;
 }
 
-}  // namespace vemba::testing
+}  // namespace vemba::exchange
