@@ -9,6 +9,7 @@
 #include "GtkUserContentController.h"
 #include "TlsTrust.h"
 #include "WebErrorMap.h"
+#include "platform/UrlErrorCode.h"
 #include "vemba/linux/WebViews.h"
 
 namespace vemba::linux_platform {
@@ -83,7 +84,14 @@ gboolean onTimeout(gpointer data) {
   return G_SOURCE_REMOVE;
 }
 
-void freeTimeoutRef(gpointer data) {
+gboolean onUrlFlush(gpointer data) {
+  if (const std::shared_ptr<WebViewDriver> driver = lockDriver(data)) {
+    driver->flushUrl();
+  }
+  return G_SOURCE_REMOVE;
+}
+
+void freeSourceRef(gpointer data) {
   delete static_cast<DriverRef*>(data);
 }
 
@@ -204,6 +212,7 @@ void WebViewDriver::shutdown() {
   }
   shutDown_ = true;
   cancelTimeout();
+  cancelUrlFlush();
   for (const gulong id : signalIds_) {
     g_signal_handler_disconnect(view_, id);
   }
@@ -224,7 +233,7 @@ void WebViewDriver::load(const platform::WebRequest& request) {
   cancelTimeout();
   timeoutSource_ = g_timeout_add_full(
       G_PRIORITY_DEFAULT, static_cast<guint>(std::max<std::int64_t>(request.timeout.count(), 0)),
-      onTimeout, new DriverRef{weak_from_this()}, freeTimeoutRef);
+      onTimeout, new DriverRef{weak_from_this()}, freeSourceRef);
   send(request);
 }
 
@@ -246,6 +255,13 @@ void WebViewDriver::cancelTimeout() {
   if (timeoutSource_ != 0) {
     g_source_remove(timeoutSource_);
     timeoutSource_ = 0;
+  }
+}
+
+void WebViewDriver::cancelUrlFlush() {
+  if (urlFlushSource_ != 0) {
+    g_source_remove(urlFlushSource_);
+    urlFlushSource_ = 0;
   }
 }
 
@@ -452,9 +468,16 @@ bool WebViewDriver::reissueTrusted(const char* uri, GTlsCertificate* certificate
 }
 
 void WebViewDriver::uriChanged() {
-  if (swallowStart_ || swallowFinish_) {
-    return;  // the refused attempt's URI changes are not the page's
+  // WebKit moves the URI back while a refused certificate is being trusted and forward again
+  // at the reissue, all in one dispatch: observers learn the settled value a turn later.
+  if (urlFlushSource_ == 0) {
+    urlFlushSource_ = g_idle_add_full(G_PRIORITY_DEFAULT, onUrlFlush,
+                                      new DriverRef{weak_from_this()}, freeSourceRef);
   }
+}
+
+void WebViewDriver::flushUrl() {
+  urlFlushSource_ = 0;
   const std::optional<Url> current = url();
   if (current == notifiedUrl_) {
     return;

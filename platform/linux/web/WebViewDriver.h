@@ -1,7 +1,7 @@
 // The WebKit side of one web view: builds the WebKitWebView from a seam configuration and turns
 // its signals into the seam's calls: policy decisions answered synchronously by the navigation
 // delegate, the load lifecycle in the order NavigationDelegate documents, URL and progress
-// observers, the request time-out, and trust of certificates the SSL_CERT_FILE bundle vouches
+// observers (told a main-loop turn after a change, of the settled value), the request time-out, and trust of certificates the SSL_CERT_FILE bundle vouches
 // for (a refused first attempt stays invisible to the core).
 //
 // Owner: the web view facade (GtkWebView) through std::shared_ptr; the facade calls shutdown()
@@ -65,6 +65,7 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
   gboolean loadFailedWithTlsErrors(const char* uri, GTlsCertificate* certificate,
                                    GTlsCertificateFlags errors);
   void uriChanged();
+  void flushUrl();
   void progressChanged();
   gboolean scrolled() const { return scrollEnabled_ ? FALSE : TRUE; }
   void timeoutFired();
@@ -75,6 +76,7 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
   void connect(const char* signal, GCallback callback);
   void send(const platform::WebRequest& request);
   void cancelTimeout();
+  void cancelUrlFlush();
   bool reissueTrusted(const char* uri, GTlsCertificate* certificate);
 
   WebKitWebView* view_;
@@ -89,7 +91,8 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
 
   ObserverList<std::optional<Url>> urlObservers_;
   ObserverList<double> progressObservers_;
-  std::optional<Url> notifiedUrl_;
+  std::optional<Url> notifiedUrl_;  // what URL observers were last told
+  guint urlFlushSource_ = 0;
 
   // The request of the last load(), reissued as it was after its certificate was trusted.
   std::optional<platform::WebRequest> request_;
