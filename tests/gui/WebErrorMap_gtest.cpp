@@ -1,9 +1,8 @@
 // The table from WebKitGTK's load failures to the seam's navigation errors. Needs no display.
-#include "WebErrorMap.h"
-
 #include <gtest/gtest.h>
 #include <webkit/webkit.h>
 
+#include "WebErrorMap.h"
 #include "platform/UrlErrorCode.h"
 
 namespace vemba::linux_platform {
@@ -63,8 +62,7 @@ TEST(WebErrorMapTest, MapsEachFailureClass) {
   for (const Row& row : rows) {
     const platform::NavigationError error =
         navigationErrorFor(row.domain, row.code, row.flags, "https://shop.invalid/pay");
-    EXPECT_EQ(error.domain, row.expectedDomain)
-        << g_quark_to_string(row.domain) << " " << row.code;
+    EXPECT_EQ(error.domain, row.expectedDomain) << g_quark_to_string(row.domain) << " " << row.code;
     EXPECT_EQ(error.code, row.expectedCode) << g_quark_to_string(row.domain) << " " << row.code;
   }
 }

@@ -159,11 +159,10 @@ TestWindow::~TestWindow() {
 bool TestWindow::saveAsPng(const std::string& path) {
   GdkPaintable* paintable = gtk_widget_paintable_new(window_);
   bool invalidated = false;
-  const gulong id = g_signal_connect(paintable, "invalidate-contents",
-                                     G_CALLBACK(+[](GdkPaintable*, gpointer flag) {
-                                       *static_cast<bool*>(flag) = true;
-                                     }),
-                                     &invalidated);
+  const gulong id = g_signal_connect(
+      paintable, "invalidate-contents",
+      G_CALLBACK(+[](GdkPaintable*, gpointer flag) { *static_cast<bool*>(flag) = true; }),
+      &invalidated);
   gtk_widget_queue_draw(window_);
   spinUntil([&] { return invalidated; }, std::chrono::seconds(5));
   g_signal_handler_disconnect(paintable, id);
@@ -221,8 +220,7 @@ platform::WebRequest requestFor(const std::string& url, std::chrono::millisecond
   if (!parsed) {
     throw std::invalid_argument("not a URL: " + url);
   }
-  platform::WebRequest request{*parsed, {}, platform::CachePolicy::useProtocolCachePolicy,
-                               timeout};
+  platform::WebRequest request{*parsed, {}, platform::CachePolicy::useProtocolCachePolicy, timeout};
   return request;
 }
 

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <webkit/webkit.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -18,8 +18,8 @@
 namespace vemba::testing {
 namespace {
 
-using ::testing::ElementsAre;
 using platform::NavigationError;
+using ::testing::ElementsAre;
 namespace Code = platform::UrlErrorCode;
 
 constexpr std::string_view kPagePath = "/ads/interstitial.html";
@@ -114,10 +114,15 @@ TEST_F(WebViewTest, FailsWithTheMappedCodeAndNeverFinishes) {
       {silentUrl, std::chrono::milliseconds(400), Code::timedOut},
       {refusedUrl, std::chrono::seconds(20), Code::cannotConnectToHost},
   };
+  TestWebView made = makeWebView();
+  TestWindow window(*made.view);
+  made.view->load(requestFor(pageUrl()));  // a started web process: timing is the request's own
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
   for (const auto& row : rows) {
     SCOPED_TRACE(row.url);
-    TestWebView made = makeWebView();
-    TestWindow window(*made.view);
+    made.delegate->events.clear();
+    made.delegate->errors.clear();
+    made.delegate->ends = 0;
     made.view->load(requestFor(row.url, row.timeout));
     ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
     spinFor(std::chrono::milliseconds(200));
@@ -127,6 +132,18 @@ TEST_F(WebViewTest, FailsWithTheMappedCodeAndNeverFinishes) {
     EXPECT_EQ(made.delegate->errors[0].failingUrl, row.url);
     EXPECT_FALSE(made.view->isLoading());
   }
+}
+
+TEST_F(WebViewTest, TimesOutARequestTheEngineHasNotStarted) {
+  const SilentPort silent;
+  const std::string url = "http://127.0.0.1:" + std::to_string(silent.port()) + "/pay";
+  TestWebView made = makeWebView();  // its web process is not running yet
+  TestWindow window(*made.view);
+  made.view->load(requestFor(url, std::chrono::milliseconds(1)));
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+  spinFor(std::chrono::milliseconds(500));
+  EXPECT_THAT(made.delegate->events,
+              ElementsAre("fail-provisional URLError " + std::to_string(Code::timedOut)));
 }
 
 TEST_F(WebViewTest, RefusesACertificateTheBundleDoesNotVouchFor) {
@@ -157,11 +174,10 @@ TEST_F(WebViewTest, AnsweredPolicyDecisionsStopTheNavigation) {
   made.delegate->cancelAction = [](const platform::NavigationAction& action) {
     return action.navigationType == platform::NavigationType::linkActivated;
   };
-  made.view->evaluateJavaScript(
-      "const a = document.createElement('a'); a.href = '" + other +
-      "'; a.target = '_blank'; document.body.appendChild(a); a.click();"
-      "const b = document.createElement('a'); b.href = '" + other +
-      "'; document.body.appendChild(b); b.click();");
+  made.view->evaluateJavaScript("const a = document.createElement('a'); a.href = '" + other +
+                                "'; a.target = '_blank'; document.body.appendChild(a); a.click();"
+                                "const b = document.createElement('a'); b.href = '" +
+                                other + "'; document.body.appendChild(b); b.click();");
   ASSERT_TRUE(spinUntil([&] { return made.delegate->events.size() >= 2; }));
   spinFor(std::chrono::milliseconds(500));
   EXPECT_THAT(made.delegate->events,
@@ -176,9 +192,8 @@ TEST_F(WebViewTest, AnsweredPolicyDecisionsStopTheNavigation) {
   const std::string missing = exchange_->origin() + "/no-such-page";
   made.view->load(requestFor(missing));
   ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(2); }));
-  EXPECT_THAT(made.delegate->events,
-              ElementsAre(actionLine(missing), "start", "response 404 main",
-                          "fail-provisional WebKitErrorDomain 102"));
+  EXPECT_THAT(made.delegate->events, ElementsAre(actionLine(missing), "start", "response 404 main",
+                                                 "fail-provisional WebKitErrorDomain 102"));
 }
 
 TEST_F(WebViewTest, CarriesScriptMessagesBothWays) {
@@ -252,19 +267,26 @@ TEST_F(WebViewTest, EphemeralViewsShareAndKeepNothing) {
   {
     TestWebView first = makeWebView();
     TestWindow window(*first.view);
-    EXPECT_EQ(store(first, "localStorage.setItem('k', 'v'); document.cookie = 'c=1; max-age=600';" +
-                               read),
+    EXPECT_EQ(store(first,
+                    "localStorage.setItem('k', 'v'); document.cookie = 'c=1; max-age=600';" + read),
               "v c=1");
   }
   TestWebView second = makeWebView();
   TestWindow window(*second.view);
   EXPECT_EQ(store(second, read), "- -");
+}
 
-  // Nothing of WebKit's reached the (test's) data and cache folders.
-  for (const char* variable : {"XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
-    const std::filesystem::path folder = std::getenv(variable);
-    EXPECT_FALSE(std::filesystem::exists(folder / "webkitgtk-6.0")) << folder;
-  }
+TEST_F(WebViewTest, SurvivesAPageThatNeverStopsNavigating) {
+  TestWebView made = makeWebView();
+  TestWindow window(*made.view);
+  made.view->load(requestFor(pageUrl()));
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+  made.view->evaluateJavaScript("setInterval(() => location.reload(), 1);");
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(5); }));
+  // Each reload starts and ends in turn; the view then goes mid-navigation.
+  const auto& events = made.delegate->events;
+  EXPECT_EQ(std::count(events.begin(), events.end(), "start"), made.delegate->ends)
+      << ::testing::PrintToString(events);
 }
 
 TEST_F(WebViewTest, TheWebProcessEndsWithTheView) {
@@ -289,8 +311,7 @@ TEST_F(WebViewTest, ShowsTheLoadedPageInAWindow) {
   made.view->load(requestFor(pageUrl()));
   ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
   spinFor(std::chrono::milliseconds(500));  // the first frames of the page reach the window
-  const std::string path =
-      (std::filesystem::current_path() / "web-view-window.png").string();
+  const std::string path = (std::filesystem::current_path() / "web-view-window.png").string();
   ASSERT_TRUE(window.saveAsPng(path));
   EXPECT_GT(std::filesystem::file_size(path), 10000U) << path;
 }

@@ -19,8 +19,7 @@ struct Connection {
 
 void onScriptMessage(WebKitUserContentManager* /*manager*/, JSCValue* value, gpointer data) {
   const auto* connection = static_cast<const Connection*>(data);
-  if (const std::shared_ptr<GtkUserContentController> controller =
-          connection->controller.lock()) {
+  if (const std::shared_ptr<GtkUserContentController> controller = connection->controller.lock()) {
     controller->deliver(connection->name, value);
   }
 }
@@ -65,8 +64,7 @@ GtkUserContentController::GtkUserContentController()
 GtkUserContentController::~GtkUserContentController() {
   for (auto& [name, registration] : registrations_) {
     g_signal_handler_disconnect(manager_, registration.signalHandlerId);
-    webkit_user_content_manager_unregister_script_message_handler(manager_, name.c_str(),
-                                                                  nullptr);
+    webkit_user_content_manager_unregister_script_message_handler(manager_, name.c_str(), nullptr);
   }
   g_object_unref(manager_);
 }

@@ -31,9 +31,9 @@ bool verifiesAgainstBundle(GTlsCertificate* certificate, const std::string& host
     return false;
   }
   GSocketConnectable* identity = g_network_address_new(host.c_str(), kIdentityPort);
-  const GTlsCertificateFlags flags = g_tls_database_verify_chain(
-      database, certificate, G_TLS_DATABASE_PURPOSE_AUTHENTICATE_SERVER, identity, nullptr,
-      G_TLS_DATABASE_VERIFY_NONE, nullptr, &error);
+  const GTlsCertificateFlags flags =
+      g_tls_database_verify_chain(database, certificate, G_TLS_DATABASE_PURPOSE_AUTHENTICATE_SERVER,
+                                  identity, nullptr, G_TLS_DATABASE_VERIFY_NONE, nullptr, &error);
   const bool verified = error == nullptr && flags == 0;
   g_clear_error(&error);
   g_object_unref(identity);

@@ -267,9 +267,23 @@ void WebViewDriver::cancelUrlFlush() {
 
 void WebViewDriver::timeoutFired() {
   timeoutSource_ = 0;
-  // The stop fails the load with "cancelled", reported as a time-out (see loadFailed()).
-  timedOut_ = true;
+  if (requestStarted_) {
+    // The stop fails the load with "cancelled", reported as a time-out (see loadFailed()).
+    timedOut_ = true;
+    webkit_web_view_stop_loading(view_);
+    return;
+  }
+  // The engine has not even started the request (a web process still starting, say): the stop
+  // leaves no trace, so the failure is reported here.
   webkit_web_view_stop_loading(view_);
+  const std::shared_ptr<platform::WebView> owner = owner_.lock();
+  const std::shared_ptr<platform::NavigationDelegate> delegate = delegate_.lock();
+  if (owner && delegate && request_) {
+    delegate->didFailProvisionalNavigation(
+        *owner, platform::NavigationError{std::string(platform::kUrlErrorDomain),
+                                          platform::UrlErrorCode::timedOut,
+                                          request_->url.absoluteString()});
+  }
 }
 
 std::optional<Url> WebViewDriver::url() const {
@@ -332,8 +346,10 @@ gboolean WebViewDriver::decidePolicy(WebKitPolicyDecision* decision,
     WebKitNavigationAction* navigation = webkit_navigation_policy_decision_get_navigation_action(
         WEBKIT_NAVIGATION_POLICY_DECISION(decision));
     platform::NavigationAction action;
-    action.url = urlOf(webkit_uri_request_get_uri(webkit_navigation_action_get_request(navigation)));
-    action.navigationType = navigationTypeOf(webkit_navigation_action_get_navigation_type(navigation));
+    action.url =
+        urlOf(webkit_uri_request_get_uri(webkit_navigation_action_get_request(navigation)));
+    action.navigationType =
+        navigationTypeOf(webkit_navigation_action_get_navigation_type(navigation));
     action.hasTargetFrame = type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION;
     const platform::NavigationActionPolicy policy =
         delegate ? delegate->decidePolicyForNavigationAction(*owner, action)
@@ -406,6 +422,7 @@ void WebViewDriver::loadChanged(WebKitLoadEvent event) {
         requestStarted_ = false;
       }
       started_ = false;
+      timedOut_ = false;
       if (!failed_ && delegate) {
         delegate->didFinishNavigation(*owner);
       }
@@ -419,7 +436,8 @@ gboolean WebViewDriver::loadFailed(WebKitLoadEvent event, const char* uri, GErro
     return FALSE;
   }
   failed_ = true;
-  platform::NavigationError mapped = navigationErrorFor(error->domain, error->code, tlsErrors_, uri);
+  platform::NavigationError mapped =
+      navigationErrorFor(error->domain, error->code, tlsErrors_, uri);
   const bool cancelled = mapped.domain == platform::kUrlErrorDomain &&
                          mapped.code == platform::UrlErrorCode::cancelled;
   if (timedOut_ && cancelled) {

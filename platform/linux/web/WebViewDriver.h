@@ -1,8 +1,9 @@
 // The WebKit side of one web view: builds the WebKitWebView from a seam configuration and turns
 // its signals into the seam's calls: policy decisions answered synchronously by the navigation
 // delegate, the load lifecycle in the order NavigationDelegate documents, URL and progress
-// observers (told a main-loop turn after a change, of the settled value), the request time-out, and trust of certificates the SSL_CERT_FILE bundle vouches
-// for (a refused first attempt stays invisible to the core).
+// observers (told a main-loop turn after a change, of the settled value), the request time-out, and
+// trust of certificates the SSL_CERT_FILE bundle vouches for (a refused first attempt stays
+// invisible to the core).
 //
 // Owner: the web view facade (GtkWebView) through std::shared_ptr; the facade calls shutdown()
 // before it goes. The driver holds the facade weakly and locks it around every call into the
