@@ -141,7 +141,7 @@ TEST_F(WebViewTest, TimesOutARequestTheEngineHasNotStarted) {
   TestWindow window(*made.view);
   made.view->load(requestFor(url, std::chrono::milliseconds(1)));
   ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
-  spinFor(std::chrono::milliseconds(500));
+  spinFor(std::chrono::milliseconds(1500));  // the web process is up: nothing more arrives
   EXPECT_THAT(made.delegate->events,
               ElementsAre("fail-provisional URLError " + std::to_string(Code::timedOut)));
 }

@@ -229,6 +229,7 @@ void WebViewDriver::load(const platform::WebRequest& request) {
   request_ = request;
   requestStarted_ = false;
   timedOut_ = false;
+  abandoned_ = false;
   trustRetryUsed_ = false;
   cancelTimeout();
   timeoutSource_ = g_timeout_add_full(
@@ -274,8 +275,10 @@ void WebViewDriver::timeoutFired() {
     return;
   }
   // The engine has not even started the request (a web process still starting, say): the stop
-  // leaves no trace, so the failure is reported here.
+  // leaves no trace and does not keep the engine from asking about the request later, so the
+  // failure is reported here and that request's action is refused when it comes.
   webkit_web_view_stop_loading(view_);
+  abandoned_ = true;
   const std::shared_ptr<platform::WebView> owner = owner_.lock();
   const std::shared_ptr<platform::NavigationDelegate> delegate = delegate_.lock();
   if (owner && delegate && request_) {
@@ -337,6 +340,12 @@ gboolean WebViewDriver::decidePolicy(WebKitPolicyDecision* decision,
 
   if (type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION ||
       type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION) {
+    if (abandoned_ && type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION) {
+      // The request that timed out before it started: the core has its failure already.
+      abandoned_ = false;
+      webkit_policy_decision_ignore(decision);
+      return TRUE;
+    }
     if (swallowAction_ && type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION) {
       // The reissue of a request the delegate already allowed.
       swallowAction_ = false;

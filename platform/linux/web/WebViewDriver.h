@@ -100,6 +100,7 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
   guint timeoutSource_ = 0;
   bool requestStarted_ = false;  // the load of request_ has started (its FINISHED ends the timer)
   bool timedOut_ = false;        // the time-out stopped the load: its failure reads -1001
+  bool abandoned_ = false;       // timed out before it started: its action is refused unasked
 
   // The navigation in flight.
   bool started_ = false;
