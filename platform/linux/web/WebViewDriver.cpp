@@ -20,6 +20,18 @@ namespace {
 constexpr const char* kCacheControlHeader = "Cache-Control";
 constexpr const char* kPragmaHeader = "Pragma";
 constexpr const char* kNoCache = "no-cache";
+constexpr std::string_view kPurposeHeader = "Sec-Purpose";
+constexpr std::string_view kPrefetch = "prefetch";
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return g_ascii_tolower(x) == g_ascii_tolower(y);
+         });
+}
+
+bool isPrefetchHeader(const std::pair<std::string, std::string>& header) {
+  return equalsIgnoringCase(header.first, kPurposeHeader) && header.second == kPrefetch;
+}
 
 // What a signal connection, a timer or a controller knows of its driver: a weak reference.
 struct DriverRef {
@@ -231,6 +243,7 @@ void WebViewDriver::load(const platform::WebRequest& request) {
   timedOut_ = false;
   abandoned_ = false;
   trustRetryUsed_ = false;
+  prefetchFollowUp_ = std::any_of(request.headers.begin(), request.headers.end(), isPrefetchHeader);
   cancelTimeout();
   timeoutSource_ = g_timeout_add_full(
       G_PRIORITY_DEFAULT, static_cast<guint>(std::max<std::int64_t>(request.timeout.count(), 0)),
@@ -426,6 +439,10 @@ void WebViewDriver::loadChanged(WebKitLoadEvent event) {
         swallowFinish_ = false;
         return;
       }
+      if (prefetchFollowUp_ && !failed_) {
+        followUpPrefetch();
+        return;
+      }
       if (requestStarted_) {
         cancelTimeout();
         requestStarted_ = false;
@@ -492,6 +509,22 @@ bool WebViewDriver::reissueTrusted(const char* uri, GTlsCertificate* certificate
     webkit_web_view_load_uri(view_, uri);
   }
   return true;
+}
+
+void WebViewDriver::followUpPrefetch() {
+  // WebKit takes a main-frame request marked "Sec-Purpose: prefetch" for a cross-origin
+  // prefetch: the response goes to its prefetch cache, the view commits an empty document, and
+  // the web process never sees the response. The server has had the marked request; the same
+  // request follows without the mark (WebKit serves it from its prefetch cache when the response
+  // may be stored, and fetches it again otherwise), and only that load is reported to the core,
+  // which saw one start, and sees its response and its finish.
+  prefetchFollowUp_ = false;
+  committed_ = false;
+  swallowAction_ = true;
+  swallowStart_ = true;
+  platform::WebRequest unmarked = *request_;
+  std::erase_if(unmarked.headers, isPrefetchHeader);
+  send(unmarked);  // the time-out keeps running
 }
 
 void WebViewDriver::uriChanged() {

@@ -79,6 +79,7 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
   void cancelTimeout();
   void cancelUrlFlush();
   bool reissueTrusted(const char* uri, GTlsCertificate* certificate);
+  void followUpPrefetch();
 
   WebKitWebView* view_;
   WebKitNetworkSession* session_;
@@ -114,6 +115,10 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
   bool swallowFinish_ = false;
   bool swallowAction_ = false;
   bool swallowStart_ = false;
+
+  // The load of request_ carries "Sec-Purpose: prefetch": when the engine has finished it
+  // without a failure, the same request follows without the mark (see followUpPrefetch()).
+  bool prefetchFollowUp_ = false;
 };
 
 }  // namespace vemba::linux_platform
