@@ -3,6 +3,7 @@
 #include <gtk/gtk.h>
 
 #include <algorithm>
+#include <string>
 
 #include "GtkAnimation.h"
 #include "GtkCss.h"
@@ -42,8 +43,7 @@ constexpr int kFrameStrength = GTK_CONSTRAINT_STRENGTH_STRONG;
 // A constraint in this view's layout and the (direct child) views it names.
 struct GtkViewState::ConstraintRecord {
   GtkConstraint* constraint = nullptr;
-  const GtkViewState* first = nullptr;
-  const GtkViewState* second = nullptr;
+  const GtkViewState* other = nullptr;  // a view the constraint names besides its target/source
 };
 
 GtkViewState::GtkViewState(GtkWidget* widget, platform::View& self)
@@ -89,25 +89,31 @@ GtkWidget* gtkWidgetOf(const platform::View& view) {
   return state != nullptr ? state->widget() : nullptr;
 }
 
-void GtkViewState::setCss(const std::string& key, std::string declarations) {
-  auto found = std::find_if(cssBlocks_.begin(), cssBlocks_.end(),
-                            [&key](const auto& block) { return block.first == key; });
+void GtkViewState::setCss(const std::string& key, std::string declarations, std::string subnode) {
+  auto found = std::find_if(cssBlocks_.begin(), cssBlocks_.end(), [&](const CssBlock& block) {
+    return block.key == key && block.subnode == subnode;
+  });
   if (found != cssBlocks_.end()) {
-    found->second = std::move(declarations);
+    found->declarations = std::move(declarations);
   } else {
-    cssBlocks_.emplace_back(key, std::move(declarations));
+    cssBlocks_.push_back({key, std::move(subnode), std::move(declarations)});
   }
-  std::string text = "* {";
-  for (const auto& [name, block] : cssBlocks_) {
-    text += block;
-  }
-  text += "}";
   if (css_ == nullptr) {
+    static unsigned nextClass = 0;
+    cssClass_ = "vemba-v" + std::to_string(++nextClass);
+    gtk_widget_add_css_class(widget_, cssClass_.c_str());
     css_ = gtk_css_provider_new();
+    // A provider on a widget's style context also reaches the CSS nodes of its descendants;
+    // the rules below select this widget's own class so they style nothing else.
     G_GNUC_BEGIN_IGNORE_DEPRECATIONS
     gtk_style_context_add_provider(gtk_widget_get_style_context(widget_), GTK_STYLE_PROVIDER(css_),
                                    GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
     G_GNUC_END_IGNORE_DEPRECATIONS
+  }
+  std::string text;
+  for (const CssBlock& block : cssBlocks_) {
+    text += "." + cssClass_ + (block.subnode.empty() ? "" : " " + block.subnode) + " {" +
+            block.declarations + "}\n";
   }
   gtk_css_provider_load_from_data(css_, text.c_str(), static_cast<gssize>(text.size()));
 }
@@ -170,7 +176,7 @@ void GtkViewState::rememberConstraint(GtkConstraint* constraint, GtkViewState* o
   // `constraint` is already in this view's layout with a reference held for removal.
   auto record = std::make_unique<ConstraintRecord>();
   record->constraint = constraint;
-  record->second = other;
+  record->other = other;
   constraints_.push_back(std::move(record));
 }
 
@@ -180,7 +186,7 @@ void GtkViewState::removeConstraintsNaming(const GtkViewState& view) {
     const auto* target = gtk_constraint_get_target(record->constraint);
     const auto* source = gtk_constraint_get_source(record->constraint);
     const auto* widget = GTK_CONSTRAINT_TARGET(view.widget_);
-    return target == widget || source == widget || record->second == &view;
+    return target == widget || source == widget || record->other == &view;
   };
   for (const auto& record : constraints_) {
     if (names(record)) {
