@@ -8,6 +8,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-14 libclang-rt-14-dev clang-format-14
   python3 openssl ca-certificates
+  libgtk-4-dev libwebkitgtk-6.0-dev xvfb xauth libgl1-mesa-dri fonts-dejavu-core
 )
 
 missing=()

@@ -74,9 +74,12 @@ GtkProgressBarView::GtkProgressBarView() : GtkViewBase(gtk_progress_bar_new()) {
   const std::string flat =
       "min-height: 1px; border: none; box-shadow: none; background-image: none;";
   setCss("line", flat + " padding: 0; margin: 0;");
-  setCss("trough", flat + " min-width: 0; border-radius: 0; background-color: transparent;",
-         "trough");
-  setCss("progress", flat + " min-width: 0; border-radius: 0;", "progress");
+  setCss(
+      "trough",
+      flat +
+          " min-width: 0; margin: 0; padding: 0; border-radius: 0; background-color: transparent;",
+      "trough");
+  setCss("progress", flat + " min-width: 0; margin: 0; border-radius: 0;", "progress");
 }
 
 void GtkProgressBarView::setProgress(float progress, bool animated) {

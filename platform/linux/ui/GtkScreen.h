@@ -83,6 +83,8 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
   GtkWidget* titleLabel() const { return titleLabel_; }
   GtkWidget* rightItemButton() const { return rightButton_; }
   GtkWidget* barRevealer() const { return revealer_; }
+  // The window's key controller that turns Escape into the user's dismissal of this sheet.
+  void* escapeController() const { return escapeController_; }
 
  private:
   explicit GtkScreen(Kind kind);

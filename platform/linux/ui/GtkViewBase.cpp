@@ -27,8 +27,10 @@ GtkConstraint* addConstraint(GtkConstraintLayout* layout, GtkConstraint* constra
   return constraint;
 }
 
+// GtkConstraintLayout drops the constraints of a child that leaves it on its own; only a
+// constraint still attached is removed here.
 void removeConstraint(GtkConstraintLayout* layout, GtkConstraint* constraint) {
-  if (layout != nullptr) {
+  if (layout != nullptr && gtk_constraint_is_attached(constraint)) {
     gtk_constraint_layout_remove_constraint(layout, constraint);
   }
   g_object_unref(constraint);
@@ -75,6 +77,8 @@ GtkViewState::~GtkViewState() {
     gtk_widget_unparent(widget_);
   }
   if (css_ != nullptr) {
+    gtk_style_context_remove_provider_for_display(gtk_widget_get_display(widget_),
+                                                  GTK_STYLE_PROVIDER(css_));
     g_object_unref(css_);
   }
   g_object_unref(widget_);
@@ -103,12 +107,11 @@ void GtkViewState::setCss(const std::string& key, std::string declarations, std:
     cssClass_ = "vemba-v" + std::to_string(++nextClass);
     gtk_widget_add_css_class(widget_, cssClass_.c_str());
     css_ = gtk_css_provider_new();
-    // A provider on a widget's style context also reaches the CSS nodes of its descendants;
-    // the rules below select this widget's own class so they style nothing else.
-    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
-    gtk_style_context_add_provider(gtk_widget_get_style_context(widget_), GTK_STYLE_PROVIDER(css_),
-                                   GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-    G_GNUC_END_IGNORE_DEPRECATIONS
+    // A provider on a widget's own style context does not reach its subnodes (a progress bar's
+    // trough), so the view's rules go to the display, selecting this view's class alone.
+    gtk_style_context_add_provider_for_display(gtk_widget_get_display(widget_),
+                                               GTK_STYLE_PROVIDER(css_),
+                                               GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
   }
   std::string text;
   for (const CssBlock& block : cssBlocks_) {
@@ -182,18 +185,16 @@ void GtkViewState::rememberConstraint(GtkConstraint* constraint, GtkViewState* o
 
 void GtkViewState::removeConstraintsNaming(const GtkViewState& view) {
   GtkConstraintLayout* layout = constraintLayoutOf(widget_);
-  auto names = [&view](const std::unique_ptr<ConstraintRecord>& record) {
-    const auto* target = gtk_constraint_get_target(record->constraint);
-    const auto* source = gtk_constraint_get_source(record->constraint);
-    const auto* widget = GTK_CONSTRAINT_TARGET(view.widget_);
-    return target == widget || source == widget || record->other == &view;
-  };
-  for (const auto& record : constraints_) {
-    if (names(record)) {
+  const auto* widget = GTK_CONSTRAINT_TARGET(view.widget_);
+  std::erase_if(constraints_, [&](const std::unique_ptr<ConstraintRecord>& record) {
+    const bool names = gtk_constraint_get_target(record->constraint) == widget ||
+                       gtk_constraint_get_source(record->constraint) == widget ||
+                       record->other == &view;
+    if (names) {
       removeConstraint(layout, record->constraint);
     }
-  }
-  std::erase_if(constraints_, names);
+    return names;
+  });
 }
 
 // --- Geometry ---
