@@ -7,12 +7,20 @@
 #include "ui/GtkUi.h"
 
 #if defined(VEMBA_GUI_TESTS_UNDER_SANITIZERS)
-// LeakSanitizer suppressions, by named library only. fontconfig keeps its configuration and font
-// patterns for the life of the process and frees them only in FcFini(), which GTK never calls.
-// (Defined here, in the object every GUI test links, so the linker keeps it.)
+// Sanitizer suppressions, by named library only (defined here, in the object every GUI test
+// links, so the linker keeps them; each sanitizer reads only its own).
+// - LeakSanitizer: fontconfig keeps its configuration and font patterns for the life of the
+//   process and frees them only in FcFini(), which GTK never calls.
+// - ThreadSanitizer: GLib's mutexes and bit locks are futex-based in these uninstrumented
+//   libraries, so TSan cannot see the ordering of GLib's and fontconfig's own worker threads
+//   (GTask pool, GDBus, font loading) against the main thread.
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {
   return "leak:libfontconfig.so\n";
+}
+extern "C" const char* __tsan_default_suppressions();
+extern "C" const char* __tsan_default_suppressions() {
+  return "race:libglib-2.0.so\nrace:libgobject-2.0.so\nrace:libfontconfig.so\n";
 }
 #endif
 
