@@ -8,6 +8,8 @@
 #include "GtkControls.h"
 #include "GtkCss.h"
 #include "GtkViewBase.h"
+#include "platform/LogSink.h"
+#include "platform/Services.h"
 
 namespace vemba::linux_platform {
 
@@ -22,6 +24,8 @@ constexpr const char* kPanelCss =
     "border-top-right-radius: 12px; box-shadow: 0 0 12px rgba(0, 0, 0, 0.3);";
 // "xmark" names the platform's close glyph; the theme's symbolic close icon is its equivalent.
 constexpr const char* kCloseIconName = "window-close-symbolic";
+constexpr std::string_view kNoWindowLine =
+    "a screen that is shown in no window cannot present another; nothing is presented";
 
 using WeakScreen = std::weak_ptr<GtkScreen>;
 
@@ -373,7 +377,9 @@ void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool anim
   }
   GtkWindow* target = window();
   if (target == nullptr) {
-    g_warning("vemba: a screen that is in no window cannot present another");
+    if (platform::LogSink* sink = platform::services().log) {
+      sink->write(platform::LogSeverity::error, "vemba", "ui", kNoWindowLine);
+    }
     return;
   }
   GtkWidget* overlay = windowOverlay(target);
