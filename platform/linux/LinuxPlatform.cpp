@@ -4,6 +4,8 @@
 #include "LinuxDevice.h"
 #include "StderrLogSink.h"
 #include "platform/Services.h"
+#include "ui/GtkApplication.h"
+#include "ui/GtkUi.h"
 
 namespace vemba::linux_platform {
 namespace {
@@ -29,6 +31,10 @@ struct LinuxServices {
     services.advertisingId = &device;
     services.uuids = &uuids;
     services.log = &log;
+    // GTK is initialised on the first call, on the main thread, so a process that never shows
+    // anything never connects to a display.
+    services.ui = [] { return gtkUi(); };
+    services.application = [] { return gtkApplication(); };
   }
 };
 

@@ -33,3 +33,34 @@ std::string cssColor(const platform::Color& color) {
 }
 
 }  // namespace vemba::linux_platform
+
+#include <gtk/gtk.h>
+
+namespace vemba::linux_platform {
+
+namespace {
+constexpr const char* kProviderKey = "vemba-css-provider";
+}  // namespace
+
+void styleWidget(GtkWidget* widget, const std::string& declarations) {
+  auto* provider = static_cast<GtkCssProvider*>(g_object_get_data(G_OBJECT(widget), kProviderKey));
+  if (provider == nullptr) {
+    static unsigned nextClass = 0;
+    const std::string cssClass = "vemba-w" + std::to_string(++nextClass);
+    gtk_widget_add_css_class(widget, cssClass.c_str());
+    provider = gtk_css_provider_new();
+    g_object_set_data_full(G_OBJECT(widget), kProviderKey, provider, g_object_unref);
+    g_object_set_data_full(G_OBJECT(widget), "vemba-css-class", g_strdup(cssClass.c_str()), g_free);
+    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+    gtk_style_context_add_provider(gtk_widget_get_style_context(widget),
+                                   GTK_STYLE_PROVIDER(provider),
+                                   GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+    G_GNUC_END_IGNORE_DEPRECATIONS
+  }
+  const auto* cssClass =
+      static_cast<const char*>(g_object_get_data(G_OBJECT(widget), "vemba-css-class"));
+  const std::string text = std::string(".") + cssClass + " {" + declarations + "}";
+  gtk_css_provider_load_from_data(provider, text.c_str(), static_cast<gssize>(text.size()));
+}
+
+}  // namespace vemba::linux_platform

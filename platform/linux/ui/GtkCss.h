@@ -15,3 +15,13 @@ std::string cssNumber(double value);
 std::string cssColor(const platform::Color& color);
 
 }  // namespace vemba::linux_platform
+
+using GtkWidget = struct _GtkWidget;
+
+namespace vemba::linux_platform {
+
+// Styles `widget` alone with `declarations` through a provider and a CSS class of its own (for
+// widgets that are not views: bar items, sheet panels). Replaces what an earlier call set.
+void styleWidget(GtkWidget* widget, const std::string& declarations);
+
+}  // namespace vemba::linux_platform

@@ -3,6 +3,7 @@
 #include <gtk/gtk.h>
 
 #include <algorithm>
+#include <string>
 
 #include "GtkAnimation.h"
 #include "GtkCss.h"
@@ -26,8 +27,10 @@ GtkConstraint* addConstraint(GtkConstraintLayout* layout, GtkConstraint* constra
   return constraint;
 }
 
+// GtkConstraintLayout drops the constraints of a child that leaves it on its own; only a
+// constraint still attached is removed here.
 void removeConstraint(GtkConstraintLayout* layout, GtkConstraint* constraint) {
-  if (layout != nullptr) {
+  if (layout != nullptr && gtk_constraint_is_attached(constraint)) {
     gtk_constraint_layout_remove_constraint(layout, constraint);
   }
   g_object_unref(constraint);
@@ -42,8 +45,7 @@ constexpr int kFrameStrength = GTK_CONSTRAINT_STRENGTH_STRONG;
 // A constraint in this view's layout and the (direct child) views it names.
 struct GtkViewState::ConstraintRecord {
   GtkConstraint* constraint = nullptr;
-  const GtkViewState* first = nullptr;
-  const GtkViewState* second = nullptr;
+  const GtkViewState* other = nullptr;  // a view the constraint names besides its target/source
 };
 
 GtkViewState::GtkViewState(GtkWidget* widget, platform::View& self)
@@ -75,6 +77,8 @@ GtkViewState::~GtkViewState() {
     gtk_widget_unparent(widget_);
   }
   if (css_ != nullptr) {
+    gtk_style_context_remove_provider_for_display(gtk_widget_get_display(widget_),
+                                                  GTK_STYLE_PROVIDER(css_));
     g_object_unref(css_);
   }
   g_object_unref(widget_);
@@ -89,25 +93,30 @@ GtkWidget* gtkWidgetOf(const platform::View& view) {
   return state != nullptr ? state->widget() : nullptr;
 }
 
-void GtkViewState::setCss(const std::string& key, std::string declarations) {
-  auto found = std::find_if(cssBlocks_.begin(), cssBlocks_.end(),
-                            [&key](const auto& block) { return block.first == key; });
+void GtkViewState::setCss(const std::string& key, std::string declarations, std::string subnode) {
+  auto found = std::find_if(cssBlocks_.begin(), cssBlocks_.end(), [&](const CssBlock& block) {
+    return block.key == key && block.subnode == subnode;
+  });
   if (found != cssBlocks_.end()) {
-    found->second = std::move(declarations);
+    found->declarations = std::move(declarations);
   } else {
-    cssBlocks_.emplace_back(key, std::move(declarations));
+    cssBlocks_.push_back({key, std::move(subnode), std::move(declarations)});
   }
-  std::string text = "* {";
-  for (const auto& [name, block] : cssBlocks_) {
-    text += block;
-  }
-  text += "}";
   if (css_ == nullptr) {
+    static unsigned nextClass = 0;
+    cssClass_ = "vemba-v" + std::to_string(++nextClass);
+    gtk_widget_add_css_class(widget_, cssClass_.c_str());
     css_ = gtk_css_provider_new();
-    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
-    gtk_style_context_add_provider(gtk_widget_get_style_context(widget_), GTK_STYLE_PROVIDER(css_),
-                                   GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-    G_GNUC_END_IGNORE_DEPRECATIONS
+    // A provider on a widget's own style context does not reach its subnodes (a progress bar's
+    // trough), so the view's rules go to the display, selecting this view's class alone.
+    gtk_style_context_add_provider_for_display(gtk_widget_get_display(widget_),
+                                               GTK_STYLE_PROVIDER(css_),
+                                               GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+  }
+  std::string text;
+  for (const CssBlock& block : cssBlocks_) {
+    text += "." + cssClass_ + (block.subnode.empty() ? "" : " " + block.subnode) + " {" +
+            block.declarations + "}\n";
   }
   gtk_css_provider_load_from_data(css_, text.c_str(), static_cast<gssize>(text.size()));
 }
@@ -170,24 +179,22 @@ void GtkViewState::rememberConstraint(GtkConstraint* constraint, GtkViewState* o
   // `constraint` is already in this view's layout with a reference held for removal.
   auto record = std::make_unique<ConstraintRecord>();
   record->constraint = constraint;
-  record->second = other;
+  record->other = other;
   constraints_.push_back(std::move(record));
 }
 
 void GtkViewState::removeConstraintsNaming(const GtkViewState& view) {
   GtkConstraintLayout* layout = constraintLayoutOf(widget_);
-  auto names = [&view](const std::unique_ptr<ConstraintRecord>& record) {
-    const auto* target = gtk_constraint_get_target(record->constraint);
-    const auto* source = gtk_constraint_get_source(record->constraint);
-    const auto* widget = GTK_CONSTRAINT_TARGET(view.widget_);
-    return target == widget || source == widget || record->second == &view;
-  };
-  for (const auto& record : constraints_) {
-    if (names(record)) {
+  const auto* widget = GTK_CONSTRAINT_TARGET(view.widget_);
+  std::erase_if(constraints_, [&](const std::unique_ptr<ConstraintRecord>& record) {
+    const bool names = gtk_constraint_get_target(record->constraint) == widget ||
+                       gtk_constraint_get_source(record->constraint) == widget ||
+                       record->other == &view;
+    if (names) {
       removeConstraint(layout, record->constraint);
     }
-  }
-  std::erase_if(constraints_, names);
+    return names;
+  });
 }
 
 // --- Geometry ---

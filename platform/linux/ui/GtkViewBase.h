@@ -58,9 +58,10 @@ class GtkViewState {
   platform::View& view() const { return *self_; }
 
   // A CSS declaration block ("background-color: …; border-radius: …;") kept under `key` and
-  // applied to this widget alone; an empty block removes the key. Subclasses style themselves
+  // applied to this widget alone (through a class of its own, so descendant widgets are not
+  // styled), or to its CSS subnode `subnode` ("trough") when given. Subclasses style themselves
   // through it so every property of one view lives in one provider.
-  void setCss(const std::string& key, std::string declarations);
+  void setCss(const std::string& key, std::string declarations, std::string subnode = {});
 
   // Called by Ui::activate(): remembers a constraint that names this view and lives in this
   // view's constraint layout, so it is removed with either view.
@@ -113,7 +114,13 @@ class GtkViewState {
   // The frame constraints this view has in its superview's layout.
   std::vector<GtkConstraint*> frameConstraints_;
   GtkCssProvider* css_ = nullptr;
-  std::vector<std::pair<std::string, std::string>> cssBlocks_;
+  struct CssBlock {
+    std::string key;
+    std::string subnode;
+    std::string declarations;
+  };
+  std::vector<CssBlock> cssBlocks_;
+  std::string cssClass_;
   platform::Rect frame_;
   unsigned mask_ = 0;
   bool translates_ = true;

@@ -1,0 +1,132 @@
+// Screens of the GTK backend, presented inside the window of the screen they are presented
+// from. Main thread only.
+//
+// The first presentation in a window wraps the window's content in a GtkOverlay; each presented
+// screen is then an overlay child above everything presented before it:
+// - full-screen style: the screen's root view covers the window;
+// - automatic style (a sheet): a panel over a dimmed backdrop; Escape or a click on the backdrop
+//   is the user's dismissal (the sheet is dismissed, then its PresentationDelegate is told).
+// A navigation container's view is a column of a header bar (its root's title and right bar
+// item) in a GtkRevealer and its root screen's view.
+//
+// Lifetimes follow platform::Screen: the creator owns a screen; while presented, the presenter
+// holds it and its ScreenDelegate and releases both before the dismissal's completion runs. A
+// window's own screen (forWindow()) lives as long as the window.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Screen.h"
+#include "platform/View.h"
+
+using GtkWidget = struct _GtkWidget;
+using GtkWindow = struct _GtkWindow;
+
+namespace vemba::linux_platform {
+
+class GtkScreen final : public platform::Screen, public std::enable_shared_from_this<GtkScreen> {
+ public:
+  // Transitions of animated presentations and dismissals.
+  static constexpr std::chrono::duration<double> kTransitionDuration{0.25};
+  // The navigation bar's show and hide animation (the revealer's transition).
+  static constexpr std::chrono::milliseconds kBarHideShowDuration{200};
+  // A sheet's panel: at most this wide, centred, this far below the window's top edge.
+  static constexpr int kSheetMaxWidth = 640;
+  static constexpr int kSheetTopInset = 32;
+
+  static std::shared_ptr<GtkScreen> createPlain();
+  static std::shared_ptr<GtkScreen> createNavigation(std::shared_ptr<platform::Screen> root);
+  // The screen at the root of `window`'s content: one per window, made on first request, living
+  // as long as the window. Its view is the window's content (wrapped in the overlay).
+  static std::shared_ptr<GtkScreen> forWindow(GtkWindow* window);
+
+  ~GtkScreen() override;
+  GtkScreen(const GtkScreen&) = delete;
+  GtkScreen& operator=(const GtkScreen&) = delete;
+
+  Kind kind() const override { return kind_; }
+  platform::View& view() override;
+  bool isViewLoaded() const override { return view_ != nullptr; }
+  void setDelegate(std::weak_ptr<platform::ScreenDelegate> delegate) override;
+  void setPresentationDelegate(std::weak_ptr<platform::PresentationDelegate> delegate) override;
+  void setTitle(std::string title) override;
+  std::string title() const override { return title_; }
+  void setRightBarButtonItem(std::optional<platform::BarButtonItem> item) override;
+  void setModalPresentationStyle(platform::ModalPresentationStyle style) override;
+  void presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
+                     std::function<void()> completion) override;
+  void dismiss(bool animated, std::function<void()> completion) override;
+  std::shared_ptr<platform::Screen> presentedScreen() const override { return presented_; }
+  platform::Screen* presentingScreen() const override { return presenting_; }
+  std::shared_ptr<platform::Screen> visibleScreen() const override;
+  std::shared_ptr<platform::Screen> selectedScreen() const override { return nullptr; }
+  platform::Screen* navigationContainer() const override { return container_; }
+  void setNavigationBarHidden(bool hidden, bool animated) override;
+  bool isNavigationBarHidden() const override { return barHidden_; }
+
+  // The user's dismissal of this presented sheet (Escape, a backdrop click); false when this
+  // screen is not a presented sheet or a dismissal is under way. Tests call it directly too.
+  bool userDismiss();
+
+  // Tests and tools: the window this screen is shown in (or would present into), the widgets
+  // of its presentation and navigation bar (null when there are none).
+  GtkWindow* window() const;
+  GtkWidget* presentationWidget() const { return presentation_; }
+  GtkWidget* sheetPanel() const { return panel_; }
+  GtkWidget* sheetBackdrop() const { return backdrop_; }
+  GtkWidget* headerBar() const { return headerBar_; }
+  GtkWidget* titleLabel() const { return titleLabel_; }
+  GtkWidget* rightItemButton() const { return rightButton_; }
+  GtkWidget* barRevealer() const { return revealer_; }
+  // The window's key controller that turns Escape into the user's dismissal of this sheet.
+  void* escapeController() const { return escapeController_; }
+
+ private:
+  explicit GtkScreen(Kind kind);
+
+  void appear();
+  void buildPresentation(GtkWidget* overlay);
+  void tearDownPresentation();
+  void endPresentation();
+  void updateBar();
+  GtkWidget* contentWidget();
+
+  Kind kind_;
+  GtkWindow* windowOfOwn_ = nullptr;  // forWindow() screens only; the window outlives them
+  std::shared_ptr<platform::View> view_;
+  std::weak_ptr<platform::ScreenDelegate> delegate_;
+  std::weak_ptr<platform::PresentationDelegate> presentationDelegate_;
+  std::string title_;
+  std::optional<platform::BarButtonItem> rightItem_;
+  platform::ModalPresentationStyle style_ = platform::ModalPresentationStyle::automatic;
+
+  // Navigation containers.
+  std::shared_ptr<GtkScreen> root_;
+  GtkScreen* container_ = nullptr;
+  GtkWidget* revealer_ = nullptr;
+  GtkWidget* headerBar_ = nullptr;
+  GtkWidget* titleLabel_ = nullptr;
+  GtkWidget* rightButton_ = nullptr;
+  bool barHidden_ = false;
+
+  // Presentation (this screen presenting a child).
+  std::shared_ptr<GtkScreen> presented_;
+  std::shared_ptr<platform::ScreenDelegate> presentedDelegate_;
+  GtkScreen* presenting_ = nullptr;
+  bool dismissing_ = false;
+  std::vector<std::function<void()>> dismissCompletions_;
+
+  // This screen's own presentation widgets while it is presented.
+  GtkWidget* presentation_ = nullptr;
+  GtkWidget* panel_ = nullptr;
+  GtkWidget* backdrop_ = nullptr;
+  GtkWidget* escapeWindow_ = nullptr;  // the window holding escapeController_
+  void* escapeController_ = nullptr;
+};
+
+}  // namespace vemba::linux_platform

@@ -1,0 +1,41 @@
+// The GTK user-interface factory (platform::Ui). Made once, lazily, on the main thread by
+// gtkUi(); lives for the process. Main thread only.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/Ui.h"
+
+namespace vemba::linux_platform {
+
+class GtkUi final : public platform::Ui {
+ public:
+  std::shared_ptr<platform::Screen> createScreen() override;
+  std::shared_ptr<platform::Screen> createNavigationScreen(
+      std::shared_ptr<platform::Screen> root) override;
+  std::shared_ptr<platform::View> createView() override;
+  std::shared_ptr<platform::Button> createButton() override;
+  std::shared_ptr<platform::ProgressBar> createProgressBar() override;
+  std::shared_ptr<platform::UserContentController> createUserContentController() override;
+  std::shared_ptr<platform::WebView> createWebView(
+      platform::Rect frame, const platform::WebViewConfiguration& configuration) override;
+  std::shared_ptr<platform::EmitterLayer> createEmitterLayer() override;
+
+  // Safe-area anchors are the view's own edges: a desktop window has no insets.
+  void activate(const std::vector<platform::LayoutConstraint>& constraints) override;
+
+  void animate(std::chrono::duration<double> duration, std::function<void()> animations,
+               std::function<void(bool finished)> completion) override;
+  std::chrono::duration<double> navigationBarHideShowDuration() const override;
+  // The monotonic clock in seconds (the clock frame clocks and the emitter run on).
+  double currentMediaTime() const override;
+};
+
+// The process's GTK user interface: initialises GTK on the first call (gtk_init_check()); null,
+// after one error line in the log, when there is no display. Main thread only.
+platform::Ui* gtkUi();
+
+}  // namespace vemba::linux_platform

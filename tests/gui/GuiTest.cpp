@@ -1,0 +1,83 @@
+#include "GuiTest.h"
+
+#include <gtk/gtk.h>
+
+#include <cstdlib>
+
+#include "ui/GtkUi.h"
+
+#if defined(VEMBA_GUI_TESTS_UNDER_SANITIZERS)
+// Sanitizer suppressions, by named library only (defined here, in the object every GUI test
+// links, so the linker keeps them; each sanitizer reads only its own).
+// - LeakSanitizer: fontconfig keeps its configuration and font patterns for the life of the
+//   process and frees them only in FcFini(), which GTK never calls.
+// - ThreadSanitizer: GLib's mutexes and bit locks are futex-based in these uninstrumented
+//   libraries, so TSan cannot see the ordering of GLib's and fontconfig's own worker threads
+//   (GTask pool, GDBus, font loading) against the main thread.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:libfontconfig.so\n";
+}
+extern "C" const char* __tsan_default_suppressions();
+extern "C" const char* __tsan_default_suppressions() {
+  return "race:libglib-2.0.so\nrace:libgobject-2.0.so\nrace:libfontconfig.so\n";
+}
+#endif
+
+namespace vemba::gui_test {
+
+void GuiTest::SetUp() {
+  if (std::getenv("DISPLAY") == nullptr && std::getenv("WAYLAND_DISPLAY") == nullptr) {
+    GTEST_SKIP() << "no display: run under xvfb-run -a";
+  }
+#if defined(VEMBA_GUI_TESTS_UNDER_SANITIZERS)
+  g_setenv("GDK_DEBUG", "gl-disable", FALSE);  // see tests/gui/CMakeLists.txt
+#endif
+  ui = linux_platform::gtkUi();
+  ASSERT_NE(ui, nullptr) << "GTK could not be initialised on this display";
+  window = GTK_WINDOW(gtk_window_new());
+  gtk_window_set_default_size(window, kWindowWidth, kWindowHeight);
+  gtk_window_present(window);
+  ASSERT_TRUE(runUntil([this] { return gtk_widget_get_width(GTK_WIDGET(window)) > 0; }));
+}
+
+void GuiTest::TearDown() {
+  if (window != nullptr) {
+    gtk_window_destroy(window);
+    runFor(std::chrono::milliseconds(20));
+  }
+}
+
+bool GuiTest::runUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
+  bool expired = false;
+  const guint guard = g_timeout_add(
+      static_cast<guint>(limit.count()),
+      +[](gpointer flag) {
+        *static_cast<bool*>(flag) = true;
+        return G_SOURCE_REMOVE;
+      },
+      &expired);
+  while (!condition() && !expired) {
+    g_main_context_iteration(nullptr, TRUE);
+  }
+  if (!expired) {
+    g_source_remove(guard);
+  }
+  return condition();
+}
+
+void GuiTest::runFor(std::chrono::milliseconds span) {
+  bool expired = false;
+  g_timeout_add(
+      static_cast<guint>(span.count()),
+      +[](gpointer flag) {
+        *static_cast<bool*>(flag) = true;
+        return G_SOURCE_REMOVE;
+      },
+      &expired);
+  while (!expired) {
+    g_main_context_iteration(nullptr, TRUE);
+  }
+}
+
+}  // namespace vemba::gui_test

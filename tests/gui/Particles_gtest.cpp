@@ -1,0 +1,105 @@
+// The emitter's particle model, stepped by hand (no GTK, no clock).
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "ui/ParticleSystem.h"
+
+namespace vemba::linux_platform {
+namespace {
+
+platform::EmitterCell cell(float birthRate, float lifetime) {
+  platform::EmitterCell c;
+  c.birthRate = birthRate;
+  c.lifetime = lifetime;
+  return c;
+}
+
+// Steps from `from` to `to` in frames of 1/60 s.
+void run(ParticleSystem& system, double from, double to) {
+  for (double t = from; t <= to + 1e-9; t += 1.0 / 60.0) {
+    system.step(t);
+  }
+}
+
+TEST(ParticleSystem, BirthsFollowTheCellRateTimesTheLayerRateFromTheBeginTimes) {
+  const struct {
+    float cellRate;
+    float layerRate;
+    double cellBegin;
+    std::size_t expected;  // over 2 s from a layer begin time of 10 s, lifetime longer
+  } cases[] = {
+      {10.0F, 1.0F, 0.0, 20}, {10.0F, 2.0F, 0.0, 40},
+      {10.0F, 0.0F, 0.0, 0},  {10.0F, 1.0F, 1.0, 10},  // the cell starts one second after the layer
+      {0.0F, 1.0F, 0.0, 0},
+  };
+  for (const auto& c : cases) {
+    ParticleSystem system(7);
+    auto emitting = cell(c.cellRate, 100.0F);
+    emitting.beginTime = c.cellBegin;
+    system.cells = {emitting};
+    system.beginTime = 10.0;
+    system.birthRate = c.layerRate;
+    run(system, 9.0, 12.0);
+    const auto count = static_cast<double>(system.particles().size());
+    EXPECT_NEAR(count, static_cast<double>(c.expected), 1.0)
+        << c.cellRate << " × " << c.layerRate << " from +" << c.cellBegin;
+  }
+}
+
+TEST(ParticleSystem, ParticlesDieAtTheirLifetimeAndStoppingBirthsEmptiesTheLayer) {
+  ParticleSystem system(3);
+  system.cells = {cell(30.0F, 0.5F)};
+  run(system, 0.0, 2.0);
+  EXPECT_NEAR(static_cast<double>(system.particles().size()), 15.0, 2.0);  // 30/s × 0.5 s
+  for (const Particle& p : system.particles()) {
+    EXPECT_LT(p.age, 0.5);
+  }
+  system.birthRate = 0.0F;
+  run(system, 2.0, 2.6);
+  EXPECT_TRUE(system.particles().empty());
+}
+
+TEST(ParticleSystem, RectangleShapeVelocityRangeAndAccelerationBoundTheMotion) {
+  ParticleSystem system(11);
+  auto falling = cell(200.0F, 10.0F);
+  falling.velocityRange = 50.0;
+  falling.emissionRange = M_PI;
+  falling.yAcceleration = 100.0;
+  falling.spin = 2.0;
+  falling.spinRange = 1.0;
+  system.cells = {falling};
+  system.shape = platform::EmitterLayer::Shape::rectangle;
+  system.position = {200.0, -10.0};
+  system.size = {400.0, 20.0};
+  system.step(0.0);
+  system.step(0.01);  // born within the first 10 ms
+  ASSERT_FALSE(system.particles().empty());
+  for (const Particle& p : system.particles()) {
+    EXPECT_GE(p.x, -1.0);
+    EXPECT_LE(p.x, 401.0);
+    EXPECT_GE(p.y, -21.0);
+    EXPECT_LE(p.y, 1.0);
+    EXPECT_LE(std::hypot(p.vx, p.vy), 50.0 + 100.0 * 0.01 + 1e-9);
+    EXPECT_GE(p.spin, 1.0);
+    EXPECT_LE(p.spin, 3.0);
+  }
+  const double yBefore = system.particles().front().y;
+  const double vyBefore = system.particles().front().vy;
+  system.birthRate = 0.0F;
+  system.step(1.01);
+  // One second of fall: y grows by vy·t + a·t²/2 (within the integration error of one step).
+  EXPECT_NEAR(system.particles().front().y, yBefore + vyBefore + 100.0, 50.0 + 1e-6);
+  EXPECT_GT(system.particles().front().vy, vyBefore + 99.0);
+}
+
+TEST(ParticleSystem, ARunawayRateIsCapped) {
+  ParticleSystem system(5);
+  system.cells = {cell(1e7F, 100.0F)};
+  system.step(0.0);
+  system.step(1.0);
+  EXPECT_EQ(system.particles().size(), ParticleSystem::kMaxParticles);
+}
+
+}  // namespace
+}  // namespace vemba::linux_platform

@@ -1,0 +1,142 @@
+// PNGs of a presented sheet and of a full-screen screen, drawn by the real backend. They are
+// written to $VEMBA_SNAPSHOT_DIR (default: the working directory) for people to look at; the test
+// checks that they were rendered with content.
+#include <gtk/gtk.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "GuiTest.h"
+#include "ui/GtkScreen.h"
+#include "ui/WindowSnapshot.h"
+#include "vemba/linux/Screens.h"
+
+namespace vemba::gui_test {
+namespace {
+
+using Edge = platform::LayoutAnchor::Attribute;
+
+std::string snapshotPath(const std::string& name) {
+  const char* dir = std::getenv("VEMBA_SNAPSHOT_DIR");
+  return std::string(dir != nullptr ? dir : ".") + "/" + name;
+}
+
+// The pixels of a PNG (ARGB, native endian) and its width; empty when unreadable.
+struct Png {
+  std::vector<guint32> pixels;
+  int width = 0;
+  guint32 at(int x, int y) const {
+    return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                  static_cast<std::size_t>(x)];
+  }
+};
+
+Png readPng(const std::string& path) {
+  Png png;
+  GdkTexture* texture = gdk_texture_new_from_filename(path.c_str(), nullptr);
+  if (texture == nullptr) {
+    return png;
+  }
+  png.width = gdk_texture_get_width(texture);
+  const int height = gdk_texture_get_height(texture);
+  png.pixels.resize(static_cast<std::size_t>(png.width) * static_cast<std::size_t>(height));
+  gdk_texture_download(texture, reinterpret_cast<guchar*>(png.pixels.data()),
+                       static_cast<gsize>(png.width) * 4);
+  g_object_unref(texture);
+  return png;
+}
+
+class SnapshotTest : public GuiTest {};
+
+TEST_F(SnapshotTest, SheetWithTitleCloseItemProgressLineAndContent) {
+  gtk_window_set_child(window, gtk_label_new("Quillfeather Books — the host's own window content"));
+  auto host = screenForWindow(window);
+  auto root = ui->createScreen();
+  root->setTitle("Checkout");
+  root->setRightBarButtonItem(platform::BarButtonItem{});
+  auto sheet = ui->createNavigationScreen(root);
+  bool presented = false;
+  host->presentScreen(sheet, false, [&] { presented = true; });
+  ASSERT_TRUE(runUntil([&] { return presented; }));
+
+  platform::View& view = root->view();
+  view.setBackgroundColor(platform::Color::systemBackground());
+  auto content = ui->createView();
+  content->setTranslatesAutoresizingMaskIntoConstraints(false);
+  content->setBackgroundColor(platform::Color::rgba(0.95, 0.85, 0.55, 1.0));
+  content->setCornerRadius(12);
+  view.addSubview(content);
+  auto line = ui->createProgressBar();
+  line->setTranslatesAutoresizingMaskIntoConstraints(false);
+  line->setTintColor(platform::Color::rgba(0.1, 0.4, 0.9, 1.0));
+  line->setProgress(0.6F, false);
+  view.addSubview(line);
+  ui->activate({{content->anchor(Edge::top), view.anchor(Edge::top), 24},
+                {content->anchor(Edge::leading), view.anchor(Edge::leading), 24},
+                {content->anchor(Edge::trailing), view.anchor(Edge::trailing), -24},
+                {content->anchor(Edge::height), std::nullopt, 200},
+                {line->anchor(Edge::top), view.safeAreaAnchor(Edge::top), 0},
+                {line->anchor(Edge::leading), view.anchor(Edge::leading), 0},
+                {line->anchor(Edge::trailing), view.anchor(Edge::trailing), 0},
+                {line->anchor(Edge::height), std::nullopt, 1}});
+  runFor(std::chrono::milliseconds(300));
+
+  const std::string path = snapshotPath("sheet.png");
+  ASSERT_TRUE(linux_platform::saveWindowPng(window, path));
+  const Png png = readPng(path);
+  ASSERT_EQ(png.width, kWindowWidth);
+  const guint32 backdrop = png.at(20, 300);
+  const guint32 panel = png.at(400, 500);
+  const guint32 card = png.at(400, 200);
+  EXPECT_NE(backdrop, panel);
+  EXPECT_NE(card, panel);
+  EXPECT_GT((card >> 16U) & 0xFFU, card & 0xFFU) << "the card is not yellow";
+}
+
+TEST_F(SnapshotTest, FullScreenScreenWithCloseButton) {
+  auto host = screenForWindow(window);
+  auto screen = ui->createScreen();
+  screen->setModalPresentationStyle(platform::ModalPresentationStyle::fullScreen);
+  bool presented = false;
+  host->presentScreen(screen, false, [&] { presented = true; });
+  ASSERT_TRUE(runUntil([&] { return presented; }));
+  platform::View& root = screen->view();
+  root.setBackgroundColor(platform::Color::rgba(0, 0, 0, 1));
+  auto ad = ui->createView();
+  ad->setFrame(root.bounds());
+  ad->setAutoresizingMask(platform::AutoresizingMask::flexibleWidth |
+                          platform::AutoresizingMask::flexibleHeight);
+  ad->setBackgroundColor(platform::Color::rgba(0.2, 0.6, 0.3, 1.0));
+  root.addSubview(ad);
+  auto close = ui->createButton();
+  close->setTranslatesAutoresizingMaskIntoConstraints(false);
+  close->setTitle("X");
+  close->setTitleColor(platform::Color::rgba(1, 1, 1, 1));
+  close->setBackgroundColor(platform::Color::rgba(0, 0, 0, 0.5));
+  close->setCornerRadius(15);
+  close->setSystemFont(17, platform::Button::FontWeight::bold);
+  root.addSubview(close);
+  ui->activate({{close->anchor(Edge::top), root.safeAreaAnchor(Edge::top), 10},
+                {close->anchor(Edge::trailing), root.anchor(Edge::trailing), -10},
+                {close->anchor(Edge::width), std::nullopt, 30},
+                {close->anchor(Edge::height), std::nullopt, 30}});
+  runFor(std::chrono::milliseconds(300));
+
+  const std::string path = snapshotPath("fullscreen.png");
+  ASSERT_TRUE(linux_platform::saveWindowPng(window, path));
+  const Png png = readPng(path);
+  ASSERT_EQ(png.width, kWindowWidth);
+  const guint32 adColour = png.at(400, 300);
+  EXPECT_GT((adColour >> 8U) & 0xFFU, ((adColour >> 16U) & 0xFFU) + 50)
+      << "the ad view is not green";
+  EXPECT_EQ(png.at(0, 0), adColour) << "the ad view does not fill the window";
+  EXPECT_EQ(png.at(kWindowWidth - 1, 599), adColour);
+  EXPECT_NE(png.at(kWindowWidth - 25, 25), adColour) << "no close button at the top right";
+  EXPECT_EQ(png.at(kWindowWidth - 45, 25), adColour) << "the button is wider than 30";
+  EXPECT_EQ(png.at(kWindowWidth - 25, 45), adColour) << "the button is taller than 30";
+}
+
+}  // namespace
+}  // namespace vemba::gui_test
