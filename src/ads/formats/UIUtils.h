@@ -1,0 +1,31 @@
+// Finds the screen an ad presents from when the host gives none: the top of the key window's
+// screen hierarchy. Stateless; main thread only.
+#pragma once
+
+#include <memory>
+
+namespace vemba::platform {
+class Screen;
+class Window;
+}  // namespace vemba::platform
+
+namespace vemba::ads {
+
+class UIUtils {
+ public:
+  UIUtils() = delete;
+
+  // From `base`, or from the key window's root screen when `base` is absent: the visible screen
+  // of a navigation container, the selected one of a tab container, the presented one of any
+  // other, followed down to a screen that has none of these. Absent when there is no key window
+  // or it has no root screen.
+  static std::shared_ptr<platform::Screen> getTopViewController(
+      std::shared_ptr<platform::Screen> base = nullptr);
+
+ private:
+  // The key window of the first foreground-active window scene, else the first key window of the
+  // application's window list.
+  static std::shared_ptr<platform::Window> getKeyWindow();
+};
+
+}  // namespace vemba::ads
