@@ -23,6 +23,11 @@ std::shared_ptr<platform::Window> firstKeyWindow(
 
 std::shared_ptr<platform::Screen> UIUtils::getTopViewController(
     std::shared_ptr<platform::Screen> base) {
+  return topFrom(std::move(base), false);
+}
+
+std::shared_ptr<platform::Screen> UIUtils::topFrom(std::shared_ptr<platform::Screen> base,
+                                                   bool restarted) {
   if (!base) {
     const std::shared_ptr<platform::Window> keyWindow = getKeyWindow();
     if (!keyWindow) {
@@ -35,18 +40,21 @@ std::shared_ptr<platform::Screen> UIUtils::getTopViewController(
   }
   switch (base->kind()) {
     case platform::Screen::Kind::navigation:
-      // An absent visible screen restarts the search from the key window's root.
-      return getTopViewController(base->visibleScreen());
+      if (std::shared_ptr<platform::Screen> visible = base->visibleScreen()) {
+        return topFrom(std::move(visible), restarted);
+      }
+      // An absent visible screen restarts the search from the key window's root, once.
+      return restarted ? nullptr : topFrom(nullptr, true);
     case platform::Screen::Kind::tab:
       if (std::shared_ptr<platform::Screen> selected = base->selectedScreen()) {
-        return getTopViewController(std::move(selected));
+        return topFrom(std::move(selected), restarted);
       }
       break;
     case platform::Screen::Kind::plain:
       break;
   }
   if (std::shared_ptr<platform::Screen> presented = base->presentedScreen()) {
-    return getTopViewController(std::move(presented));
+    return topFrom(std::move(presented), restarted);
   }
   return base;
 }

@@ -52,8 +52,7 @@ constexpr std::chrono::seconds kRetryDelay{1};
 // The load failures worth one retry: no connection, unknown host, time-out.
 bool isRetryable(int code) {
   return code == platform::UrlErrorCode::notConnectedToInternet ||
-         code == platform::UrlErrorCode::cannotFindHost ||
-         code == platform::UrlErrorCode::timedOut;
+         code == platform::UrlErrorCode::cannotFindHost || code == platform::UrlErrorCode::timedOut;
 }
 
 void log(std::string_view prefix, std::string_view value) {
@@ -148,23 +147,21 @@ void VembaWebViewController::load(const Url& url) {
     return;
   }
   log(kLoadingMessage, url.absoluteString());
-  platform::WebRequest request{url, {}, platform::CachePolicy::reloadIgnoringLocalCacheData,
-                               kRequestTimeout};
+  platform::WebRequest request{
+      url, {}, platform::CachePolicy::reloadIgnoringLocalCacheData, kRequestTimeout};
   webView_->load(request);
 }
 
 void VembaWebViewController::didFailProvisionalNavigation(platform::WebView& /*webView*/,
                                                           const platform::NavigationError& error) {
-  const std::string description =
-      platform::errorDescription(error.domain, error.code, error.failingUrl);
-  log(kFailedProvisionalMessage,
-      description + " (Code: " + std::to_string(error.code) + ")");
+  const std::string description = platform::describe(error.domain, error.code, error.failingUrl);
+  log(kFailedProvisionalMessage, description + " (Code: " + std::to_string(error.code) + ")");
   handleLoadError(error);
 }
 
 void VembaWebViewController::didFailNavigation(platform::WebView& /*webView*/,
                                                const platform::NavigationError& error) {
-  log(kFailedLoadMessage, platform::errorDescription(error.domain, error.code, error.failingUrl));
+  log(kFailedLoadMessage, platform::describe(error.domain, error.code, error.failingUrl));
   handleLoadError(error);
 }
 
@@ -246,7 +243,7 @@ void VembaWebViewController::handleDictionaryMessage(const std::string& jsonText
   }
   log(kPresentingCheckoutMessage, url->absoluteString());
   // The sheet is presented over the ad without a delegate; its controller is not kept.
-  checkout::present(*url, screen_, {});
+  checkout::present(*url, screen_, std::weak_ptr<checkout::CheckoutDelegate>{});
 }
 
 }  // namespace vemba::ads
