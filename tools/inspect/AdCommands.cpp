@@ -50,10 +50,6 @@ std::optional<AdOptions> readAdOptions(const Options& options) {
   return ok ? std::optional(out) : std::nullopt;
 }
 
-std::string dumpLine(const nlohmann::ordered_json& line) {
-  return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
-}
-
 // Prints each load callback as one JSON line and stops the loop at the first one.
 class PrintingDelegate : public VembaInterstitialAdDelegate, public VembaRewardedAdDelegate {
  public:
@@ -95,7 +91,7 @@ class PrintingDelegate : public VembaInterstitialAdDelegate, public VembaRewarde
     finish(line);
   }
   void finish(const nlohmann::ordered_json& line) {
-    printLine(dumpLine(line));
+    printLine(line);
     called = true;
     g_main_loop_quit(loop_);
   }
