@@ -21,6 +21,10 @@ constexpr Subcommand kSubcommands[] = {
     {"user-agent", vemba::inspect::runUserAgent,
      "user-agent [--checkout [--recovery] [--color-scheme S] [--platform P] [--entry-point E]]"},
     {"bridge", vemba::inspect::runBridge, "bridge [--log-level all|debug|error|none]"},
+    {"checkout", vemba::inspect::runCheckout,
+     "checkout --url URL [--preload] [--entry-point E] [--no-delegate | --default-delegate] "
+     "[--recover auto|yes|no] [--close-after SECONDS] [--linger SECONDS] [--timeout SECONDS] "
+     "[--log-level LEVEL] [--screenshot FILE]"},
 };
 
 int usage() {
