@@ -168,7 +168,7 @@ int main(int argc, char** argv) {
   std::string userAgent;
   vemba::UserAgentFetcher::shared().fetch([&](const std::string& ua) { userAgent = ua; });
   vemba::ads::BidExchange requestBuilder({vemba::ads::AdFormat::Kind::interstitial, ""},
-                                         "bench-unit", {});
+                                         "bench-unit");
   const std::string body =
       *vemba::ads::encodeBidRequestText(requestBuilder.createBidRequest(userAgent));
   BarePost bare(vemba::ads::BidEndpoints::defaults().bidEndpoint, body, exchange.caFile());

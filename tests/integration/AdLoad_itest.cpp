@@ -10,6 +10,7 @@
 #include "LocalExchange.h"
 #include "ads/bidding/BidExchange.h"
 #include "ads/core/UserAgentFetcher.h"
+#include "ads/core/VembaSDKForTesting.h"
 #include "platform/MainQueue.h"
 #include "platform/Services.h"
 #include "vemba/Vemba.h"
@@ -68,11 +69,6 @@ bool runMainLoopUntil(Predicate done, std::chrono::milliseconds limit) {
   return true;
 }
 
-struct InspectableInterstitial : VembaInterstitialAd {
-  using VembaInterstitialAd::VembaInterstitialAd;
-  const ads::BidExchange& bidState() const { return exchange(); }
-};
-
 class AdLoadIntegrationTest : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
@@ -87,7 +83,7 @@ class AdLoadIntegrationTest : public ::testing::Test {
     exchange_ = nullptr;
   }
   void SetUp() override {
-    VembaSDK::shared().resetForTesting();
+    ads::resetVembaSdkForTesting();
     exchange_->clearLog();
   }
 
@@ -198,9 +194,9 @@ TEST_F(AdLoadIntegrationTest, AdReleasedInFlightGetsNoCallback) {
 TEST_F(AdLoadIntegrationTest, BillingPixelReachesTheServerWithoutTheKey) {
   VembaSDK::shared().initialize(VembaConfiguration("key-b", false));
   exchange_->setBehaviour("bill-unit", "bid", {{"bidid", "abc"}});
-  auto ad = std::make_shared<InspectableInterstitial>("bill-unit");
+  auto ad = VembaInterstitialAd::create("bill-unit");
   ASSERT_EQ(load(ad)->name, "adDidLoad");
-  ad->bidState().fireBillingPixel();
+  ads::AdAccess::exchange(*ad).fireBillingPixel();
   const auto hits = exchange_->waitForLog("billing", 1, std::chrono::seconds(10));
   ASSERT_EQ(hits.size(), 1U);
   EXPECT_EQ(hits[0]["method"], "GET");
