@@ -38,6 +38,8 @@ enum class DelegateMode { full, defaultsOnly, none };
 enum class Recover { automatic, yes, no };
 
 struct CheckoutOptions {
+  explicit CheckoutOptions(Url checkout) : url(std::move(checkout)) {}
+
   Url url;
   bool preload = false;
   std::optional<checkout::MetaData::EntryPoint> entryPoint;
@@ -67,7 +69,7 @@ std::optional<CheckoutOptions> readOptions(const Args& args) {
                stderr);
     return std::nullopt;
   }
-  CheckoutOptions out{*url};
+  CheckoutOptions out(*url);
   out.preload = options->flag("--preload");
   if (options->flag("--no-delegate") && options->flag("--default-delegate")) {
     std::fputs("vemba-inspect: --no-delegate and --default-delegate exclude each other\n", stderr);
@@ -120,6 +122,8 @@ std::optional<CheckoutOptions> readOptions(const Args& args) {
 
 // One inspected presentation: the host window, the sheet, and what has been seen of it.
 struct Session {
+  explicit Session(CheckoutOptions chosen) : options(std::move(chosen)) {}
+
   CheckoutOptions options;
   std::unique_ptr<InspectHost> host;
   std::shared_ptr<checkout::CheckoutViewController> sheet;
@@ -259,7 +263,7 @@ int runCheckout(const Args& args) {
   if (!options) {
     return kExitUsage;
   }
-  Session session{*options};
+  Session session(*options);
   if (session.options.logLevel) {
     checkout::configure(
         [&](checkout::Configuration& c) { c.logLevel = *session.options.logLevel; });
