@@ -152,9 +152,9 @@ double percentile(std::vector<double> values, double p) {
 
 int main(int argc, char** argv) {
   const int iterations = argc > 1 ? std::atoi(argv[1]) : 1000;
-  vemba::testing::LocalExchange::Options options;
+  vemba::exchange::LocalExchange::Options options;
   options.port = kExchangePort;
-  vemba::testing::LocalExchange exchange(options);
+  vemba::exchange::LocalExchange exchange(options);
   // The backend's client reads the trusted bundle when it is first used.
   setenv("SSL_CERT_FILE", exchange.caFile().c_str(), 1);
   curl_global_init(CURL_GLOBAL_DEFAULT);

@@ -22,6 +22,8 @@
 #include "platform/UrlErrorCode.h"
 
 namespace vemba::testing {
+
+using exchange::LocalExchange;
 namespace {
 
 using linux_platform::CurlHttpClient;

@@ -26,6 +26,8 @@ import uuid
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 from urllib.parse import parse_qsl, unquote, urlsplit
 
+from site_routes import SiteRoutes
+
 HOST = "127.0.0.1"
 DEFAULT_PORT = 18443
 DEFAULT_LIFETIME = 900.0
@@ -173,11 +175,12 @@ class ExchangeState:
             self.entries = []
             open(self.log_path, "w", encoding="utf-8").close()
 
-    def log_lines(self, kind=None, ad_unit=None):
+    def log_lines(self, kind=None, ad_unit=None, path_prefix=None):
         with self.lock:
             return [e for e in self.entries
                     if (kind is None or e.get("kind") == kind)
-                    and (ad_unit is None or e.get("adUnit") == ad_unit)]
+                    and (ad_unit is None or e.get("adUnit") == ad_unit)
+                    and (path_prefix is None or e.get("path", "").startswith(path_prefix))]
 
     def behaviour_for(self, tagid):
         with self.lock:
@@ -220,6 +223,8 @@ class ExchangeServer(ThreadingHTTPServer):
         self.tls_context = tls_context
         self.state = state
         self.pages_dir = os.path.realpath(pages_dir)
+        self.stopping = threading.Event()
+        self.site = SiteRoutes(self.pages_dir, self.stopping)
         super().__init__((HOST, port), ExchangeHandler)
 
     @property
@@ -359,7 +364,8 @@ class ExchangeHandler(BaseHTTPRequestHandler):
             elif path == "/_health" and self.command == "GET":
                 self.send(200, b"ok\n", "text/plain; charset=utf-8")
             elif self.command in ("GET", "HEAD"):
-                self.handle_static(body, path)
+                if not self.server.site.handle(self, body, path, urlsplit(self.path).query):
+                    self.handle_static(body, path)
             else:
                 self.record("other", body)
                 self.send_json(404, {"error": "no such endpoint"})
@@ -368,7 +374,8 @@ class ExchangeHandler(BaseHTTPRequestHandler):
 
     def handle_log(self):
         query = dict(parse_qsl(urlsplit(self.path).query))
-        lines = self.server.state.log_lines(query.get("kind"), query.get("adUnit"))
+        lines = self.server.state.log_lines(query.get("kind"), query.get("adUnit"),
+                                            query.get("pathPrefix"))
         text = "".join(json.dumps(e, ensure_ascii=False) + "\n" for e in lines)
         self.send(200, text.encode("utf-8"), "application/x-ndjson")
 
@@ -383,6 +390,8 @@ class ExchangeHandler(BaseHTTPRequestHandler):
                 state.reset_behaviours()
             if command.get("clearLog"):
                 state.clear_log()
+            if command.get("resetOnce"):
+                self.server.site.forget_keys()
             if "adUnit" in command:
                 if not isinstance(command["adUnit"], str):
                     raise ValueError("adUnit is a string")
@@ -594,6 +603,7 @@ def main(argv):
         if args.parent_pid and os.getppid() != args.parent_pid:
             reason = "parent gone"
             break
+    server.stopping.set()
     server.shutdown()
     server.server_close()
     print("exchange: stopped (%s)" % reason, file=sys.stderr, flush=True)

@@ -1,0 +1,500 @@
+#!/usr/bin/python3
+"""Plays the exchange's pages in a real WebKitGTK 6.0 web view and checks what they post.
+
+Starts its own exchange on a free loopback port, trusts the exchange's certificate for 127.0.0.1
+only, registers the two script-message channels the SDK registers ("mobileCheckoutSdk" and
+"vemba"), sends "presented" with the same dispatch script the checkout sheet evaluates, and
+checks the messages, their order and bodies, and the navigations the pages ask for.
+
+    xvfb-run -a /usr/bin/python3 tools/exchange/check_pages.py [--screenshots DIR] [-k NAME]
+
+Needs Debian's python3-gi with the Gtk 4.0 and WebKit 6.0 typelibs (the WebKitGTK runtime the
+SDK's Linux backend uses). Exit status 0 when every check passes.
+"""
+
+import argparse
+import json
+import os
+import subprocess
+import sys
+import tempfile
+import time
+import traceback
+
+# Without a display there is nothing to check pages in (and loading GTK can crash): report a
+# skip (77, which ctest counts as skipped) instead.
+if not (os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY")):
+    print("check_pages: no display (run under xvfb-run -a); skipped", file=sys.stderr)
+    sys.exit(77)
+
+import gi  # noqa: E402
+
+gi.require_version("Gtk", "4.0")
+gi.require_version("WebKit", "6.0")
+from gi.repository import Gio, GLib, Gtk, WebKit  # noqa: E402
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+CHECKOUT_CHANNEL = "mobileCheckoutSdk"
+AD_CHANNEL = "vemba"
+SUFFIX = "VembaCheckoutKit/3.4.0 (8.1;automatic;standard)"
+
+
+def dispatch_script(name, body=None):
+    """The exact script the checkout sheet evaluates to send a message to the page."""
+    argument = "'%s'" % name if body is None else "'%s', %s" % (name, body)
+    return ("if (window.MobileCheckoutSdk && window.MobileCheckoutSdk.dispatchMessage) {\n"
+            "\twindow.MobileCheckoutSdk.dispatchMessage(" + argument + ");\n} else {\n"
+            "\twindow.addEventListener('mobileCheckoutBridgeReady', function () {\n"
+            "\t\twindow.MobileCheckoutSdk.dispatchMessage(" + argument + ");\n"
+            "\t}, {passive: true, once: true});\n}")
+
+
+class Exchange:
+    """The exchange as a child process; stopped by its PID."""
+
+    def __init__(self):
+        self.state_dir = tempfile.mkdtemp(prefix="vemba-pages-")
+        ready = os.path.join(self.state_dir, "ready")
+        self.process = subprocess.Popen(
+            [sys.executable, os.path.join(HERE, "exchange.py"), "--port", "0", "--state-dir",
+             self.state_dir, "--ready-file", ready, "--lifetime", "600", "--idle-timeout", "120",
+             "--parent-pid", str(os.getpid())], stderr=subprocess.DEVNULL)
+        deadline = time.monotonic() + 20
+        while not os.path.exists(ready):
+            if time.monotonic() > deadline or self.process.poll() is not None:
+                raise RuntimeError("the exchange did not start")
+            time.sleep(0.05)
+        with open(ready, encoding="ascii") as source:
+            self.port = int(source.read())
+        self.origin = "https://127.0.0.1:%d" % self.port
+
+    def log(self, path_prefix):
+        with open(os.path.join(self.state_dir, "requests.jsonl"), encoding="utf-8") as source:
+            return [e for e in map(json.loads, source) if e["path"].startswith(path_prefix)]
+
+    def stop(self):
+        self.process.terminate()
+        self.process.wait(10)
+
+
+class Browser:
+    """One window with one web view and an ephemeral session; messages and navigations recorded."""
+
+    def __init__(self, exchange, bridge=True, width=430, height=860):
+        self.session = WebKit.NetworkSession.new_ephemeral()
+        certificate = Gio.TlsCertificate.new_from_file(os.path.join(exchange.state_dir, "server.pem"))
+        self.session.allow_tls_certificate_for_host(certificate, "127.0.0.1")
+        self.content = WebKit.UserContentManager()
+        self.messages = []
+        self.navigations = []
+        self.finished = 0
+        channels = [AD_CHANNEL] + ([CHECKOUT_CHANNEL] if bridge else [])
+        for channel in channels:
+            self.content.register_script_message_handler(channel, None)
+            self.content.connect("script-message-received::" + channel, self.on_message, channel)
+        self.view = WebKit.WebView(network_session=self.session, user_content_manager=self.content)
+        self.view.connect("decide-policy", self.on_policy)
+        self.view.connect("load-changed", self.on_load)
+        self.window = Gtk.Window()
+        self.window.set_default_size(width, height)
+        self.window.set_child(self.view)
+        self.window.present()
+
+    def on_message(self, _manager, value, channel):
+        if value.is_string():
+            self.messages.append((channel, value.to_string()))
+        elif value.is_null() or value.is_undefined():
+            self.messages.append((channel, None))
+        else:
+            self.messages.append((channel, json.loads(value.to_json(0))))
+
+    def on_policy(self, _view, decision, kind):
+        if kind == WebKit.PolicyDecisionType.RESPONSE:
+            return False
+        action = decision.get_navigation_action()
+        uri = action.get_request().get_uri()
+        self.navigations.append((uri, action.get_navigation_type()))
+        if not uri.startswith("https://") or "open_externally" in uri:
+            decision.ignore()  # what the sheet does with external links: report, never follow
+            return True
+        return False
+
+    def on_load(self, _view, event):
+        if event == WebKit.LoadEvent.FINISHED:
+            self.finished += 1
+
+    def load(self, url, headers=()):
+        request = WebKit.URIRequest.new(url)
+        for name, value in headers:
+            request.get_http_headers().append(name, value)
+        self.finished = 0
+        self.view.load_request(request)
+
+    def checkout_messages(self):
+        return [json.loads(body) for channel, body in self.messages if channel == CHECKOUT_CHANNEL]
+
+    def ad_messages(self):
+        return [body for channel, body in self.messages if channel == AD_CHANNEL]
+
+    def evaluate(self, script):
+        result = {}
+
+        def done(view, task):
+            try:
+                value = view.evaluate_javascript_finish(task)
+                result["value"] = json.loads(value.to_json(0) or "null")
+            except GLib.Error as error:
+                result["error"] = error.message
+        self.view.evaluate_javascript(script, -1, None, None, None, done)
+        spin_until(lambda: result, 10)
+        if "error" in result:
+            raise AssertionError("script failed: %s" % result["error"])
+        return result["value"]
+
+    def snapshot(self, path):
+        result = {}
+
+        def done(view, task):
+            result["texture"] = view.get_snapshot_finish(task)
+        self.view.get_snapshot(WebKit.SnapshotRegion.FULL_DOCUMENT, WebKit.SnapshotOptions.NONE,
+                               None, done)
+        spin_until(lambda: result, 10)
+        result["texture"].save_to_png(path)
+
+    def close(self):
+        self.view.terminate_web_process()
+        self.window.destroy()
+
+
+def spin_until(predicate, seconds):
+    deadline = time.monotonic() + seconds
+    context = GLib.MainContext.default()
+    while not predicate():
+        if time.monotonic() > deadline:
+            raise AssertionError("timed out after %.1f s" % seconds)
+        context.iteration(False) or time.sleep(0.005)
+
+
+def spin_for(seconds):
+    deadline = time.monotonic() + seconds
+    context = GLib.MainContext.default()
+    while time.monotonic() < deadline:
+        context.iteration(False) or time.sleep(0.005)
+
+
+def expect(condition, message):
+    if not condition:
+        raise AssertionError(message)
+
+
+# --- checks -------------------------------------------------------------------------------------
+
+CHECKS = []
+
+
+def check(function):
+    CHECKS.append(function)
+    return function
+
+
+def pixel_names(messages):
+    return [json.loads(m["body"])["event"]["name"] for m in messages if m["name"] == "webPixels"]
+
+
+@check
+def pay_sends_pixel_steps_then_completed_then_goes_to_thank_you(exchange):
+    browser = Browser(exchange)
+    url = exchange.origin + "/checkout/demo?auto=pay&autoDelay=20&orderId=4242"
+    browser.view.get_settings().set_user_agent_with_application_details(
+        "VembaCheckoutKit", "3.4.0 (8.1;automatic;standard)")
+    browser.load(url)
+    spin_until(lambda: browser.finished, 15)
+    spin_for(0.3)
+    expect(browser.checkout_messages() == [], "nothing may be sent before presented")
+    browser.evaluate(dispatch_script("presented"))
+    browser.evaluate(dispatch_script("presented"))  # the sheet may repeat it
+    spin_until(lambda: any(u.endswith("/checkout/demo/thank-you?order_id=4242")
+                           for u, _ in browser.navigations), 10)
+    messages = browser.checkout_messages()
+    names = [m["name"] for m in messages]
+    expect(names.count("completed") == 1, "one completed: %s" % names)
+    expect(pixel_names(messages) == [
+        "page_viewed", "checkout_started", "checkout_contact_info_submitted",
+        "checkout_address_info_submitted", "checkout_shipping_info_submitted",
+        "payment_info_submitted", "checkout_completed"], "pixel steps: %s" % pixel_names(messages))
+    expect(all(isinstance(m["body"], str) for m in messages), "every body is a string")
+    summary = json.loads(next(m["body"] for m in messages if m["name"] == "completed"))
+    order = summary["orderDetails"]
+    expect(order["id"] == "4242", "order id %r" % order["id"])
+    expect(all(isinstance(line["quantity"], int) for line in order["cart"]["lines"]), "quantities")
+    expect(isinstance(order["cart"]["price"]["total"]["amount"], (int, float)), "total amount")
+    expect(order["paymentMethods"][0]["details"]["last4"] is None, "a null detail is kept")
+    expect(order["cart"]["lines"][0]["image"]["sm"].startswith(exchange.origin), "image origin")
+    completed_pixel = json.loads(messages[-1]["body"])
+    checkout = completed_pixel["event"]["data"]["checkout"]
+    expect(checkout["order"]["id"] == "4242", "the completed pixel carries the order")
+    expect(isinstance(checkout["lineItems"][0]["quantity"], (int, float)), "pixel quantity")
+    context = completed_pixel["event"]["context"]
+    location = context["document"]["location"]
+    expect(location["protocol"] == "https:" and location["port"] == str(exchange.port),
+           "location: %s" % location)
+    expect(isinstance(context["navigator"]["cookieEnabled"], bool), "cookieEnabled")
+    expect(context["navigator"]["userAgent"].endswith(SUFFIX), context["navigator"]["userAgent"])
+    expect(isinstance(context["window"]["innerWidth"], (int, float)), "innerWidth")
+    # The navigation is seen as it starts; the exchange records the request a moment later.
+    spin_until(lambda: exchange.log("/checkout/demo")[-1].get("variant") == "thank-you", 10)
+    page = exchange.log("/checkout/demo")
+    agents = [v for n, v in page[0]["headers"] if n == "User-Agent"]
+    expect(agents and agents[0].endswith(SUFFIX), "the log keeps the agent: %s" % agents)
+    browser.close()
+
+
+@check
+def presented_before_the_page_script_runs_is_delivered_by_the_ready_event(exchange):
+    browser = Browser(exchange)
+    state = {"sent": False}
+
+    def on_committed(view, event):
+        if event == WebKit.LoadEvent.COMMITTED and not state["sent"]:
+            state["sent"] = True
+            view.evaluate_javascript(dispatch_script("presented"), -1, None, None, None, None)
+    browser.view.connect("load-changed", on_committed)
+    browser.load(exchange.origin + "/checkout/slow?seconds=0")
+    spin_until(lambda: browser.finished, 15)
+    spin_until(lambda: pixel_names(browser.checkout_messages())[:1] == ["page_viewed"], 5)
+    expect(browser.evaluate("VembaSite.presentedCount()") == 1, "presented once")
+    browser.close()
+
+
+@check
+def discount_dialog_blocks_then_unblocks(exchange):
+    browser = Browser(exchange)
+    browser.load(exchange.origin + "/checkout/demo?auto=discount&autoDelay=20")
+    spin_until(lambda: browser.finished, 15)
+    browser.evaluate(dispatch_script("presented"))
+    spin_until(lambda: sum(m["name"] == "checkoutBlockingEvent"
+                           for m in browser.checkout_messages()) == 2, 5)
+    blocking = [m["body"] for m in browser.checkout_messages() if m["name"] == "checkoutBlockingEvent"]
+    expect(blocking == ["true", "false"], "blocking bodies %s" % blocking)
+    expect("WELCOME10" in browser.evaluate("document.getElementById('totals').textContent"),
+           "the discount shows in the totals")
+    browser.close()
+
+
+@check
+def terms_and_mailto_links_are_link_navigations(exchange):
+    browser = Browser(exchange)
+    browser.load(exchange.origin + "/checkout/demo?auto=terms,mailto&autoDelay=20")
+    spin_until(lambda: browser.finished, 15)
+    browser.evaluate(dispatch_script("presented"))
+    spin_until(lambda: any(u.startswith("mailto:") for u, _ in browser.navigations), 5)
+    terms = [(u, t) for u, t in browser.navigations if "open_externally=true" in u]
+    expect(terms and terms[0][1] == WebKit.NavigationType.LINK_CLICKED, "terms %s" % terms)
+    browser.close()
+
+
+@check
+def error_variants_send_one_error_of_their_group(exchange):
+    browser = Browser(exchange)
+    cases = {"authentication": "authentication", "configuration": "configuration",
+             "unrecoverable": "unrecoverable", "checkout": "checkout", "expired": "expired",
+             "unsupported": "unsupported", "unknown-group": "outage"}
+    for variant, group in list(cases.items()) + [("malformed", None), ("object", None)]:
+        browser.messages.clear()
+        browser.load(exchange.origin + "/checkout/error/%s?autoDelay=10" % variant)
+        spin_until(lambda: browser.finished, 15)
+        browser.evaluate(dispatch_script("presented"))
+        spin_until(lambda: any(m["name"] == "error" for m in browser.checkout_messages()), 5)
+        body = next(m["body"] for m in browser.checkout_messages() if m["name"] == "error")
+        if variant == "malformed":
+            try:
+                json.loads(body)
+                raise AssertionError("the malformed body parses")
+            except ValueError:
+                pass
+        elif variant == "object":
+            expect(isinstance(json.loads(body), dict), "object body")
+        else:
+            records = json.loads(body)
+            expect(len(records) == 1 and records[0]["group"] == group, "%s: %s" % (variant, body))
+    browser.messages.clear()
+    browser.load(exchange.origin + "/checkout/error/expired?autoDelay=10&code=&reason=")
+    spin_until(lambda: browser.finished, 15)
+    browser.evaluate(dispatch_script("presented"))
+    spin_until(lambda: any(m["name"] == "error" for m in browser.checkout_messages()), 5)
+    record = json.loads(next(m["body"] for m in browser.checkout_messages() if m["name"] == "error"))[0]
+    expect("code" not in record and "reason" not in record, "empty overrides drop keys: %s" % record)
+    browser.close()
+
+
+@check
+def pixels_scenario_sends_a_custom_event_with_an_object(exchange):
+    browser = Browser(exchange)
+    browser.load(exchange.origin + "/checkout/demo?auto=pixels&autoDelay=20")
+    spin_until(lambda: browser.finished, 15)
+    browser.evaluate(dispatch_script("presented"))
+    spin_until(lambda: "lumenmoss_gift_note_added" in pixel_names(browser.checkout_messages()), 5)
+    custom = [json.loads(m["body"])["event"] for m in browser.checkout_messages()
+              if m["name"] == "webPixels" and json.loads(m["body"])["event"]["type"] == "custom"]
+    expect(len(custom) == 1 and isinstance(custom[0]["customData"], dict), "custom %s" % custom)
+    browser.evaluate(dispatch_script("instrumentation", json.dumps({"detail": {
+        "name": "checkout_finished_loading", "value": 412, "type": "histogram",
+        "tags": {"preloading": "false"}}})))
+    status = browser.evaluate("document.getElementById('status').textContent")
+    expect("checkout_finished_loading 412 ms (preloading false)" in status, status)
+    expect("presented ×1" in status, status)
+    browser.close()
+
+
+@check
+def without_a_bridge_fail_once_then_pay_reaches_thank_you(exchange):
+    browser = Browser(exchange, bridge=False)
+    url = exchange.origin + "/checkout/fail-once/recovery-1?auto=pay&autoDelay=20&orderId=77"
+    browser.load(url)
+    spin_until(lambda: browser.finished, 15)
+    expect("500" in browser.evaluate("document.body.textContent"), "the first answer is a 500")
+    browser.load(url)  # what the recovery view does: the same URL again
+    spin_until(lambda: any(u.endswith("/checkout/fail-once/recovery-1/thank-you?order_id=77")
+                           for u, _ in browser.navigations), 10)
+    spin_until(lambda: browser.evaluate(
+        "(document.getElementById('order-number') || {}).textContent || ''") == "#77", 10)
+    statuses = [e.get("status") for e in exchange.log("/checkout/fail-once/recovery-1")
+                if e["variant"] == "fail-once"]
+    expect(statuses == [500, 200], "fail-once statuses %s" % statuses)
+    browser.close()
+
+
+@check
+def status_line_says_when_there_is_no_bridge(exchange):
+    browser = Browser(exchange, bridge=False)
+    browser.load(exchange.origin + "/checkout/demo")
+    spin_until(lambda: browser.finished, 15)
+    status = browser.evaluate("document.getElementById('status').textContent")
+    expect(status.startswith("no bridge"), status)
+    browser.close()
+
+
+@check
+def pages_that_never_finish_loading_still_run_their_script(exchange):
+    for variant in ("hang/document", "hang/resource"):
+        browser = Browser(exchange)
+        browser.load(exchange.origin + "/checkout/" + variant)
+        spin_for(2.0)
+        expect(browser.finished == 0, "%s finished loading" % variant)
+        expect(browser.evaluate("typeof window.VembaCheckout") == "object", "%s script" % variant)
+        browser.close()
+
+
+@check
+def ad_buttons_and_auto_tokens_post_the_ad_vocabulary(exchange):
+    browser = Browser(exchange)
+    browser.load(exchange.origin + "/ads/interstitial.html?auto=click,openURL,openCheckout,close,dance"
+                 "&autoDelay=20")
+    spin_until(lambda: len(browser.ad_messages()) == 5, 10)
+    click, open_url, open_checkout, close, unknown = browser.ad_messages()
+    expect((click, close, unknown) == ("click", "close", "dance"), browser.ad_messages())
+    expect(open_url["action"] == "openURL" and
+           open_url["url"].startswith(exchange.origin + "/landing/"), open_url)
+    expect(open_checkout == {"action": "openCheckout", "url": exchange.origin + "/checkout/demo"},
+           open_checkout)
+    browser.messages.clear()
+    browser.evaluate("document.getElementById('vemba-click').click();"
+                     "document.getElementById('vemba-shop').click(); true")
+    expect([m if isinstance(m, str) else m["action"] for m in browser.ad_messages()]
+           == ["click", "openURL", "openCheckout"], browser.ad_messages())
+    browser.close()
+
+
+@check
+def misbehaving_ad_tokens_post_what_they_promise(exchange):
+    browser = Browser(exchange)
+    tokens = ["dict-empty", "dict-noaction", "dict-emptyaction", "dict-numberaction", "dict-close",
+              "openURL-nourl", "openURL-numberurl", "openURL-unparsable", "openURL-javascript",
+              "openURL-file", "number", "null", "array", "huge-string"]
+    browser.load(exchange.origin + "/ads/rewarded.html?autoDelay=10&hugeBytes=2000000&auto="
+                 + ",".join(tokens))
+    spin_until(lambda: len(browser.ad_messages()) == len(tokens), 15)
+    got = dict(zip(tokens, browser.ad_messages()))
+    expect(got["dict-empty"] == {} and "action" not in got["dict-noaction"], got["dict-noaction"])
+    expect(got["dict-emptyaction"]["action"] == "" and got["dict-numberaction"]["action"] == 7, "")
+    expect(got["dict-close"] == {"action": "close"}, got["dict-close"])
+    expect(got["openURL-numberurl"]["url"] == 42 and "url" not in got["openURL-nourl"], "")
+    expect(got["openURL-javascript"]["url"].startswith("javascript:"), "")
+    expect(got["openURL-file"]["url"].startswith("file:"), "")
+    expect(got["number"] == 42 and got["null"] is None and got["array"] == ["close"], "")
+    expect(len(got["huge-string"]) == 2000000, "huge string length")
+    browser.close()
+
+
+@check
+def rewarded_countdown_enables_close_and_can_close_by_itself(exchange):
+    browser = Browser(exchange)
+    browser.load(exchange.origin + "/ads/rewarded.html?seconds=1&autoClose=1")
+    spin_until(lambda: browser.finished, 15)
+    expect(browser.evaluate("document.getElementById('vemba-close').disabled") is True, "")
+    spin_until(lambda: browser.ad_messages() == ["close"], 5)
+    expect(browser.evaluate("document.getElementById('reward').textContent") == "Reward earned", "")
+    browser.close()
+
+
+@check
+def endless_navigation_keeps_navigating(exchange):
+    browser = Browser(exchange)
+    browser.load(exchange.origin + "/ads/interstitial.html?auto=navigate&autoDelay=50")
+    spin_until(lambda: sum("hop=" in u for u, _ in browser.navigations) >= 3, 15)
+    browser.close()
+
+
+def take_screenshots(exchange, directory):
+    os.makedirs(directory, exist_ok=True)
+    pages = [("checkout", "/checkout/demo"), ("thank-you", "/checkout/demo/thank-you?order_id=1042"),
+             ("interstitial", "/ads/interstitial.html"), ("rewarded", "/ads/rewarded.html"),
+             ("status-500", "/checkout/status/500"), ("landing", "/landing/interstitial")]
+    for width, height in ((390, 844), (800, 900), (1280, 860)):
+        for name, path in pages:
+            browser = Browser(exchange, bridge=False, width=width, height=height)
+            browser.load(exchange.origin + path)
+            spin_until(lambda: browser.finished, 15)
+            spin_for(0.4)
+            browser.snapshot(os.path.join(directory, "%s-%d.png" % (name, width)))
+            browser.close()
+        browser = Browser(exchange, width=width, height=height)
+        browser.load(exchange.origin + "/checkout/demo")
+        spin_until(lambda: browser.finished, 15)
+        browser.evaluate("VembaCheckout.setDialog(true); true")
+        spin_for(0.3)
+        browser.snapshot(os.path.join(directory, "discount-%d.png" % width))
+        browser.close()
+
+
+def main(argv):
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--screenshots", help="also save PNGs of the pages into this directory")
+    parser.add_argument("-k", dest="only", help="run only the checks whose name contains this")
+    args = parser.parse_args(argv)
+    if not Gtk.init_check():
+        print("check_pages: no display (run under xvfb-run -a)", file=sys.stderr)
+        return 2
+    exchange = Exchange()
+    failures = 0
+    try:
+        for function in CHECKS:
+            if args.only and args.only not in function.__name__:
+                continue
+            started = time.monotonic()
+            try:
+                function(exchange)
+                print("ok    %-72s %.1f s" % (function.__name__, time.monotonic() - started))
+            except Exception:  # pylint: disable=broad-except
+                failures += 1
+                print("FAIL  %s\n%s" % (function.__name__, traceback.format_exc()))
+        if args.screenshots:
+            take_screenshots(exchange, args.screenshots)
+    finally:
+        exchange.stop()
+    print("%d check(s) failed" % failures if failures else "all checks passed")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

@@ -1,0 +1,145 @@
+#!/usr/bin/env python3
+"""Checks of the exchange's page routes over real HTTPS on 127.0.0.1 (no browser needed).
+
+    python3 tools/exchange/test_site_routes.py
+"""
+
+import http.client
+import json
+import os
+import socket
+import ssl
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+
+
+class SiteRoutesTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.state_dir = tempfile.mkdtemp(prefix="vemba-site-")
+        ready = os.path.join(cls.state_dir, "ready")
+        started = time.monotonic()
+        cls.process = subprocess.Popen(
+            [sys.executable, os.path.join(HERE, "exchange.py"), "--port", "0", "--state-dir",
+             cls.state_dir, "--ready-file", ready, "--lifetime", "300", "--idle-timeout", "60",
+             "--parent-pid", str(os.getpid())], stderr=subprocess.DEVNULL)
+        while not os.path.exists(ready):
+            if time.monotonic() - started > 20:
+                raise RuntimeError("the exchange did not start")
+            time.sleep(0.02)
+        cls.start_seconds = time.monotonic() - started
+        with open(ready, encoding="ascii") as source:
+            cls.port = int(source.read())
+        cls.tls = ssl.create_default_context(cafile=os.path.join(cls.state_dir, "ca.pem"))
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.process.terminate()
+        cls.process.wait(10)
+
+    def get(self, path, headers=None, timeout=10):
+        connection = http.client.HTTPSConnection("127.0.0.1", self.port, context=self.tls,
+                                                 timeout=timeout)
+        try:
+            connection.request("GET", path, headers=headers or {})
+            response = connection.getresponse()
+            return response.status, response.read().decode("utf-8")
+        finally:
+            connection.close()
+
+    def control(self, command):
+        connection = http.client.HTTPSConnection("127.0.0.1", self.port, context=self.tls)
+        connection.request("POST", "/_control", body=json.dumps(command))
+        self.assertEqual(connection.getresponse().status, 200)
+        connection.close()
+
+    def page_log(self, prefix):
+        _, text = self.get("/_log?kind=page&pathPrefix=" + prefix)
+        return [json.loads(line) for line in text.splitlines()]
+
+    def test_starts_quickly(self):
+        self.assertLess(self.start_seconds, 1.0)
+
+    def test_status_of_each_checkout_path(self):
+        cases = [("/checkout/demo", 200), ("/checkout/", 200), ("/checkout/status/404", 404),
+                 ("/checkout/status/410", 410), ("/checkout/status/500", 500),
+                 ("/checkout/status/503", 503), ("/checkout/status/399", 404),
+                 ("/checkout/multipass/status/500", 500), ("/checkout/multipass/demo", 200),
+                 ("/checkout/error/expired", 200), ("/checkout/error/teapot", 404),
+                 ("/checkout/a/b/c", 404), ("/checkout/demo/Thank_You?order_id=3", 200),
+                 ("/checkout/x/y/thank-you?order_id=3", 200), ("/checkout/terms", 200),
+                 ("/landing/interstitial?from=interstitial", 200),
+                 ("/ads/never/missing.html", 404), ("/ads/slow-first/k/../../exchange.py", 404)]
+        for path, status in cases:
+            with self.subTest(path=path):
+                self.assertEqual(self.get(path)[0], status)
+
+    def test_fail_once_fails_the_first_request_of_each_key_only(self):
+        self.assertEqual(self.get("/checkout/fail-once/fo-a")[0], 500)
+        self.assertEqual(self.get("/checkout/fail-once/fo-a")[0], 200)
+        self.assertEqual(self.get("/checkout/fail-once/fo-a")[0], 200)
+        self.assertEqual(self.get("/checkout/fail-once/fo-b?status=503")[0], 503)
+        self.control({"resetOnce": True})
+        self.assertEqual(self.get("/checkout/fail-once/fo-a")[0], 500)
+        entries = self.page_log("/checkout/fail-once/fo-a")
+        self.assertEqual([e["status"] for e in entries], [500, 200, 200, 500])
+
+    def test_page_requests_are_logged_with_their_headers(self):
+        self.get("/checkout/logged", {"Sec-Purpose": "prefetch", "User-Agent": "X VembaCheckoutKit/3.4.0"})
+        entry = self.page_log("/checkout/logged")[-1]
+        self.assertIn(["Sec-Purpose", "prefetch"], entry["headers"])
+        self.assertIn(["User-Agent", "X VembaCheckoutKit/3.4.0"], entry["headers"])
+        self.assertEqual(entry["variant"], "checkout")
+
+    def test_error_page_config_cannot_break_out_of_its_script(self):
+        _, page = self.get("/checkout/error/expired?reason=%3C/script%3E%3Cb%3Ex")
+        config = page.split('<script id="site-config" type="application/json">')[1].split("</script>")[0]
+        self.assertEqual(json.loads(config)["reason"], "</script><b>x")
+
+    def test_slow_first_waits_once_per_key(self):
+        started = time.monotonic()
+        self.assertEqual(self.get("/ads/slow-first/sf-a/interstitial.html?seconds=0.4")[0], 200)
+        self.assertGreaterEqual(time.monotonic() - started, 0.4)
+        started = time.monotonic()
+        self.assertEqual(self.get("/ads/slow-first/sf-a/interstitial.html?seconds=0.4")[0], 200)
+        self.assertLess(time.monotonic() - started, 0.3)
+
+    def test_drop_once_closes_the_first_connection_without_an_answer(self):
+        with self.assertRaises((http.client.RemoteDisconnected, ConnectionError)):
+            self.get("/ads/drop-once/do-a/rewarded.html")
+        self.assertEqual(self.get("/ads/drop-once/do-a/rewarded.html")[0], 200)
+
+    def test_requests_that_never_answer(self):
+        for path in ("/ads/never/interstitial.html", "/checkout/never", "/checkout/never/x.svg"):
+            with self.subTest(path=path), self.assertRaises(socket.timeout):
+                self.get(path, timeout=0.4)
+
+    def test_hanging_pages(self):
+        connection = http.client.HTTPSConnection("127.0.0.1", self.port, context=self.tls,
+                                                 timeout=0.5)
+        connection.request("GET", "/checkout/hang/document")
+        response = connection.getresponse()
+        self.assertEqual(response.status, 200)
+        self.assertIn(b"pay-now", response.read1(1 << 20))
+        with self.assertRaises(socket.timeout):
+            response.read()  # the final chunk never comes
+        connection.close()
+        _, page = self.get("/checkout/hang/resource")
+        self.assertIn('<img src="/checkout/never/resource.svg"', page)
+
+    def test_ad_pages_keep_their_channel_and_ids(self):
+        for page in ("/ads/interstitial.html", "/ads/rewarded.html"):
+            _, text = self.get(page)
+            for needle in ("messageHandlers.vemba", 'id="vemba-click"', 'id="vemba-close"',
+                           'id="vemba-shop"', 'id="status"'):
+                with self.subTest(page=page, needle=needle):
+                    self.assertIn(needle, text)
+
+
+if __name__ == "__main__":
+    unittest.main()
