@@ -1,0 +1,25 @@
+#include "GtkWebView.h"
+
+namespace vemba::linux_platform {
+
+std::shared_ptr<GtkWebView> GtkWebView::create(
+    platform::Rect frame, const platform::WebViewConfiguration& configuration) {
+  std::shared_ptr<GtkWebView> view(new GtkWebView(WebViewDriver::create(configuration)));
+  view->driver_->attach(view);
+  view->setFrame(frame);
+  return view;
+}
+
+GtkWebView::GtkWebView(std::shared_ptr<WebViewDriver> driver)
+    : GtkViewBase<platform::WebView>(driver->widget()), driver_(std::move(driver)) {}
+
+GtkWebView::~GtkWebView() {
+  driver_->shutdown();
+}
+
+void GtkWebView::setBackgroundColor(platform::Color color) {
+  GtkViewBase<platform::WebView>::setBackgroundColor(color);
+  driver_->setPageBackgroundColor(color);
+}
+
+}  // namespace vemba::linux_platform

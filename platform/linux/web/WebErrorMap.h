@@ -1,0 +1,22 @@
+// How a failed WebKitGTK navigation maps onto the seam's navigation errors: URL-loading codes
+// (UrlErrorCode.h) for network, GIO, resolver, TLS and HTTP-library failures, and the web
+// engine's own domain for policy failures. Pure functions: no I/O, no state; any thread.
+#pragma once
+
+#include <gio/gio.h>
+
+#include "platform/WebView.h"
+
+namespace vemba::linux_platform {
+
+// The URL-loading code of a certificate that failed verification with `flags` (never 0).
+int urlErrorCodeForTlsFlags(GTlsCertificateFlags flags);
+
+// The navigation error for a load that failed with the GLib error `domain`/`code`. `tlsFlags`
+// are the certificate problems WebKit reported just before a TLS failure (0 when none); the
+// failing URL is handed on as it is. Anything without a closer equivalent is
+// UrlErrorCode::unknown.
+platform::NavigationError navigationErrorFor(GQuark domain, int code, GTlsCertificateFlags tlsFlags,
+                                             const char* failingUri);
+
+}  // namespace vemba::linux_platform

@@ -1,0 +1,557 @@
+#include "WebViewDriver.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "GtkUserContentController.h"
+#include "TlsTrust.h"
+#include "WebErrorMap.h"
+#include "platform/UrlErrorCode.h"
+#include "vemba/linux/WebViews.h"
+
+namespace vemba::linux_platform {
+namespace {
+
+// The request headers that make WebKit's cache revalidate the page with the server instead of
+// using a stored copy (WebKitGTK has no per-request cache policy).
+constexpr const char* kCacheControlHeader = "Cache-Control";
+constexpr const char* kPragmaHeader = "Pragma";
+constexpr const char* kNoCache = "no-cache";
+constexpr std::string_view kPurposeHeader = "Sec-Purpose";
+constexpr std::string_view kPrefetch = "prefetch";
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return g_ascii_tolower(x) == g_ascii_tolower(y);
+         });
+}
+
+bool isPrefetchHeader(const std::pair<std::string, std::string>& header) {
+  return equalsIgnoringCase(header.first, kPurposeHeader) && header.second == kPrefetch;
+}
+
+// What a signal connection, a timer or a controller knows of its driver: a weak reference.
+struct DriverRef {
+  std::weak_ptr<WebViewDriver> driver;
+};
+
+void freeDriverRef(gpointer data, GClosure* /*closure*/) {
+  delete static_cast<DriverRef*>(data);
+}
+
+std::shared_ptr<WebViewDriver> lockDriver(gpointer data) {
+  return static_cast<DriverRef*>(data)->driver.lock();
+}
+
+gboolean onDecidePolicy(WebKitWebView* /*view*/, WebKitPolicyDecision* decision,
+                        WebKitPolicyDecisionType type, gpointer data) {
+  const std::shared_ptr<WebViewDriver> driver = lockDriver(data);
+  return driver ? driver->decidePolicy(decision, type) : FALSE;
+}
+
+void onLoadChanged(WebKitWebView* /*view*/, WebKitLoadEvent event, gpointer data) {
+  if (const std::shared_ptr<WebViewDriver> driver = lockDriver(data)) {
+    driver->loadChanged(event);
+  }
+}
+
+gboolean onLoadFailed(WebKitWebView* /*view*/, WebKitLoadEvent event, gchar* uri, GError* error,
+                      gpointer data) {
+  const std::shared_ptr<WebViewDriver> driver = lockDriver(data);
+  return driver ? driver->loadFailed(event, uri, error) : FALSE;
+}
+
+gboolean onLoadFailedWithTlsErrors(WebKitWebView* /*view*/, gchar* uri,
+                                   GTlsCertificate* certificate, GTlsCertificateFlags errors,
+                                   gpointer data) {
+  const std::shared_ptr<WebViewDriver> driver = lockDriver(data);
+  return driver ? driver->loadFailedWithTlsErrors(uri, certificate, errors) : FALSE;
+}
+
+void onUriChanged(GObject* /*object*/, GParamSpec* /*spec*/, gpointer data) {
+  if (const std::shared_ptr<WebViewDriver> driver = lockDriver(data)) {
+    driver->uriChanged();
+  }
+}
+
+void onProgressChanged(GObject* /*object*/, GParamSpec* /*spec*/, gpointer data) {
+  if (const std::shared_ptr<WebViewDriver> driver = lockDriver(data)) {
+    driver->progressChanged();
+  }
+}
+
+gboolean onScroll(GtkEventControllerScroll* /*controller*/, double /*dx*/, double /*dy*/,
+                  gpointer data) {
+  const std::shared_ptr<WebViewDriver> driver = lockDriver(data);
+  return driver ? driver->scrolled() : FALSE;
+}
+
+gboolean onTimeout(gpointer data) {
+  if (const std::shared_ptr<WebViewDriver> driver = lockDriver(data)) {
+    driver->timeoutFired();
+  }
+  return G_SOURCE_REMOVE;
+}
+
+gboolean onUrlFlush(gpointer data) {
+  if (const std::shared_ptr<WebViewDriver> driver = lockDriver(data)) {
+    driver->flushUrl();
+  }
+  return G_SOURCE_REMOVE;
+}
+
+void freeSourceRef(gpointer data) {
+  delete static_cast<DriverRef*>(data);
+}
+
+void onEvaluated(GObject* source, GAsyncResult* result, gpointer /*data*/) {
+  GError* error = nullptr;
+  JSCValue* value =
+      webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(source), result, &error);
+  // The result and any script error are of no interest to the caller.
+  g_clear_object(&value);
+  g_clear_error(&error);
+}
+
+platform::NavigationType navigationTypeOf(WebKitNavigationType type) {
+  switch (type) {
+    case WEBKIT_NAVIGATION_TYPE_LINK_CLICKED:
+      return platform::NavigationType::linkActivated;
+    case WEBKIT_NAVIGATION_TYPE_FORM_SUBMITTED:
+      return platform::NavigationType::formSubmitted;
+    case WEBKIT_NAVIGATION_TYPE_BACK_FORWARD:
+      return platform::NavigationType::backForward;
+    case WEBKIT_NAVIGATION_TYPE_RELOAD:
+      return platform::NavigationType::reload;
+    case WEBKIT_NAVIGATION_TYPE_FORM_RESUBMITTED:
+      return platform::NavigationType::formResubmitted;
+    default:
+      return platform::NavigationType::other;
+  }
+}
+
+std::optional<Url> urlOf(const char* uri) {
+  if (uri == nullptr || *uri == '\0') {
+    return std::nullopt;
+  }
+  return Url::parse(uri);
+}
+
+GdkRGBA rgbaOf(platform::Color color) {
+  if (color.kind == platform::Color::Kind::systemBackground) {
+    // A web page's own default canvas is white in the light appearance WebKitGTK draws.
+    return GdkRGBA{1.0F, 1.0F, 1.0F, 1.0F};
+  }
+  return GdkRGBA{static_cast<float>(color.red), static_cast<float>(color.green),
+                 static_cast<float>(color.blue), static_cast<float>(color.alpha)};
+}
+
+}  // namespace
+
+std::shared_ptr<WebViewDriver> WebViewDriver::create(
+    const platform::WebViewConfiguration& configuration) {
+  auto* controller =
+      dynamic_cast<GtkUserContentController*>(configuration.userContentController.get());
+  if (controller == nullptr) {
+    throw std::logic_error("a web view configuration without this backend's content controller");
+  }
+
+  WebKitSettings* settings = webkit_settings_new();
+  if (configuration.applicationNameForUserAgent) {
+    const std::string agent = std::string(webkit_settings_get_user_agent(settings)) + " " +
+                              *configuration.applicationNameForUserAgent;
+    webkit_settings_set_user_agent(settings, agent.c_str());
+  }
+  webkit_settings_set_media_playback_allows_inline(
+      settings, configuration.allowsInlineMediaPlayback ? TRUE : FALSE);
+  webkit_settings_set_enable_back_forward_navigation_gestures(settings, FALSE);
+
+  // A non-persistent view gets a session of its own that ends with it.
+  const bool ephemeral = configuration.nonPersistentDataStore || ephemeralWebViews();
+  WebKitNetworkSession* session =
+      ephemeral ? webkit_network_session_new_ephemeral()
+                : WEBKIT_NETWORK_SESSION(g_object_ref(webkit_network_session_get_default()));
+
+  auto* view = WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session,
+                                            "user-content-manager", controller->manager(),
+                                            "settings", settings, nullptr));
+  g_object_ref_sink(view);
+  g_object_unref(settings);
+  return std::shared_ptr<WebViewDriver>(
+      new WebViewDriver(view, session, configuration.userContentController));
+}
+
+WebViewDriver::WebViewDriver(WebKitWebView* view, WebKitNetworkSession* session,
+                             std::shared_ptr<platform::UserContentController> controller)
+    : view_(view), session_(session), controller_(std::move(controller)) {}
+
+WebViewDriver::~WebViewDriver() {
+  shutdown();
+  g_object_unref(view_);
+  g_object_unref(session_);
+}
+
+void WebViewDriver::connect(const char* signal, GCallback callback) {
+  signalIds_.push_back(g_signal_connect_data(view_, signal, callback,
+                                             new DriverRef{weak_from_this()}, freeDriverRef,
+                                             static_cast<GConnectFlags>(0)));
+}
+
+void WebViewDriver::attach(std::weak_ptr<platform::WebView> owner) {
+  owner_ = std::move(owner);
+  connect("decide-policy", G_CALLBACK(onDecidePolicy));
+  connect("load-changed", G_CALLBACK(onLoadChanged));
+  connect("load-failed", G_CALLBACK(onLoadFailed));
+  connect("load-failed-with-tls-errors", G_CALLBACK(onLoadFailedWithTlsErrors));
+  connect("notify::uri", G_CALLBACK(onUriChanged));
+  connect("notify::estimated-load-progress", G_CALLBACK(onProgressChanged));
+
+  // Wheel and touchpad scrolling stop here, before the page sees them, while scrolling is off.
+  scrollBlocker_ = gtk_event_controller_scroll_new(GTK_EVENT_CONTROLLER_SCROLL_BOTH_AXES);
+  gtk_event_controller_set_propagation_phase(scrollBlocker_, GTK_PHASE_CAPTURE);
+  g_signal_connect_data(scrollBlocker_, "scroll", G_CALLBACK(onScroll),
+                        new DriverRef{weak_from_this()}, freeDriverRef,
+                        static_cast<GConnectFlags>(0));
+  gtk_widget_add_controller(GTK_WIDGET(view_), scrollBlocker_);
+}
+
+void WebViewDriver::shutdown() {
+  if (shutDown_) {
+    return;
+  }
+  shutDown_ = true;
+  cancelTimeout();
+  cancelUrlFlush();
+  for (const gulong id : signalIds_) {
+    g_signal_handler_disconnect(view_, id);
+  }
+  signalIds_.clear();
+  if (scrollBlocker_ != nullptr) {
+    gtk_widget_remove_controller(GTK_WIDGET(view_), scrollBlocker_);
+    scrollBlocker_ = nullptr;
+  }
+  // Without this the view's web process outlives the view.
+  webkit_web_view_terminate_web_process(view_);
+}
+
+void WebViewDriver::load(const platform::WebRequest& request) {
+  request_ = request;
+  requestStarted_ = false;
+  timedOut_ = false;
+  abandoned_ = false;
+  trustRetryUsed_ = false;
+  prefetchFollowUp_ = std::any_of(request.headers.begin(), request.headers.end(), isPrefetchHeader);
+  cancelTimeout();
+  timeoutSource_ = g_timeout_add_full(
+      G_PRIORITY_DEFAULT, static_cast<guint>(std::max<std::int64_t>(request.timeout.count(), 0)),
+      onTimeout, new DriverRef{weak_from_this()}, freeSourceRef);
+  send(request);
+}
+
+void WebViewDriver::send(const platform::WebRequest& request) {
+  WebKitURIRequest* uriRequest = webkit_uri_request_new(request.url.absoluteString().c_str());
+  SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(uriRequest);
+  for (const auto& [name, value] : request.headers) {
+    soup_message_headers_append(headers, name.c_str(), value.c_str());
+  }
+  if (request.cachePolicy == platform::CachePolicy::reloadIgnoringLocalCacheData) {
+    soup_message_headers_replace(headers, kCacheControlHeader, kNoCache);
+    soup_message_headers_replace(headers, kPragmaHeader, kNoCache);
+  }
+  webkit_web_view_load_request(view_, uriRequest);
+  g_object_unref(uriRequest);
+}
+
+void WebViewDriver::cancelTimeout() {
+  if (timeoutSource_ != 0) {
+    g_source_remove(timeoutSource_);
+    timeoutSource_ = 0;
+  }
+}
+
+void WebViewDriver::cancelUrlFlush() {
+  if (urlFlushSource_ != 0) {
+    g_source_remove(urlFlushSource_);
+    urlFlushSource_ = 0;
+  }
+}
+
+void WebViewDriver::timeoutFired() {
+  timeoutSource_ = 0;
+  if (requestStarted_) {
+    // The stop fails the load with "cancelled", reported as a time-out (see loadFailed()).
+    timedOut_ = true;
+    webkit_web_view_stop_loading(view_);
+    return;
+  }
+  // The engine has not even started the request (a web process still starting, say): the stop
+  // leaves no trace and does not keep the engine from asking about the request later, so the
+  // failure is reported here and that request's action is refused when it comes.
+  webkit_web_view_stop_loading(view_);
+  abandoned_ = true;
+  const std::shared_ptr<platform::WebView> owner = owner_.lock();
+  const std::shared_ptr<platform::NavigationDelegate> delegate = delegate_.lock();
+  if (owner && delegate && request_) {
+    delegate->didFailProvisionalNavigation(
+        *owner, platform::NavigationError{std::string(platform::kUrlErrorDomain),
+                                          platform::UrlErrorCode::timedOut,
+                                          request_->url.absoluteString()});
+  }
+}
+
+std::optional<Url> WebViewDriver::url() const {
+  return urlOf(webkit_web_view_get_uri(view_));
+}
+
+double WebViewDriver::estimatedProgress() const {
+  return webkit_web_view_get_estimated_load_progress(view_);
+}
+
+bool WebViewDriver::isLoading() const {
+  return webkit_web_view_is_loading(view_) != FALSE;
+}
+
+platform::UserContentController& WebViewDriver::userContentController() const {
+  return *controller_;
+}
+
+std::unique_ptr<platform::Observation> WebViewDriver::observeUrl(
+    std::function<void(const std::optional<Url>&)> observer) {
+  return urlObservers_.add(std::move(observer));
+}
+
+std::unique_ptr<platform::Observation> WebViewDriver::observeEstimatedProgress(
+    std::function<void(double)> observer) {
+  return progressObservers_.add(std::move(observer));
+}
+
+void WebViewDriver::evaluateJavaScript(std::string_view script) {
+  webkit_web_view_evaluate_javascript(view_, script.data(), static_cast<gssize>(script.size()),
+                                      nullptr, nullptr, nullptr, onEvaluated, nullptr);
+}
+
+void WebViewDriver::setAllowsBackForwardNavigationGestures(bool allows) {
+  webkit_settings_set_enable_back_forward_navigation_gestures(webkit_web_view_get_settings(view_),
+                                                              allows ? TRUE : FALSE);
+}
+
+void WebViewDriver::setPageBackgroundColor(platform::Color color) {
+  const GdkRGBA rgba = rgbaOf(color);
+  webkit_web_view_set_background_color(view_, &rgba);
+}
+
+gboolean WebViewDriver::decidePolicy(WebKitPolicyDecision* decision,
+                                     WebKitPolicyDecisionType type) {
+  const std::shared_ptr<platform::WebView> owner = owner_.lock();
+  if (!owner) {
+    return FALSE;
+  }
+  const std::shared_ptr<platform::NavigationDelegate> delegate = delegate_.lock();
+
+  if (type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION ||
+      type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION) {
+    if (abandoned_ && type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION) {
+      // The request that timed out before it started: the core has its failure already.
+      abandoned_ = false;
+      webkit_policy_decision_ignore(decision);
+      return TRUE;
+    }
+    if (swallowAction_ && type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION) {
+      // The reissue of a request the delegate already allowed.
+      swallowAction_ = false;
+      webkit_policy_decision_use(decision);
+      return TRUE;
+    }
+    WebKitNavigationAction* navigation = webkit_navigation_policy_decision_get_navigation_action(
+        WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+    platform::NavigationAction action;
+    action.url =
+        urlOf(webkit_uri_request_get_uri(webkit_navigation_action_get_request(navigation)));
+    action.navigationType =
+        navigationTypeOf(webkit_navigation_action_get_navigation_type(navigation));
+    action.hasTargetFrame = type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION;
+    const platform::NavigationActionPolicy policy =
+        delegate ? delegate->decidePolicyForNavigationAction(*owner, action)
+                 : platform::NavigationActionPolicy::allow;
+    if (policy == platform::NavigationActionPolicy::allow) {
+      webkit_policy_decision_use(decision);
+    } else {
+      webkit_policy_decision_ignore(decision);
+    }
+    return TRUE;
+  }
+
+  if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
+    auto* responseDecision = WEBKIT_RESPONSE_POLICY_DECISION(decision);
+    WebKitURIResponse* uriResponse = webkit_response_policy_decision_get_response(responseDecision);
+    platform::NavigationResponse response;
+    response.url = urlOf(webkit_uri_response_get_uri(uriResponse));
+    // Only HTTP responses carry headers.
+    if (webkit_uri_response_get_http_headers(uriResponse) != nullptr) {
+      response.statusCode = static_cast<long>(webkit_uri_response_get_status_code(uriResponse));
+    }
+    response.isForMainFrame =
+        webkit_response_policy_decision_is_main_frame_main_resource(responseDecision) != FALSE;
+    const platform::NavigationResponsePolicy policy =
+        delegate ? delegate->decidePolicyForNavigationResponse(*owner, response)
+                 : platform::NavigationResponsePolicy::allow;
+    if (policy == platform::NavigationResponsePolicy::allow) {
+      webkit_policy_decision_use(decision);
+    } else {
+      webkit_policy_decision_ignore(decision);
+    }
+    return TRUE;
+  }
+  return FALSE;
+}
+
+void WebViewDriver::loadChanged(WebKitLoadEvent event) {
+  const std::shared_ptr<platform::WebView> owner = owner_.lock();
+  if (!owner) {
+    return;
+  }
+  const std::shared_ptr<platform::NavigationDelegate> delegate = delegate_.lock();
+  switch (event) {
+    case WEBKIT_LOAD_STARTED:
+      if (swallowStart_) {
+        swallowStart_ = false;
+        return;
+      }
+      started_ = true;
+      committed_ = false;
+      failed_ = false;
+      tlsErrors_ = static_cast<GTlsCertificateFlags>(0);
+      requestStarted_ = request_.has_value();
+      if (delegate) {
+        delegate->didStartProvisionalNavigation(*owner);
+      }
+      return;
+    case WEBKIT_LOAD_REDIRECTED:
+      return;
+    case WEBKIT_LOAD_COMMITTED:
+      committed_ = true;
+      return;
+    case WEBKIT_LOAD_FINISHED:
+      if (swallowFinish_) {
+        swallowFinish_ = false;
+        return;
+      }
+      if (prefetchFollowUp_ && !failed_) {
+        followUpPrefetch();
+        return;
+      }
+      if (requestStarted_) {
+        cancelTimeout();
+        requestStarted_ = false;
+      }
+      started_ = false;
+      timedOut_ = false;
+      if (!failed_ && delegate) {
+        delegate->didFinishNavigation(*owner);
+      }
+      return;
+  }
+}
+
+gboolean WebViewDriver::loadFailed(WebKitLoadEvent event, const char* uri, GError* error) {
+  const std::shared_ptr<platform::WebView> owner = owner_.lock();
+  if (!owner) {
+    return FALSE;
+  }
+  failed_ = true;
+  platform::NavigationError mapped =
+      navigationErrorFor(error->domain, error->code, tlsErrors_, uri);
+  const bool cancelled = mapped.domain == platform::kUrlErrorDomain &&
+                         mapped.code == platform::UrlErrorCode::cancelled;
+  if (timedOut_ && cancelled) {
+    timedOut_ = false;
+    mapped.code = platform::UrlErrorCode::timedOut;
+  }
+  if (const std::shared_ptr<platform::NavigationDelegate> delegate = delegate_.lock()) {
+    if (event == WEBKIT_LOAD_COMMITTED || committed_) {
+      delegate->didFailNavigation(*owner, mapped);
+    } else {
+      delegate->didFailProvisionalNavigation(*owner, mapped);
+    }
+  }
+  // Handled: the view keeps what it shows instead of WebKit's error page.
+  return TRUE;
+}
+
+gboolean WebViewDriver::loadFailedWithTlsErrors(const char* uri, GTlsCertificate* certificate,
+                                                GTlsCertificateFlags errors) {
+  if (!trustRetryUsed_ && reissueTrusted(uri, certificate)) {
+    return TRUE;
+  }
+  // Refused: the load-failed that follows carries these problems.
+  tlsErrors_ = errors;
+  return FALSE;
+}
+
+bool WebViewDriver::reissueTrusted(const char* uri, GTlsCertificate* certificate) {
+  const std::optional<std::string> bundle = trustedBundlePath();
+  const std::optional<Url> failing = urlOf(uri);
+  if (!bundle || !failing || !verifiesAgainstBundle(certificate, failing->host(), *bundle)) {
+    return false;
+  }
+  webkit_network_session_allow_tls_certificate_for_host(session_, certificate,
+                                                        failing->host().c_str());
+  trustRetryUsed_ = true;
+  swallowFinish_ = true;
+  swallowAction_ = true;
+  swallowStart_ = started_;
+  if (request_ && request_->url == *failing) {
+    send(*request_);  // the same headers; the time-out keeps running
+  } else {
+    webkit_web_view_load_uri(view_, uri);
+  }
+  return true;
+}
+
+void WebViewDriver::followUpPrefetch() {
+  // WebKit takes a main-frame request marked "Sec-Purpose: prefetch" for a cross-origin
+  // prefetch: the response goes to its prefetch cache, the view commits an empty document, and
+  // the web process never sees the response. The server has had the marked request; the same
+  // request follows without the mark (WebKit serves it from its prefetch cache when the response
+  // may be stored, and fetches it again otherwise), and only that load is reported to the core,
+  // which saw one start, and sees its response and its finish.
+  prefetchFollowUp_ = false;
+  committed_ = false;
+  swallowAction_ = true;
+  swallowStart_ = true;
+  platform::WebRequest unmarked = *request_;
+  std::erase_if(unmarked.headers, isPrefetchHeader);
+  send(unmarked);  // the time-out keeps running
+}
+
+void WebViewDriver::uriChanged() {
+  // WebKit moves the URI back while a refused certificate is being trusted and forward again
+  // at the reissue, all in one dispatch: observers learn the settled value a turn later.
+  if (urlFlushSource_ == 0) {
+    urlFlushSource_ = g_idle_add_full(G_PRIORITY_DEFAULT, onUrlFlush,
+                                      new DriverRef{weak_from_this()}, freeSourceRef);
+  }
+}
+
+void WebViewDriver::flushUrl() {
+  urlFlushSource_ = 0;
+  const std::optional<Url> current = url();
+  if (current == notifiedUrl_) {
+    return;
+  }
+  notifiedUrl_ = current;
+  if (const std::shared_ptr<platform::WebView> owner = owner_.lock()) {
+    urlObservers_.notify(current);
+  }
+}
+
+void WebViewDriver::progressChanged() {
+  if (const std::shared_ptr<platform::WebView> owner = owner_.lock()) {
+    progressObservers_.notify(estimatedProgress());
+  }
+}
+
+}  // namespace vemba::linux_platform

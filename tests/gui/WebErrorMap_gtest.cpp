@@ -1,0 +1,101 @@
+// The table from WebKitGTK's load failures to the seam's navigation errors. Needs no display.
+#include <gtest/gtest.h>
+#include <webkit/webkit.h>
+
+#include "WebErrorMap.h"
+#include "platform/UrlErrorCode.h"
+
+namespace vemba::linux_platform {
+namespace {
+
+namespace Code = platform::UrlErrorCode;
+
+constexpr auto kNoFlags = static_cast<GTlsCertificateFlags>(0);
+
+struct Row {
+  GQuark domain;
+  int code;
+  GTlsCertificateFlags flags;
+  std::string_view expectedDomain;
+  int expectedCode;
+};
+
+TEST(WebErrorMapTest, MapsEachFailureClass) {
+  const std::string_view url = platform::kUrlErrorDomain;
+  const std::string_view webKit = platform::kWebKitErrorDomain;
+  const Row rows[] = {
+      {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED, kNoFlags, url, Code::cancelled},
+      {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_UNKNOWN_PROTOCOL, kNoFlags, url,
+       Code::unsupportedURL},
+      {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_TRANSPORT, kNoFlags, url,
+       Code::networkConnectionLost},
+      {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_FAILED, kNoFlags, url, Code::unknown},
+      // The engine's policy codes stay in the engine's domain.
+      {WEBKIT_POLICY_ERROR, WEBKIT_POLICY_ERROR_FRAME_LOAD_INTERRUPTED_BY_POLICY_CHANGE, kNoFlags,
+       webKit, platform::WebKitErrorCode::frameLoadInterrupted},
+      {WEBKIT_POLICY_ERROR, WEBKIT_POLICY_ERROR_CANNOT_SHOW_URI, kNoFlags, webKit,
+       platform::WebKitErrorCode::cannotShowURL},
+      {WEBKIT_POLICY_ERROR, WEBKIT_POLICY_ERROR_CANNOT_USE_RESTRICTED_PORT, kNoFlags, webKit, 103},
+      {G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED, kNoFlags, url, Code::cannotConnectToHost},
+      {G_IO_ERROR, G_IO_ERROR_HOST_UNREACHABLE, kNoFlags, url, Code::cannotConnectToHost},
+      {G_IO_ERROR, G_IO_ERROR_NETWORK_UNREACHABLE, kNoFlags, url, Code::notConnectedToInternet},
+      {G_IO_ERROR, G_IO_ERROR_TIMED_OUT, kNoFlags, url, Code::timedOut},
+      {G_IO_ERROR, G_IO_ERROR_CANCELLED, kNoFlags, url, Code::cancelled},
+      {G_IO_ERROR, G_IO_ERROR_CONNECTION_CLOSED, kNoFlags, url, Code::networkConnectionLost},
+      {G_IO_ERROR, G_IO_ERROR_PERMISSION_DENIED, kNoFlags, url, Code::unknown},
+      {G_RESOLVER_ERROR, G_RESOLVER_ERROR_NOT_FOUND, kNoFlags, url, Code::cannotFindHost},
+      {G_RESOLVER_ERROR, G_RESOLVER_ERROR_TEMPORARY_FAILURE, kNoFlags, url, Code::cannotFindHost},
+      {G_RESOLVER_ERROR, G_RESOLVER_ERROR_INTERNAL, kNoFlags, url, Code::dnsLookupFailed},
+      {G_TLS_ERROR, G_TLS_ERROR_HANDSHAKE, kNoFlags, url, Code::secureConnectionFailed},
+      {G_TLS_ERROR, G_TLS_ERROR_NOT_TLS, kNoFlags, url, Code::secureConnectionFailed},
+      {G_TLS_ERROR, G_TLS_ERROR_CERTIFICATE_REQUIRED, kNoFlags, url,
+       Code::clientCertificateRejected},
+      // A refused certificate without the flags WebKit reports beforehand.
+      {G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE, kNoFlags, url, Code::serverCertificateUntrusted},
+      {G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE, G_TLS_CERTIFICATE_UNKNOWN_CA, url,
+       Code::serverCertificateHasUnknownRoot},
+      {SOUP_SESSION_ERROR, SOUP_SESSION_ERROR_TOO_MANY_REDIRECTS, kNoFlags, url,
+       Code::httpTooManyRedirects},
+      {SOUP_SESSION_ERROR, SOUP_SESSION_ERROR_PARSING, kNoFlags, url, Code::cannotParseResponse},
+      {g_quark_from_static_string("vemba-test-unknown-domain"), 7, kNoFlags, url, Code::unknown},
+  };
+  for (const Row& row : rows) {
+    const platform::NavigationError error =
+        navigationErrorFor(row.domain, row.code, row.flags, "https://shop.invalid/pay");
+    EXPECT_EQ(error.domain, row.expectedDomain) << g_quark_to_string(row.domain) << " " << row.code;
+    EXPECT_EQ(error.code, row.expectedCode) << g_quark_to_string(row.domain) << " " << row.code;
+  }
+}
+
+TEST(WebErrorMapTest, CertificateProblemsInOrderOfGravity) {
+  const struct {
+    unsigned flags;
+    int expected;
+  } rows[] = {
+      {G_TLS_CERTIFICATE_UNKNOWN_CA | G_TLS_CERTIFICATE_EXPIRED,
+       Code::serverCertificateHasUnknownRoot},
+      {G_TLS_CERTIFICATE_EXPIRED | G_TLS_CERTIFICATE_BAD_IDENTITY,
+       Code::serverCertificateHasBadDate},
+      {G_TLS_CERTIFICATE_NOT_ACTIVATED, Code::serverCertificateNotYetValid},
+      {G_TLS_CERTIFICATE_BAD_IDENTITY, Code::serverCertificateUntrusted},
+      {G_TLS_CERTIFICATE_REVOKED | G_TLS_CERTIFICATE_INSECURE, Code::serverCertificateUntrusted},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(urlErrorCodeForTlsFlags(static_cast<GTlsCertificateFlags>(row.flags)), row.expected)
+        << row.flags;
+  }
+}
+
+TEST(WebErrorMapTest, KeepsTheFailingUrlOnlyWhenThereIsOne) {
+  EXPECT_EQ(navigationErrorFor(G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED, kNoFlags,
+                               "https://shop.invalid/pay")
+                .failingUrl,
+            "https://shop.invalid/pay");
+  EXPECT_FALSE(
+      navigationErrorFor(G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED, kNoFlags, "").failingUrl);
+  EXPECT_FALSE(
+      navigationErrorFor(G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED, kNoFlags, nullptr).failingUrl);
+}
+
+}  // namespace
+}  // namespace vemba::linux_platform

@@ -1,0 +1,110 @@
+// Helpers for the web view tests on the real WebKitGTK backend: a main-loop spinner, a navigation
+// delegate and a message handler that record what the core would see, a window to host a view,
+// and local endpoints that refuse or never answer. Main thread only.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/WebView.h"
+
+namespace vemba::testing {
+
+// True when GTK could open the display (the tests that need one skip otherwise).
+bool displayAvailable();
+
+// Runs the default main context until `done` holds or `timeout` passes; returns `done()`.
+bool spinUntil(const std::function<bool()>& done,
+               std::chrono::milliseconds timeout = std::chrono::seconds(20));
+// Runs the default main context for `duration` (to see that nothing more happens).
+void spinFor(std::chrono::milliseconds duration);
+
+// Records every delegate call as one line: "action <url> <type> target|no-target",
+// "start", "response <status> main|sub", "finish", "fail-provisional <domain> <code>",
+// "fail <domain> <code>". Cancels the actions and responses the test tells it to.
+class RecordingNavigationDelegate final : public platform::NavigationDelegate {
+ public:
+  platform::NavigationActionPolicy decidePolicyForNavigationAction(
+      platform::WebView& webView, const platform::NavigationAction& action) override;
+  platform::NavigationResponsePolicy decidePolicyForNavigationResponse(
+      platform::WebView& webView, const platform::NavigationResponse& response) override;
+  void didStartProvisionalNavigation(platform::WebView& webView) override;
+  void didFailProvisionalNavigation(platform::WebView& webView,
+                                    const platform::NavigationError& error) override;
+  void didFinishNavigation(platform::WebView& webView) override;
+  void didFailNavigation(platform::WebView& webView,
+                         const platform::NavigationError& error) override;
+
+  // The load ended (finished or failed) at least `count` times.
+  bool ended(std::size_t count = 1) const { return ends >= count; }
+
+  std::vector<std::string> events;
+  std::vector<platform::NavigationError> errors;
+  std::size_t ends = 0;
+  std::function<bool(const platform::NavigationAction&)> cancelAction;
+  std::function<bool(const platform::NavigationResponse&)> cancelResponse;
+  // Runs inside didFinishNavigation / didFail…, after recording (to drop the view, say).
+  std::function<void()> onEnd;
+};
+
+class RecordingMessageHandler final : public platform::ScriptMessageHandler {
+ public:
+  void userContentControllerDidReceive(platform::UserContentController& controller,
+                                       const platform::ScriptMessage& message) override;
+  std::vector<platform::ScriptMessage> messages;
+};
+
+// A top-level window showing `view` (GtkWindow of 480 × 640); destroyed with the object.
+class TestWindow {
+ public:
+  explicit TestWindow(platform::View& view);
+  ~TestWindow();
+  TestWindow(const TestWindow&) = delete;
+  TestWindow& operator=(const TestWindow&) = delete;
+  GtkWidget* window() const { return window_; }
+  // Saves the window's current rendering to `path` as PNG; false when nothing was drawn.
+  bool saveAsPng(const std::string& path);
+
+ private:
+  GtkWidget* window_;
+};
+
+// A loopback TCP port that accepts connections into its backlog and never answers.
+class SilentPort {
+ public:
+  SilentPort();
+  ~SilentPort();
+  SilentPort(const SilentPort&) = delete;
+  SilentPort& operator=(const SilentPort&) = delete;
+  int port() const { return port_; }
+
+ private:
+  int fd_ = -1;
+  int port_ = 0;
+};
+
+// A loopback port that nothing listens on (connections are refused).
+int closedPort();
+
+// A web view from the backend's factory with its own controller, in an ephemeral session.
+struct TestWebView {
+  std::shared_ptr<platform::UserContentController> controller;
+  std::shared_ptr<platform::WebView> view;
+  std::shared_ptr<RecordingNavigationDelegate> delegate;
+};
+TestWebView makeWebView(std::optional<std::string> applicationName = std::nullopt);
+
+// A request for `url` (which must parse) with a time-out.
+platform::WebRequest requestFor(const std::string& url,
+                                std::chrono::milliseconds timeout = std::chrono::seconds(20));
+
+// The process ids of this process's descendants whose name starts with `prefix`.
+std::vector<int> descendantProcesses(const std::string& prefix);
+
+}  // namespace vemba::testing

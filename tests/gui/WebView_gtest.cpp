@@ -1,0 +1,337 @@
+// The WebKitGTK web view through the seam, against local servers under Xvfb: the load lifecycle
+// in the order the core relies on, trust of the SSL_CERT_FILE bundle and nothing else, failures
+// and their codes, policy decisions, script messages both ways, what the server sees, ephemeral
+// storage, and the web process ending with the view.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <webkit/webkit.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "LocalExchange.h"
+#include "WebTestSupport.h"
+#include "platform/UrlErrorCode.h"
+
+namespace vemba::testing {
+
+using exchange::LocalExchange;
+namespace {
+
+using platform::NavigationError;
+using ::testing::ElementsAre;
+namespace Code = platform::UrlErrorCode;
+
+constexpr std::string_view kPagePath = "/ads/interstitial.html";
+
+class WebViewTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    if (!displayAvailable()) {
+      return;
+    }
+    exchange_ = new LocalExchange();
+    setenv("SSL_CERT_FILE", exchange_->caFile().c_str(), 1);
+  }
+  static void TearDownTestSuite() {
+    delete exchange_;
+    exchange_ = nullptr;
+  }
+  void SetUp() override {
+    if (!displayAvailable()) {
+      GTEST_SKIP() << "no display";
+    }
+    exchange_->clearLog();
+  }
+
+  static std::string pageUrl(std::string_view query = "") {
+    return exchange_->origin() + std::string(kPagePath) + std::string(query);
+  }
+  // The requests for the test page itself (its scripts, styles and images are logged too).
+  static std::vector<nlohmann::json> documents() {
+    std::vector<nlohmann::json> out;
+    for (nlohmann::json& entry : exchange_->log("page")) {
+      if (entry.value("path", "") == kPagePath) {
+        out.push_back(std::move(entry));
+      }
+    }
+    return out;
+  }
+  static std::string actionLine(const std::string& url, std::string_view rest = "other target") {
+    return "action " + url + " " + std::string(rest);
+  }
+
+  static LocalExchange* exchange_;
+};
+
+LocalExchange* WebViewTest::exchange_ = nullptr;
+
+TEST_F(WebViewTest, LoadsATrustedHttpsPageInTheSeamsOrder) {
+  TestWebView made = makeWebView();
+  TestWindow window(*made.view);
+  std::vector<std::optional<Url>> urls;
+  std::vector<double> progress;
+  const auto urlObservation =
+      made.view->observeUrl([&](const std::optional<Url>& url) { urls.push_back(url); });
+  const auto progressObservation =
+      made.view->observeEstimatedProgress([&](double value) { progress.push_back(value); });
+
+  made.view->load(requestFor(pageUrl()));
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+  spinFor(std::chrono::milliseconds(200));
+
+  // The first attempt, refused until the bundle vouched for the certificate, stays invisible.
+  EXPECT_THAT(made.delegate->events,
+              ElementsAre(actionLine(pageUrl()), "start", "response 200 main", "finish"));
+  EXPECT_THAT(urls, ElementsAre(Url::parse(pageUrl())));
+  ASSERT_FALSE(progress.empty());
+  EXPECT_DOUBLE_EQ(progress.back(), 1.0);
+  EXPECT_FALSE(made.view->isLoading());
+  EXPECT_EQ(made.view->url(), Url::parse(pageUrl()));
+  EXPECT_EQ(documents().size(), 1U);
+}
+
+TEST_F(WebViewTest, SendsTheRequestHeadersAndTheUserAgentSuffixOnTheWire) {
+  TestWebView made = makeWebView("CheckoutTest/2.1 (standard; light)");
+  TestWindow window(*made.view);
+  platform::WebRequest request = requestFor(pageUrl("?prefetched=1"));
+  request.headers.emplace_back("Sec-Purpose", "prefetch");
+  request.cachePolicy = platform::CachePolicy::reloadIgnoringLocalCacheData;
+  made.view->load(request);
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+
+  // The marked request, then the same one unmarked (the engine only caches a marked response):
+  // the core sees one navigation, with the response it renders.
+  EXPECT_THAT(made.delegate->events, ElementsAre(actionLine(pageUrl("?prefetched=1")), "start",
+                                                 "response 200 main", "finish"));
+  const std::vector<nlohmann::json> pages = documents();
+  ASSERT_EQ(pages.size(), 2U);
+  EXPECT_EQ(LocalExchange::header(pages[0], "Sec-Purpose"), "prefetch");
+  EXPECT_EQ(LocalExchange::header(pages[1], "Sec-Purpose"), std::nullopt);
+  EXPECT_EQ(LocalExchange::header(pages[1], "Cache-Control"), "no-cache");
+  // WebKit's own agent, one space, the name.
+  WebKitSettings* settings = webkit_settings_new();
+  const std::string engineAgent = webkit_settings_get_user_agent(settings);
+  g_object_unref(settings);
+  EXPECT_EQ(LocalExchange::header(pages[0], "User-Agent"),
+            engineAgent + " CheckoutTest/2.1 (standard; light)");
+}
+
+TEST_F(WebViewTest, FailsWithTheMappedCodeAndNeverFinishes) {
+  const SilentPort silent;
+  const std::string silentUrl = "http://127.0.0.1:" + std::to_string(silent.port()) + "/pay";
+  const std::string refusedUrl = "http://127.0.0.1:" + std::to_string(closedPort()) + "/pay";
+  const struct {
+    std::string url;
+    std::chrono::milliseconds timeout;
+    int code;
+  } rows[] = {
+      {silentUrl, std::chrono::milliseconds(400), Code::timedOut},
+      {refusedUrl, std::chrono::seconds(20), Code::cannotConnectToHost},
+  };
+  TestWebView made = makeWebView();
+  TestWindow window(*made.view);
+  made.view->load(requestFor(pageUrl()));  // a started web process: timing is the request's own
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.url);
+    made.delegate->events.clear();
+    made.delegate->errors.clear();
+    made.delegate->ends = 0;
+    made.view->load(requestFor(row.url, row.timeout));
+    ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+    spinFor(std::chrono::milliseconds(200));
+    EXPECT_THAT(made.delegate->events,
+                ElementsAre(actionLine(row.url), "start",
+                            "fail-provisional URLError " + std::to_string(row.code)));
+    EXPECT_EQ(made.delegate->errors[0].failingUrl, row.url);
+    EXPECT_FALSE(made.view->isLoading());
+  }
+}
+
+TEST_F(WebViewTest, TimesOutARequestTheEngineHasNotStarted) {
+  const SilentPort silent;
+  const std::string url = "http://127.0.0.1:" + std::to_string(silent.port()) + "/pay";
+  TestWebView made = makeWebView();  // its web process is not running yet
+  TestWindow window(*made.view);
+  made.view->load(requestFor(url, std::chrono::milliseconds(1)));
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+  spinFor(std::chrono::milliseconds(1500));  // the web process is up: nothing more arrives
+  EXPECT_THAT(made.delegate->events,
+              ElementsAre("fail-provisional URLError " + std::to_string(Code::timedOut)));
+}
+
+TEST_F(WebViewTest, RefusesACertificateTheBundleDoesNotVouchFor) {
+  const LocalExchange stranger;  // its own authority, which nothing trusts
+  const std::string url = stranger.origin() + std::string(kPagePath);
+  TestWebView made = makeWebView();
+  TestWindow window(*made.view);
+  made.view->load(requestFor(url));
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+  spinFor(std::chrono::milliseconds(300));
+
+  EXPECT_THAT(made.delegate->events,
+              ElementsAre(actionLine(url), "start",
+                          "fail-provisional URLError " +
+                              std::to_string(Code::serverCertificateHasUnknownRoot)));
+  EXPECT_TRUE(stranger.log("page").empty());
+}
+
+TEST_F(WebViewTest, AnsweredPolicyDecisionsStopTheNavigation) {
+  TestWebView made = makeWebView();
+  TestWindow window(*made.view);
+  made.view->load(requestFor(pageUrl()));
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+  made.delegate->events.clear();
+
+  // A script's click on a link is a link activation; a target-less one opens no frame here.
+  const std::string other = exchange_->origin() + "/ads/rewarded.html";
+  made.delegate->cancelAction = [](const platform::NavigationAction& action) {
+    return action.navigationType == platform::NavigationType::linkActivated;
+  };
+  made.view->evaluateJavaScript("const a = document.createElement('a'); a.href = '" + other +
+                                "'; a.target = '_blank'; document.body.appendChild(a); a.click();"
+                                "const b = document.createElement('a'); b.href = '" +
+                                other + "'; document.body.appendChild(b); b.click();");
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->events.size() >= 2; }));
+  spinFor(std::chrono::milliseconds(500));
+  EXPECT_THAT(made.delegate->events,
+              ElementsAre(actionLine(other, "link no-target"), actionLine(other, "link target")));
+  EXPECT_EQ(made.view->url(), Url::parse(pageUrl()));
+
+  // A main-document 404 reaches the response decision; cancelling it interrupts the load.
+  made.delegate->events.clear();
+  made.delegate->cancelResponse = [](const platform::NavigationResponse& response) {
+    return response.statusCode >= 400;
+  };
+  const std::string missing = exchange_->origin() + "/no-such-page";
+  made.view->load(requestFor(missing));
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(2); }));
+  EXPECT_THAT(made.delegate->events, ElementsAre(actionLine(missing), "start", "response 404 main",
+                                                 "fail-provisional WebKitErrorDomain 102"));
+}
+
+TEST_F(WebViewTest, CarriesScriptMessagesBothWays) {
+  TestWebView made = makeWebView();
+  TestWindow window(*made.view);
+  auto handler = std::make_shared<RecordingMessageHandler>();
+  made.controller->add(handler, "vemba");
+  made.view->load(requestFor(pageUrl("?auto=click&autoDelay=10")));
+  ASSERT_TRUE(spinUntil([&] { return !handler->messages.empty(); }));
+  EXPECT_EQ(handler->messages[0], (platform::ScriptMessage{"vemba", std::string("click")}));
+
+  handler->messages.clear();
+  made.view->evaluateJavaScript(
+      "const h = window.webkit.messageHandlers.vemba;"
+      "h.postMessage({action: 'openURL', url: 'https://shop.invalid/x'}); h.postMessage(42);"
+      "h.postMessage([1, 'two']); h.postMessage(null); h.postMessage('x'.repeat(8 << 20));");
+  ASSERT_TRUE(spinUntil([&] { return handler->messages.size() >= 5; }));
+  using Json = platform::ScriptMessage::NonStringBody;
+  const auto json = [](const platform::ScriptMessage& message) {
+    return nlohmann::json::parse(std::get<Json>(message.body).jsonText);
+  };
+  EXPECT_EQ(json(handler->messages[0]),
+            (nlohmann::json{{"action", "openURL"}, {"url", "https://shop.invalid/x"}}));
+  EXPECT_EQ(json(handler->messages[1]), 42);
+  EXPECT_EQ(json(handler->messages[2]), (nlohmann::json{1, "two"}));
+  EXPECT_EQ(std::get<Json>(handler->messages[3].body).jsonText, "null");
+  EXPECT_EQ(std::get<std::string>(handler->messages[4].body).size(), 8U << 20U);
+
+  // A removed channel is gone from the live page: posting to it throws there.
+  auto probe = std::make_shared<RecordingMessageHandler>();
+  made.controller->add(probe, "probe");
+  made.controller->removeScriptMessageHandler("vemba");
+  handler->messages.clear();
+  made.view->evaluateJavaScript(
+      "try { window.webkit.messageHandlers.vemba.postMessage('late'); "
+      "window.webkit.messageHandlers.probe.postMessage('posted'); }"
+      "catch (e) { window.webkit.messageHandlers.probe.postMessage('threw'); }");
+  ASSERT_TRUE(spinUntil([&] { return !probe->messages.empty(); }));
+  EXPECT_EQ(probe->messages[0].body, (std::variant<std::string, Json>(std::string("threw"))));
+  EXPECT_TRUE(handler->messages.empty());
+}
+
+TEST_F(WebViewTest, ADelegateMayDropTheViewInItsCallback) {
+  TestWebView made = makeWebView();
+  auto window = std::make_unique<TestWindow>(*made.view);
+  std::weak_ptr<platform::WebView> weak = made.view;
+  made.delegate->onEnd = [&] {
+    window.reset();
+    made.view.reset();
+  };
+  made.view->load(requestFor(pageUrl()));
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+  spinFor(std::chrono::milliseconds(200));
+  EXPECT_TRUE(weak.expired());
+}
+
+TEST_F(WebViewTest, EphemeralViewsShareAndKeepNothing) {
+  const auto store = [](TestWebView& made, const std::string& script) {
+    auto handler = std::make_shared<RecordingMessageHandler>();
+    made.controller->add(handler, "probe");
+    made.view->load(requestFor(pageUrl()));
+    EXPECT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+    made.view->evaluateJavaScript(script);
+    EXPECT_TRUE(spinUntil([&] { return !handler->messages.empty(); }));
+    return handler->messages.empty() ? std::string()
+                                     : std::get<std::string>(handler->messages[0].body);
+  };
+  const std::string read =
+      "window.webkit.messageHandlers.probe.postMessage("
+      "(localStorage.getItem('k') || '-') + ' ' + (document.cookie || '-'));";
+  {
+    TestWebView first = makeWebView();
+    TestWindow window(*first.view);
+    EXPECT_EQ(store(first,
+                    "localStorage.setItem('k', 'v'); document.cookie = 'c=1; max-age=600';" + read),
+              "v c=1");
+  }
+  TestWebView second = makeWebView();
+  TestWindow window(*second.view);
+  EXPECT_EQ(store(second, read), "- -");
+}
+
+TEST_F(WebViewTest, SurvivesAPageThatNeverStopsNavigating) {
+  TestWebView made = makeWebView();
+  TestWindow window(*made.view);
+  made.view->load(requestFor(pageUrl()));
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+  made.view->evaluateJavaScript("setInterval(() => location.reload(), 1);");
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(5); }));
+  // Each reload starts and ends in turn; the view then goes mid-navigation.
+  const auto& events = made.delegate->events;
+  EXPECT_EQ(std::count(events.begin(), events.end(), "start"), made.delegate->ends)
+      << ::testing::PrintToString(events);
+}
+
+TEST_F(WebViewTest, TheWebProcessEndsWithTheView) {
+  const std::string name = "WebKitWebProces";  // the kernel keeps 15 characters of a name
+  const auto count = [&] { return descendantProcesses(name).size(); };
+  // The views of earlier tests are gone; their processes end shortly after them.
+  ASSERT_TRUE(spinUntil([&] { return count() == 0; }, std::chrono::seconds(10)));
+  {
+    TestWebView made = makeWebView();
+    TestWindow window(*made.view);
+    made.view->load(requestFor(pageUrl()));
+    ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+    EXPECT_EQ(count(), 1U);
+  }
+  EXPECT_TRUE(spinUntil([&] { return count() == 0; }, std::chrono::seconds(10)));
+}
+
+TEST_F(WebViewTest, ShowsTheLoadedPageInAWindow) {
+  TestWebView made = makeWebView();
+  made.view->setBackgroundColor(platform::Color::rgba(0.1, 0.1, 0.1, 1.0));
+  TestWindow window(*made.view);
+  made.view->load(requestFor(pageUrl()));
+  ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
+  spinFor(std::chrono::milliseconds(500));  // the first frames of the page reach the window
+  const std::string path = (std::filesystem::current_path() / "web-view-window.png").string();
+  ASSERT_TRUE(window.saveAsPng(path));
+  EXPECT_GT(std::filesystem::file_size(path), 10000U) << path;
+}
+
+}  // namespace
+}  // namespace vemba::testing
