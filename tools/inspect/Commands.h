@@ -18,5 +18,7 @@ int runCheckoutUserAgent(const Args& args);
 int runBridge(const Args& args);
 // vemba-inspect checkout --url URL ...: presents a checkout sheet from a host window.
 int runCheckout(const Args& args);
+// vemba-inspect show --ad-unit ID ...: loads an ad and shows it from a host window.
+int runShow(const Args& args);
 
 }  // namespace vemba::inspect

@@ -16,6 +16,9 @@ constexpr Subcommand kSubcommands[] = {
     {"load", vemba::inspect::runLoad,
      "load --ad-unit ID [--format interstitial|rewarded] [--bid-floor F] "
      "[--api-key KEY | --no-initialize] [--timeout SECONDS]"},
+    {"show", vemba::inspect::runShow,
+     "show --ad-unit ID [--format interstitial|rewarded] [--api-key KEY] [--bid-floor F] "
+     "[--close-after SECONDS] [--timeout SECONDS] [--screenshot FILE]"},
     {"request", vemba::inspect::runRequest,
      "request --ad-unit ID [--format interstitial|rewarded] [--bid-floor F]"},
     {"user-agent", vemba::inspect::runUserAgent,
