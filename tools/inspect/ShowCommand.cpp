@@ -153,7 +153,8 @@ std::optional<ShowOptions> readOptions(const Args& args) {
   if (!ad) {
     return std::nullopt;
   }
-  ShowOptions out{*ad};
+  ShowOptions out;
+  out.ad = *ad;
   bool ok = true;
   out.apiKey = options->value("--api-key");
   out.closeAfter = options->number("--close-after", ok);
