@@ -7,6 +7,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,6 +22,7 @@ namespace vemba::testing {
 struct InspectorRun {
   int exitCode = -1;  // -1 when it had to be killed
   std::vector<nlohmann::json> lines;
+  std::string errors;  // everything it wrote to standard error (its log lines)
 
   // The lines that have `key` equal to `value` ("callback", "checkoutDidComplete").
   std::vector<nlohmann::json> where(const std::string& key, const std::string& value) const {
@@ -62,6 +64,11 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
   posix_spawn_file_actions_addclose(&actions, out[0]);
+  char errorsPath[] = "/tmp/vemba-inspect-stderr-XXXXXX";
+  const int errorsFile = mkstemp(errorsPath);
+  if (errorsFile >= 0) {
+    posix_spawn_file_actions_adddup2(&actions, errorsFile, STDERR_FILENO);
+  }
   std::vector<std::string> argvStrings{binary};
   argvStrings.insert(argvStrings.end(), args.begin(), args.end());
   std::vector<char*> argv;
@@ -75,6 +82,10 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
   close(out[1]);
   if (spawned != 0) {
     close(out[0]);
+    if (errorsFile >= 0) {
+      close(errorsFile);
+      unlink(errorsPath);
+    }
     return run;
   }
   const auto deadline = std::chrono::steady_clock::now() + limit;
@@ -113,6 +124,15 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
   int status = 0;
   waitpid(pid, &status, 0);
   run.exitCode = !killed && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  if (errorsFile >= 0) {
+    char chunk[4096];
+    lseek(errorsFile, 0, SEEK_SET);
+    for (ssize_t n; (n = read(errorsFile, chunk, sizeof chunk)) > 0;) {
+      run.errors.append(chunk, static_cast<std::size_t>(n));
+    }
+    close(errorsFile);
+    unlink(errorsPath);
+  }
   return run;
 }
 

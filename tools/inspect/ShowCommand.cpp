@@ -12,6 +12,7 @@
 #include "Commands.h"
 #include "InspectHost.h"
 #include "Options.h"
+#include "ads/core/VembaLogger.h"
 #include "platform/Screen.h"
 #include "platform/View.h"
 #include "platform/WebView.h"
@@ -183,6 +184,10 @@ int runShow(const Args& args) {
     return kExitNoDisplay;
   }
   printOpenedUrls();
+  // The library's own log lines (load, retries, messages from the page) go to standard error.
+  VembaLogger::setDevelopmentSink([](std::string_view line) {
+    std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
+  });
   if (session.options.apiKey) {
     VembaSDK::shared().initialize(VembaConfiguration(*session.options.apiKey, false));
   }
