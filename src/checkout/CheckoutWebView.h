@@ -50,6 +50,9 @@ class CheckoutWebView final : public platform::NavigationDelegate,
   // Empties the cache and clears preloadingActivatedByClient; with `disconnect`, the cached view
   // first loses its bridge.
   static void invalidate(bool disconnect);
+  // The view in the cache entry, fresh or not, without using it; null when the cache is empty.
+  // For tools that wait for a preload to finish.
+  static std::shared_ptr<CheckoutWebView> cachedView();
   // The cache key: the URL's absolute string, "_", the entry point's raw value or "nil".
   static std::string cacheKey(const Url& checkout, std::optional<MetaData::EntryPoint> entry);
   // Set by the host's preload; cleared by every invalidation and every write of the

@@ -126,6 +126,11 @@ void CheckoutWebView::invalidate(bool disconnect) {
   statics.cache.reset();
 }
 
+std::shared_ptr<CheckoutWebView> CheckoutWebView::cachedView() {
+  const CacheState& statics = state();
+  return statics.cache ? statics.cache->view : nullptr;
+}
+
 bool CheckoutWebView::preloadingActivatedByClient() {
   return gPreloadingActivatedByClient;
 }

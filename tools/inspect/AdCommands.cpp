@@ -5,6 +5,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "AdOptions.h"
 #include "Commands.h"
 #include "Options.h"
 #include "ads/bidding/BidExchange.h"
@@ -18,41 +19,6 @@ namespace {
 constexpr double kDefaultTimeoutSeconds = 70;
 constexpr int kExitUsage = 2;
 constexpr int kExitNoCallback = 3;
-
-enum class Format { interstitial, rewarded };
-
-struct AdOptions {
-  std::string adUnitId;
-  Format format = Format::interstitial;
-  double bidFloor = 0;
-};
-
-std::optional<AdOptions> readAdOptions(const Options& options) {
-  AdOptions out;
-  const std::optional<std::string> unit = options.value("--ad-unit");
-  if (!unit) {
-    std::fputs("vemba-inspect: --ad-unit is required\n", stderr);
-    return std::nullopt;
-  }
-  out.adUnitId = *unit;
-  if (const std::optional<std::string> format = options.value("--format")) {
-    if (*format == "interstitial") {
-      out.format = Format::interstitial;
-    } else if (*format == "rewarded") {
-      out.format = Format::rewarded;
-    } else {
-      std::fprintf(stderr, "vemba-inspect: unknown format '%s'\n", format->c_str());
-      return std::nullopt;
-    }
-  }
-  bool ok = true;
-  out.bidFloor = options.number("--bid-floor", ok).value_or(0);
-  return ok ? std::optional(out) : std::nullopt;
-}
-
-std::string dumpLine(const nlohmann::ordered_json& line) {
-  return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
-}
 
 // Prints each load callback as one JSON line and stops the loop at the first one.
 class PrintingDelegate : public VembaInterstitialAdDelegate, public VembaRewardedAdDelegate {
@@ -90,12 +56,11 @@ class PrintingDelegate : public VembaInterstitialAdDelegate, public VembaRewarde
     line["callback"] = "adDidFailToLoad";
     line["adUnitId"] = unit;
     line["isReady"] = ready;
-    line["error"] = {
-        {"domain", error.domain}, {"code", error.code}, {"description", error.description}};
+    line["error"] = errorJson(error);
     finish(line);
   }
   void finish(const nlohmann::ordered_json& line) {
-    printLine(dumpLine(line));
+    printLine(line);
     called = true;
     g_main_loop_quit(loop_);
   }

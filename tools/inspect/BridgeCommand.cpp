@@ -9,13 +9,13 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "CheckoutJson.h"
 #include "Commands.h"
 #include "Options.h"
 #include "checkout/CheckoutBridge.h"
 #include "checkout/CheckoutErrorMapping.h"
 #include "checkout/OSLogger.h"
 #include "checkout/events/CheckoutCompletedEventCoding.h"
-#include "checkout/events/PixelEventCoding.h"
 #include "platform/ScriptMessage.h"
 
 namespace vemba::inspect {
@@ -23,7 +23,7 @@ namespace {
 
 using checkout::CheckoutBridge;
 using checkout::CheckoutError;
-using Line = nlohmann::ordered_json;
+
 using WebEvent = CheckoutBridge::WebEvent;
 
 constexpr int kExitUsage = 2;
@@ -33,39 +33,6 @@ Line optionalText(const std::optional<std::string>& text) {
   return text ? Line(*text) : Line(nullptr);
 }
 
-Line checkoutErrorJson(const CheckoutError& error) {
-  Line out;
-  std::visit(
-      [&out](const auto& value) {
-        using T = std::decay_t<decltype(value)>;
-        if constexpr (std::is_same_v<T, CheckoutError::SdkError>) {
-          out["case"] = "sdkError";
-        } else if constexpr (std::is_same_v<T, CheckoutError::ConfigurationError>) {
-          out["case"] = "configurationError";
-          out["message"] = value.message;
-          out["code"] = checkout::rawValue(value.code);
-        } else if constexpr (std::is_same_v<T, CheckoutError::Unavailable>) {
-          out["case"] = "checkoutUnavailable";
-          out["message"] = value.message;
-          if (const auto* client =
-                  std::get_if<checkout::CheckoutUnavailable::ClientError>(&value.code.value())) {
-            out["code"] = Line{{"clientError", checkout::rawValue(client->code)}};
-          } else {
-            out["code"] = Line{
-                {"httpError", std::get<checkout::CheckoutUnavailable::HttpError>(value.code.value())
-                                  .statusCode}};
-          }
-        } else {
-          out["case"] = "checkoutExpired";
-          out["message"] = value.message;
-          out["code"] = checkout::rawValue(value.code);
-        }
-      },
-      error.value());
-  out["recoverable"] = error.isRecoverable();
-  return out;
-}
-
 template <typename ErrorEvent>
 Line errorEventJson(const char* name, const ErrorEvent& event) {
   Line out;
@@ -73,16 +40,6 @@ Line errorEventJson(const char* name, const ErrorEvent& event) {
   out["message"] = optionalText(event.message);
   out["code"] = checkout::rawValue(event.code);
   return out;
-}
-
-Line pixelJson(const std::optional<checkout::PixelEvent>& pixel) {
-  if (!pixel) {
-    return Line(nullptr);
-  }
-  if (const auto* standard = std::get_if<checkout::StandardEvent>(&*pixel)) {
-    return Line{{"standardEvent", Line(checkout::toJson(*standard))}};
-  }
-  return Line{{"customEvent", Line(checkout::toJson(std::get<checkout::CustomEvent>(*pixel)))}};
 }
 
 Line eventJson(const WebEvent& event) {
@@ -167,7 +124,7 @@ int runBridge(const Args& args) {
     } else {
       message.body = platform::ScriptMessage::NonStringBody{value.dump()};
     }
-    printLine(handle(message).dump(-1, ' ', false, Line::error_handler_t::replace));
+    printLine(handle(message));
   }
   return status;
 }

@@ -16,5 +16,9 @@ int runUserAgent(const Args& args);  // vemba-inspect user-agent [--checkout ...
 int runCheckoutUserAgent(const Args& args);
 // vemba-inspect bridge [--log-level LEVEL]: decodes checkout bridge messages read from stdin.
 int runBridge(const Args& args);
+// vemba-inspect checkout --url URL ...: presents a checkout sheet from a host window.
+int runCheckout(const Args& args);
+// vemba-inspect show --ad-unit ID ...: loads an ad and shows it from a host window.
+int runShow(const Args& args);
 
 }  // namespace vemba::inspect

@@ -59,4 +59,8 @@ void printLine(const std::string& line) {
   std::fflush(stdout);
 }
 
+void printLine(const nlohmann::ordered_json& line) {
+  printLine(line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+}
+
 }  // namespace vemba::inspect

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <map>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
 #include <string>
@@ -30,5 +31,7 @@ class Options {
 
 // Prints `line` to standard output with a newline and flushes, so a reader sees it at once.
 void printLine(const std::string& line);
+// The same for one JSON value on one line (invalid UTF-8 replaced, never throws).
+void printLine(const nlohmann::ordered_json& line);
 
 }  // namespace vemba::inspect

@@ -16,11 +16,18 @@ constexpr Subcommand kSubcommands[] = {
     {"load", vemba::inspect::runLoad,
      "load --ad-unit ID [--format interstitial|rewarded] [--bid-floor F] "
      "[--api-key KEY | --no-initialize] [--timeout SECONDS]"},
+    {"show", vemba::inspect::runShow,
+     "show --ad-unit ID [--format interstitial|rewarded] [--api-key KEY] [--bid-floor F] "
+     "[--close-after SECONDS] [--timeout SECONDS] [--screenshot FILE]"},
     {"request", vemba::inspect::runRequest,
      "request --ad-unit ID [--format interstitial|rewarded] [--bid-floor F]"},
     {"user-agent", vemba::inspect::runUserAgent,
      "user-agent [--checkout [--recovery] [--color-scheme S] [--platform P] [--entry-point E]]"},
     {"bridge", vemba::inspect::runBridge, "bridge [--log-level all|debug|error|none]"},
+    {"checkout", vemba::inspect::runCheckout,
+     "checkout --url URL [--preload] [--entry-point E] [--no-delegate | --default-delegate] "
+     "[--recover auto|yes|no] [--close-after SECONDS] [--linger SECONDS] [--timeout SECONDS] "
+     "[--log-level LEVEL] [--screenshot FILE]"},
 };
 
 int usage() {

@@ -1,5 +1,6 @@
-// What the interstitial and the rewarded ad share: ad unit, bid floor, readiness, delegate and
-// the load path. Instantiated only for the two ad classes (in the library).
+// What the interstitial and the rewarded ad share: ad unit, bid floor, readiness, delegate, the
+// load path and showing the ad full-screen. Instantiated only for the two ad classes (in the
+// library).
 //
 // Owned by the host through std::shared_ptr (use create() or std::make_shared): the load path
 // holds the ad through a std::weak_ptr of its class, and an ad that is not owned by a shared_ptr
@@ -18,7 +19,12 @@ namespace ads {
 class BidExchange;
 struct BidOutcome;
 struct AdAccess;
+class VembaWebViewController;
+class VembaWebViewControllerDelegate;
 }  // namespace ads
+namespace platform {
+class Screen;
+}  // namespace platform
 
 template <typename Self, typename Delegate>
 class FullScreenAd : public std::enable_shared_from_this<Self> {
@@ -39,6 +45,13 @@ class FullScreenAd : public std::enable_shared_from_this<Self> {
   // except when the ad is released before the answer arrives (then nothing is called).
   virtual void load();
 
+  // Shows the loaded ad full-screen, presented (animated) from `from`, or, when it is null, from
+  // the top screen of the host's key window. Does nothing at all when the ad is not ready, has no
+  // page, or there is no screen to present from (then it stays ready). Otherwise the ad stops
+  // being ready at once; adDidShow follows when the presentation has finished, then the billing
+  // pixel is fired. Closing the ad's screen dismisses it and then calls adDidDismiss.
+  virtual void show(std::shared_ptr<platform::Screen> from = nullptr);
+
   FullScreenAd(const FullScreenAd&) = delete;
   FullScreenAd& operator=(const FullScreenAd&) = delete;
 
@@ -49,9 +62,14 @@ class FullScreenAd : public std::enable_shared_from_this<Self> {
   friend struct ads::AdAccess;
   ads::BidExchange& bidExchange() const { return *exchange_; }
   void deliverBidOutcome(const ads::BidOutcome& outcome);
+  // What the ad's screen reports: its close button or the page's "close", and the page's "click".
+  void screenDidClose(ads::VembaWebViewController& controller);
+  void screenDidClick();
 
   std::weak_ptr<Delegate> delegate_;
   std::unique_ptr<ads::BidExchange> exchange_;
+  // Receives the screen's reports for this ad; made on the first show.
+  std::shared_ptr<ads::VembaWebViewControllerDelegate> screenListener_;
 };
 
 }  // namespace vemba

@@ -1,12 +1,14 @@
-// The door through which the load path reaches an ad's private parts: its bid exchange and the
-// delivery of an outcome to its delegate. The ad classes befriend it; nothing in the public
-// headers exposes either. Stateless; used on whichever thread holds a strong pointer to the ad.
+// The door through which the load path and the ad's screen reach an ad's private parts: its bid
+// exchange, the delivery of an outcome to its delegate, and the screen's close and click. The ad
+// classes befriend it; nothing in the public headers exposes either. Stateless; used on whichever
+// thread holds a strong pointer to the ad.
 #pragma once
 
 namespace vemba::ads {
 
 class BidExchange;
 struct BidOutcome;
+class VembaWebViewController;
 
 struct AdAccess {
   template <typename Ad>
@@ -17,6 +19,15 @@ struct AdAccess {
   template <typename Ad>
   static void deliver(Ad& ad, const BidOutcome& outcome) {
     ad.deliverBidOutcome(outcome);
+  }
+  // Main thread: the ad's screen reported a close or a click.
+  template <typename Ad>
+  static void screenDidClose(Ad& ad, VembaWebViewController& controller) {
+    ad.screenDidClose(controller);
+  }
+  template <typename Ad>
+  static void screenDidClick(Ad& ad) {
+    ad.screenDidClick();
   }
 };
 

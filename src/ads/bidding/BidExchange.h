@@ -85,6 +85,8 @@ class BidExchange {
 
   // Main thread: the readiness an outcome leaves (set before the delegate hears of it).
   void settle(const BidOutcome& outcome) { isReady_ = outcome.loaded(); }
+  // Main thread: the loaded bid is being shown, so it cannot be shown again.
+  void spend() { isReady_ = false; }
 
   // Main thread, after the ad has been presented. Does nothing without a billing URL.
   void fireBillingPixel() const;

@@ -1,9 +1,16 @@
 // The shared surface of the two ad formats, instantiated for each of them.
 #include "vemba/ads/FullScreenAd.h"
 
+#include <type_traits>
+
 #include "ads/bidding/BidExchange.h"
 #include "ads/core/VembaLogger.h"
+#include "ads/formats/AdScreenListener.h"
+#include "ads/formats/UIUtils.h"
+#include "ads/formats/VembaWebViewController.h"
+#include "platform/Screen.h"
 #include "vemba/ads/VembaInterstitialAd.h"
+#include "vemba/ads/VembaReward.h"
 #include "vemba/ads/VembaRewardedAd.h"
 
 namespace vemba {
@@ -68,6 +75,74 @@ void FullScreenAd<Self, Delegate>::deliverBidOutcome(const ads::BidOutcome& outc
     listener->adDidLoad(self);
   } else {
     listener->adDidFailToLoad(self, *outcome.failure);
+  }
+}
+
+template <typename Self, typename Delegate>
+void FullScreenAd<Self, Delegate>::show(std::shared_ptr<platform::Screen> from) {
+  // The three silent refusals: no callback, and the ad stays as it is.
+  if (!exchange_->isReady()) {
+    return;
+  }
+  const std::optional<Url> page = exchange_->admURL();
+  if (!page) {
+    return;
+  }
+  if (!from) {
+    from = ads::UIUtils::getTopViewController();
+  }
+  if (!from) {
+    return;
+  }
+  const std::shared_ptr<ads::VembaWebViewController> controller =
+      ads::VembaWebViewController::create();
+  if (!controller) {
+    return;  // a screen to present from but no user interface to draw with: not reachable
+  }
+  // Spent before presenting, so a second show cannot present the same bid twice.
+  exchange_->spend();
+  if (!screenListener_) {
+    screenListener_ = std::make_shared<ads::AdScreenListener<Self>>(this->weak_from_this());
+  }
+  controller->setDelegate(screenListener_);
+  controller->screen()->setModalPresentationStyle(platform::ModalPresentationStyle::fullScreen);
+  controller->load(*page);  // parked until the screen's view loads
+  from->presentScreen(controller->screen(), /*animated=*/true, [weakAd = this->weak_from_this()] {
+    const std::shared_ptr<Self> ad = weakAd.lock();
+    if (!ad) {
+      return;
+    }
+    if (const std::shared_ptr<Delegate> listener = ad->delegate()) {
+      listener->adDidShow(*ad);
+    }
+    // Billed only once the ad is on screen, with or without a delegate.
+    ads::AdAccess::exchange(*ad).fireBillingPixel();
+  });
+}
+
+template <typename Self, typename Delegate>
+void FullScreenAd<Self, Delegate>::screenDidClose(ads::VembaWebViewController& controller) {
+  if constexpr (std::is_same_v<Self, VembaRewardedAd>) {
+    // Granted on every close, before anything is dismissed.
+    if (const std::shared_ptr<Delegate> listener = delegate()) {
+      listener->adDidEarnReward(static_cast<Self&>(*this), VembaReward::standard());
+    }
+  }
+  controller.screen()->dismiss(/*animated=*/true, [weakAd = this->weak_from_this()] {
+    const std::shared_ptr<Self> ad = weakAd.lock();
+    if (!ad) {
+      return;
+    }
+    if (const std::shared_ptr<Delegate> listener = ad->delegate()) {
+      listener->adDidDismiss(*ad);
+    }
+  });
+}
+
+template <typename Self, typename Delegate>
+void FullScreenAd<Self, Delegate>::screenDidClick() {
+  if (const std::shared_ptr<Delegate> listener = delegate()) {
+    listener->adDidClick(static_cast<Self&>(*this));
   }
 }
 

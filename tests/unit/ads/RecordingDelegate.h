@@ -42,8 +42,10 @@ class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaReward
   void adDidShow(VembaRewardedAd& ad) override { record("adDidShow", ad.isReady()); }
   void adDidDismiss(VembaRewardedAd& ad) override { record("adDidDismiss", ad.isReady()); }
   void adDidClick(VembaRewardedAd& ad) override { record("adDidClick", ad.isReady()); }
-  void adDidEarnReward(VembaRewardedAd& ad, const VembaReward&) override {
-    record("adDidEarnReward", ad.isReady());
+  // Recorded with the reward's values: "adDidEarnReward(1,reward)".
+  void adDidEarnReward(VembaRewardedAd& ad, const VembaReward& reward) override {
+    record("adDidEarnReward(" + std::to_string(reward.amount()) + "," + reward.type() + ")",
+           ad.isReady());
   }
 
  private:

@@ -1,0 +1,249 @@
+#include "ads/formats/VembaWebViewController.h"
+
+#include <chrono>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "ads/core/VembaLogger.h"
+#include "checkout/MessageHandler.h"
+#include "platform/Application.h"
+#include "platform/MainQueue.h"
+#include "platform/Services.h"
+#include "platform/Ui.h"
+#include "platform/UrlErrorCode.h"
+#include "vemba/checkout/Checkout.h"
+
+namespace vemba::ads {
+namespace {
+
+using Attribute = platform::LayoutAnchor::Attribute;
+
+// Log texts, each followed by one value at its call site.
+constexpr std::string_view kLoadingMessage = "WebViewController loading: ";
+constexpr std::string_view kFailedProvisionalMessage = "WebView failed provisional load: ";
+constexpr std::string_view kFailedLoadMessage = "WebView failed load: ";
+constexpr std::string_view kReceivedMessage = "vemba received message: ";
+constexpr std::string_view kOpeningUrlMessage = "Opening URL in Safari: ";
+constexpr std::string_view kPresentingCheckoutMessage = "Presenting Checkout Sheet for URL: ";
+
+// The page's vocabulary: bare strings for close and click, dictionary actions for the rest.
+constexpr std::string_view kCloseMessage = "close";
+constexpr std::string_view kClickMessage = "click";
+constexpr std::string_view kActionKey = "action";
+constexpr std::string_view kUrlKey = "url";
+constexpr std::string_view kOpenUrlAction = "openURL";
+constexpr std::string_view kOpenCheckoutAction = "openCheckout";
+
+// The close button, drawn over the web view from the first frame.
+constexpr std::string_view kCloseTitle = "\u2715";
+constexpr double kCloseCornerRadius = 15.0;
+constexpr double kCloseFontSize = 20.0;
+constexpr double kCloseInset = 10.0;
+constexpr double kCloseSide = 30.0;
+constexpr platform::Color kCloseBackground = platform::Color::rgba(0.0, 0.0, 0.0, 0.5);
+constexpr platform::Color kWhite = platform::Color::rgba(1.0, 1.0, 1.0, 1.0);
+constexpr platform::Color kBlack = platform::Color::rgba(0.0, 0.0, 0.0, 1.0);
+
+constexpr std::chrono::seconds kRequestTimeout{10};
+constexpr std::chrono::seconds kRetryDelay{1};
+
+// The load failures worth one retry: no connection, unknown host, time-out.
+bool isRetryable(int code) {
+  return code == platform::UrlErrorCode::notConnectedToInternet ||
+         code == platform::UrlErrorCode::cannotFindHost || code == platform::UrlErrorCode::timedOut;
+}
+
+void log(std::string_view prefix, std::string_view value) {
+  std::string message(prefix);
+  message += value;
+  VembaLogger::log(message);
+}
+
+}  // namespace
+
+std::shared_ptr<VembaWebViewController> VembaWebViewController::create() {
+  platform::Ui* ui = platform::ui();
+  if (ui == nullptr) {
+    return nullptr;
+  }
+  auto controller = std::make_shared<VembaWebViewController>(ui->createScreen());
+  controller->screen_->setDelegate(controller);
+  return controller;
+}
+
+VembaWebViewController::VembaWebViewController(std::shared_ptr<platform::Screen> screen)
+    : screen_(std::move(screen)) {}
+
+void VembaWebViewController::viewDidLoad() {
+  setupWebView();
+  setupCloseButton();
+  if (pendingURL_) {
+    load(*pendingURL_);
+  }
+}
+
+void VembaWebViewController::setupWebView() {
+  platform::Ui& ui = *platform::ui();
+  platform::View& view = screen_->view();
+
+  platform::WebViewConfiguration configuration;
+  configuration.userContentController = ui.createUserContentController();
+  // The handler forwards to this controller while it exists, so the registration (which lives as
+  // long as the web view) does not keep the controller alive.
+  configuration.userContentController->add(
+      std::make_shared<checkout::MessageHandler>(weak_from_this()), kMessageHandlerName);
+  configuration.allowsInlineMediaPlayback = true;
+
+  webView_ = ui.createWebView(view.bounds(), configuration);
+  webView_->setAutoresizingMask(platform::AutoresizingMask::flexibleWidth |
+                                platform::AutoresizingMask::flexibleHeight);
+  webView_->setScrollEnabled(true);
+  webView_->setBackgroundColor(kBlack);
+  webView_->setNavigationDelegate(weak_from_this());
+  webView_->setAllowsBackForwardNavigationGestures(true);
+  view.addSubview(webView_);
+}
+
+void VembaWebViewController::setupCloseButton() {
+  platform::Ui& ui = *platform::ui();
+  platform::View& view = screen_->view();
+
+  closeButton_ = ui.createButton();
+  closeButton_->setTitle(std::string(kCloseTitle));
+  closeButton_->setTitleColor(kWhite);
+  closeButton_->setBackgroundColor(kCloseBackground);
+  closeButton_->setCornerRadius(kCloseCornerRadius);
+  closeButton_->setSystemFont(kCloseFontSize, platform::Button::FontWeight::bold);
+  closeButton_->setTranslatesAutoresizingMaskIntoConstraints(false);
+  view.addSubview(closeButton_);
+
+  // The trailing edge follows the view's own edge, not its safe area.
+  ui.activate({
+      {closeButton_->anchor(Attribute::top), view.safeAreaAnchor(Attribute::top), kCloseInset},
+      {closeButton_->anchor(Attribute::trailing), view.anchor(Attribute::trailing), -kCloseInset},
+      {closeButton_->anchor(Attribute::width), std::nullopt, kCloseSide},
+      {closeButton_->anchor(Attribute::height), std::nullopt, kCloseSide},
+  });
+
+  std::weak_ptr<VembaWebViewController> weakSelf = weak_from_this();
+  closeButton_->setAction([weakSelf] {
+    if (const std::shared_ptr<VembaWebViewController> self = weakSelf.lock()) {
+      self->handleCloseButton();
+    }
+  });
+}
+
+void VembaWebViewController::handleCloseButton() {
+  if (const std::shared_ptr<VembaWebViewControllerDelegate> listener = delegate()) {
+    listener->webViewControllerDidClose(*this);
+  }
+}
+
+void VembaWebViewController::load(const Url& url) {
+  if (!webView_) {
+    pendingURL_ = url;
+    return;
+  }
+  log(kLoadingMessage, url.absoluteString());
+  platform::WebRequest request{
+      url, {}, platform::CachePolicy::reloadIgnoringLocalCacheData, kRequestTimeout};
+  webView_->load(request);
+}
+
+void VembaWebViewController::didFailProvisionalNavigation(platform::WebView& /*webView*/,
+                                                          const platform::NavigationError& error) {
+  const std::string description = platform::describe(error.domain, error.code, error.failingUrl);
+  log(kFailedProvisionalMessage, description + " (Code: " + std::to_string(error.code) + ")");
+  handleLoadError(error);
+}
+
+void VembaWebViewController::didFailNavigation(platform::WebView& /*webView*/,
+                                               const platform::NavigationError& error) {
+  log(kFailedLoadMessage, platform::describe(error.domain, error.code, error.failingUrl));
+  handleLoadError(error);
+}
+
+void VembaWebViewController::handleLoadError(const platform::NavigationError& error) {
+  // Only the code counts; its domain is not looked at.
+  if (!isRetryable(error.code) || retryCount_ >= maxRetries) {
+    return;
+  }
+  ++retryCount_;
+  VembaLogger::log("Retrying WebView load (Attempt " + std::to_string(retryCount_) + "/" +
+                   std::to_string(maxRetries) + ")...");
+  std::weak_ptr<VembaWebViewController> weakSelf = weak_from_this();
+  platform::services().mainQueue->postAfter(kRetryDelay, [weakSelf] {
+    const std::shared_ptr<VembaWebViewController> self = weakSelf.lock();
+    if (!self) {
+      return;
+    }
+    std::optional<Url> url = self->webView_->url();
+    if (!url) {
+      url = self->pendingURL_;
+    }
+    if (url) {
+      self->load(*url);
+    }
+  });
+}
+
+void VembaWebViewController::userContentControllerDidReceive(
+    platform::UserContentController& /*controller*/, const platform::ScriptMessage& message) {
+  log(kReceivedMessage, message.name);
+  if (message.name != kMessageHandlerName) {
+    return;
+  }
+  if (const auto* text = std::get_if<std::string>(&message.body)) {
+    const std::shared_ptr<VembaWebViewControllerDelegate> listener = delegate();
+    if (!listener) {
+      return;
+    }
+    if (*text == kCloseMessage) {
+      listener->webViewControllerDidClose(*this);
+    } else if (*text == kClickMessage) {
+      listener->webViewControllerDidClick(*this);
+    }
+    return;
+  }
+  handleDictionaryMessage(std::get<platform::ScriptMessage::NonStringBody>(message.body).jsonText);
+}
+
+void VembaWebViewController::handleDictionaryMessage(const std::string& jsonText) {
+  const nlohmann::json body = nlohmann::json::parse(jsonText, nullptr, /*allow_exceptions=*/false);
+  // Numbers, arrays, null and empty dictionaries are ignored, as is a missing or non-string
+  // action.
+  if (!body.is_object() || body.empty()) {
+    return;
+  }
+  const auto action = body.find(kActionKey);
+  if (action == body.end() || !action->is_string()) {
+    return;
+  }
+  const std::string& name = action->get_ref<const std::string&>();
+  if (name != kOpenUrlAction && name != kOpenCheckoutAction) {
+    return;
+  }
+  const auto urlValue = body.find(kUrlKey);
+  if (urlValue == body.end() || !urlValue->is_string()) {
+    return;
+  }
+  const std::string& text = urlValue->get_ref<const std::string&>();
+  const std::optional<Url> url = Url::parse(text);
+  if (!url) {
+    return;
+  }
+  if (name == kOpenUrlAction) {
+    if (platform::Application* application = platform::application()) {
+      application->open(*url);
+    }
+    log(kOpeningUrlMessage, text);
+    return;
+  }
+  log(kPresentingCheckoutMessage, url->absoluteString());
+  // The sheet is presented over the ad without a delegate; its controller is not kept.
+  checkout::present(*url, screen_, std::weak_ptr<checkout::CheckoutDelegate>{});
+}
+
+}  // namespace vemba::ads

@@ -1,0 +1,209 @@
+// The checkout sheet on the real Linux backend (GTK 4 + WebKitGTK under a virtual display),
+// presented from a host window by vemba-inspect against the local exchange's demo checkout.
+// Every run is its own process, so each test has its own ephemeral web session.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "InspectorRun.h"
+#include "LocalExchange.h"
+
+namespace vemba::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using exchange::LocalExchange;
+using Strings = std::vector<std::string>;
+
+constexpr const char* kStandardAgent = "VembaCheckoutKit/3.4.0 (8.1;automatic;standard)";
+constexpr const char* kRecoveryAgent =
+    "VembaCheckoutKit/3.4.0 (noconnect;automatic;standard_recovery)";
+
+class CheckoutSheetTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    if (std::getenv("DISPLAY") == nullptr) {
+      return;
+    }
+    exchange_ = new LocalExchange();
+    // The library's HTTP client and web views trust the exchange's own authority.
+    setenv("SSL_CERT_FILE", exchange_->caFile().c_str(), 1);
+  }
+  static void TearDownTestSuite() {
+    delete exchange_;
+    exchange_ = nullptr;
+  }
+  void SetUp() override {
+    if (exchange_ == nullptr) {
+      GTEST_SKIP() << "needs a display (the test command runs under xvfb-run)";
+    }
+  }
+
+  static std::string url(const std::string& pathAndQuery) {
+    return exchange_->origin() + pathAndQuery;
+  }
+  static InspectorRun inspect(Strings args,
+                              const std::function<void(const nlohmann::json&)>& onLine = {}) {
+    args.insert(args.begin(), "checkout");
+    args.insert(args.end(), {"--timeout", "40", "--linger", "0.2"});
+    return runInspector(VEMBA_INSPECT_BINARY, args, 60s, onLine);
+  }
+  // The page requests for `path` (and, with `andBelow`, the paths under it), oldest first.
+  static std::vector<nlohmann::json> pages(const std::string& path, bool andBelow = false) {
+    std::vector<nlohmann::json> out;
+    for (nlohmann::json& entry : exchange_->log("page")) {
+      const std::string requested = entry.value("path", "");
+      if (requested == path || (andBelow && requested.rfind(path + "/", 0) == 0)) {
+        out.push_back(std::move(entry));
+      }
+    }
+    return out;
+  }
+  static std::string agent(const nlohmann::json& entry) {
+    return LocalExchange::header(entry, "User-Agent").value_or("");
+  }
+  // What the page reported receiving from the sheet ("presented", "instrumentation:<name>").
+  static Strings seenByPage() {
+    Strings out;
+    for (const nlohmann::json& entry : exchange_->log("other")) {
+      if (entry.value("path", "") != "/_seen") {
+        continue;
+      }
+      std::string item;
+      for (const auto& pair : entry["queryItems"]) {
+        item += (item.empty() ? "" : ":") + pair[1].get<std::string>();
+      }
+      out.push_back(item);
+    }
+    return out;
+  }
+
+  static inline LocalExchange* exchange_ = nullptr;
+};
+
+TEST_F(CheckoutSheetTest, ColdPresentationCompletesWithPixelsAndTheHandshake) {
+  exchange_->clearLog();
+  const InspectorRun run = inspect({"--url", url("/checkout/cold?auto=pay&autoDelay=150")});
+  EXPECT_EQ(run.exitCode, 0);
+  const Strings trace = run.trace();
+  ASSERT_FALSE(trace.empty());
+  EXPECT_EQ(trace.front(), "screen:presented");
+  EXPECT_EQ(trace.back(), "screen:dismissed");
+  const auto completed = run.where("callback", "checkoutDidComplete");
+  ASSERT_EQ(completed.size(), 1U);
+  EXPECT_FALSE(completed[0]["payload"]["orderDetails"]["id"].get<std::string>().empty());
+  EXPECT_GE(run.where("callback", "checkoutDidEmitWebPixelEvent").size(), 6U);
+
+  const auto requests = pages("/checkout/cold");
+  ASSERT_EQ(requests.size(), 1U);
+  EXPECT_FALSE(LocalExchange::header(requests[0], "Sec-Purpose"));
+  const std::string userAgent = agent(requests[0]);
+  EXPECT_EQ(userAgent.substr(userAgent.size() - std::string(kStandardAgent).size()),
+            kStandardAgent);
+  const Strings seen = seenByPage();
+  EXPECT_NE(std::find(seen.begin(), seen.end(), "presented"), seen.end());
+  EXPECT_NE(std::find(seen.begin(), seen.end(), "instrumentation:checkout_finished_loading"),
+            seen.end());
+}
+
+TEST_F(CheckoutSheetTest, PreloadIsMarkedAndThePresentationReusesThePage) {
+  exchange_->clearLog();
+  const InspectorRun run =
+      inspect({"--url", url("/checkout/warm?auto=pay&autoDelay=150"), "--preload"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.where("callback", "checkoutDidComplete").size(), 1U);
+  // The preload's marked request and its unmarked follow-up (WebKit shows nothing for a marked
+  // one); presenting the preloaded page asks the server for nothing more.
+  const auto requests = pages("/checkout/warm");
+  ASSERT_EQ(requests.size(), 2U);
+  EXPECT_EQ(LocalExchange::header(requests[0], "Sec-Purpose"), "prefetch");
+  EXPECT_EQ(LocalExchange::header(requests[1], "Sec-Purpose"), std::nullopt);
+}
+
+TEST_F(CheckoutSheetTest, AnEntryPointIsAnnouncedInTheUserAgent) {
+  exchange_->clearLog();
+  const InspectorRun run = inspect({"--url", url("/checkout/entry"), "--entry-point",
+                                    "AcceleratedCheckouts", "--close-after", "1"});
+  EXPECT_EQ(run.exitCode, 0);
+  const auto requests = pages("/checkout/entry");
+  ASSERT_EQ(requests.size(), 1U);
+  const std::string expected = std::string(kStandardAgent) + " AcceleratedCheckouts";
+  const std::string userAgent = agent(requests[0]);
+  EXPECT_EQ(userAgent.substr(userAgent.size() - expected.size()), expected);
+}
+
+TEST_F(CheckoutSheetTest, A500RecoversAndCompletesThroughTheThankYouPage) {
+  exchange_->clearLog();
+  const InspectorRun run =
+      inspect({"--url", url("/checkout/fail-once/recover-1?auto=pay&autoDelay=150")});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.trace(), (Strings{"screen:presented", "checkoutDidFail", "shouldRecoverFromError",
+                                  "checkoutDidComplete", "screen:dismissed"}));
+  const auto failed = run.where("callback", "checkoutDidFail");
+  ASSERT_EQ(failed.size(), 1U);
+  EXPECT_EQ(failed[0]["checkoutError"]["code"]["httpError"], 500);
+  EXPECT_EQ(failed[0]["checkoutError"]["recoverable"], true);
+
+  const auto requests = pages("/checkout/fail-once/recover-1", /*andBelow=*/true);
+  ASSERT_GE(requests.size(), 3U);  // the failure, the recovery page, its thank-you page
+  const std::string recoveryAgent = agent(requests[1]);
+  EXPECT_EQ(recoveryAgent.substr(recoveryAgent.size() - std::string(kRecoveryAgent).size()),
+            kRecoveryAgent);
+  EXPECT_NE(requests.back().value("path", "").find("thank-you"), std::string::npos);
+}
+
+TEST_F(CheckoutSheetTest, A404DismissesWithoutRecovery) {
+  const InspectorRun run = inspect({"--url", url("/checkout/status/404")});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.trace(), (Strings{"screen:presented", "checkoutDidFail", "shouldRecoverFromError",
+                                  "screen:dismissed"}));
+  const auto asked = run.where("callback", "shouldRecoverFromError");
+  ASSERT_EQ(asked.size(), 1U);
+  EXPECT_EQ(asked[0]["answer"], false);
+}
+
+TEST_F(CheckoutSheetTest, LinksAreReportedAndStayOutOfTheSheet) {
+  exchange_->clearLog();
+  const InspectorRun run = inspect(
+      {"--url", url("/checkout/links?auto=terms,mailto&autoDelay=300"), "--close-after", "3"});
+  EXPECT_EQ(run.exitCode, 0);
+  Strings links;
+  for (const nlohmann::json& line : run.where("callback", "checkoutDidClickLink")) {
+    links.push_back(line["url"]);
+  }
+  ASSERT_EQ(links.size(), 2U);
+  EXPECT_EQ(links[0], url("/checkout/terms"));  // "open_externally" removed before reporting
+  EXPECT_EQ(links[1].rfind("mailto:", 0), 0U);
+  EXPECT_TRUE(run.where("opened", url("/checkout/terms")).empty());  // the host decides
+  EXPECT_TRUE(pages("/checkout/terms").empty());
+  EXPECT_EQ(run.where("callback", "checkoutDidCancel").size(), 1U);
+}
+
+TEST_F(CheckoutSheetTest, TheDefaultDelegateOpensLinksThroughTheOpener) {
+  const InspectorRun run = inspect({"--url", url("/checkout/defaults?auto=terms&autoDelay=300"),
+                                    "--default-delegate", "--close-after", "2"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.trace(),
+            (Strings{"screen:presented", "opened", "checkoutDidCancel", "screen:dismissed"}));
+}
+
+TEST_F(CheckoutSheetTest, EscapeIsTheUsersDismissalAndCancels) {
+  std::atomic<bool> pressed{false};
+  const InspectorRun run =
+      inspect({"--url", url("/checkout/escape")}, [&pressed](const nlohmann::json& line) {
+        if (line.value("state", "") == "presented" && !pressed.exchange(true)) {
+          // A real key press on the virtual display, over the window, after the page settles.
+          std::system("sleep 1.5; xdotool mousemove 450 380 key Escape");
+        }
+      });
+  EXPECT_EQ(run.exitCode, 0);
+  Strings trace = run.trace();
+  std::erase(trace, "checkoutDidEmitWebPixelEvent");  // the page's own analytics as it loads
+  EXPECT_EQ(trace, (Strings{"screen:presented", "checkoutDidCancel", "screen:dismissed"}));
+}
+
+}  // namespace
+}  // namespace vemba::testing

@@ -1,0 +1,139 @@
+// Runs vemba-inspect as a child process for an integration test and collects what it prints:
+// one JSON value per standard-output line. Each run is its own process, so nothing a web view
+// stores survives into the next test. The child inherits this process's environment (DISPLAY,
+// SSL_CERT_FILE). Used from one thread.
+#pragma once
+
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace vemba::testing {
+
+struct InspectorRun {
+  int exitCode = -1;  // -1 when it had to be killed
+  std::vector<nlohmann::json> lines;
+  std::string errors;  // everything it wrote to standard error (its log lines)
+
+  // The lines that have `key` equal to `value` ("callback", "checkoutDidComplete").
+  std::vector<nlohmann::json> where(const std::string& key, const std::string& value) const {
+    std::vector<nlohmann::json> out;
+    for (const nlohmann::json& line : lines) {
+      if (line.contains(key) && line[key] == value) {
+        out.push_back(line);
+      }
+    }
+    return out;
+  }
+  // A compact trace for assertions: "callback" names, "screen:state" and "opened".
+  std::vector<std::string> trace() const {
+    std::vector<std::string> out;
+    for (const nlohmann::json& line : lines) {
+      if (line.contains("callback")) {
+        out.push_back(line["callback"].get<std::string>());
+      } else if (line.contains("screen")) {
+        out.push_back("screen:" + line["state"].get<std::string>());
+      } else if (line.contains("opened")) {
+        out.push_back("opened");
+      }
+    }
+    return out;
+  }
+};
+
+// Runs `binary` with `args`; kills it (by its PID) when it has not exited after `limit`.
+// `onLine` (may be empty) sees each line as it arrives, while the child runs.
+inline InspectorRun runInspector(const std::string& binary, const std::vector<std::string>& args,
+                                 std::chrono::seconds limit,
+                                 const std::function<void(const nlohmann::json&)>& onLine = {}) {
+  InspectorRun run;
+  int out[2];
+  if (pipe(out) != 0) {
+    return run;
+  }
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
+  posix_spawn_file_actions_addclose(&actions, out[0]);
+  char errorsPath[] = "/tmp/vemba-inspect-stderr-XXXXXX";
+  const int errorsFile = mkstemp(errorsPath);
+  if (errorsFile >= 0) {
+    posix_spawn_file_actions_adddup2(&actions, errorsFile, STDERR_FILENO);
+  }
+  std::vector<std::string> argvStrings{binary};
+  argvStrings.insert(argvStrings.end(), args.begin(), args.end());
+  std::vector<char*> argv;
+  for (std::string& arg : argvStrings) {
+    argv.push_back(arg.data());
+  }
+  argv.push_back(nullptr);
+  pid_t pid = -1;
+  const int spawned = posix_spawn(&pid, binary.c_str(), &actions, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  close(out[1]);
+  if (spawned != 0) {
+    close(out[0]);
+    if (errorsFile >= 0) {
+      close(errorsFile);
+      unlink(errorsPath);
+    }
+    return run;
+  }
+  const auto deadline = std::chrono::steady_clock::now() + limit;
+  std::string buffer;
+  bool killed = false;
+  for (;;) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        deadline - std::chrono::steady_clock::now());
+    if (left.count() <= 0) {
+      kill(pid, SIGKILL);
+      killed = true;
+      break;
+    }
+    pollfd fd{out[0], POLLIN, 0};
+    if (poll(&fd, 1, static_cast<int>(left.count())) <= 0) {
+      continue;
+    }
+    char chunk[4096];
+    const ssize_t n = read(out[0], chunk, sizeof chunk);
+    if (n <= 0) {
+      break;  // the child closed its output: it has exited
+    }
+    buffer.append(chunk, static_cast<std::size_t>(n));
+    for (std::size_t end = buffer.find('\n'); end != std::string::npos; end = buffer.find('\n')) {
+      nlohmann::json line = nlohmann::json::parse(buffer.substr(0, end), nullptr, false);
+      buffer.erase(0, end + 1);
+      if (!line.is_discarded()) {
+        if (onLine) {
+          onLine(line);
+        }
+        run.lines.push_back(std::move(line));
+      }
+    }
+  }
+  close(out[0]);
+  int status = 0;
+  waitpid(pid, &status, 0);
+  run.exitCode = !killed && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  if (errorsFile >= 0) {
+    char chunk[4096];
+    lseek(errorsFile, 0, SEEK_SET);
+    for (ssize_t n; (n = read(errorsFile, chunk, sizeof chunk)) > 0;) {
+      run.errors.append(chunk, static_cast<std::size_t>(n));
+    }
+    close(errorsFile);
+    unlink(errorsPath);
+  }
+  return run;
+}
+
+}  // namespace vemba::testing

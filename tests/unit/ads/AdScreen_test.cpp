@@ -1,0 +1,391 @@
+// The ad screen on the fake user interface: what loading the view builds, the parked URL, the one
+// retry, the page's message vocabulary, and the search for the screen to present from.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "AdTestSupport.h"
+#include "FakeScreen.h"
+#include "FakeView.h"
+#include "FakeWebView.h"
+#include "ads/formats/UIUtils.h"
+#include "ads/formats/VembaWebViewController.h"
+#include "platform/UrlErrorCode.h"
+
+namespace vemba::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using platform::LayoutAnchor;
+using Attribute = platform::LayoutAnchor::Attribute;
+
+Url url(std::string_view text) {
+  return Url::parse(text).value();
+}
+
+class RecordingScreenDelegate final : public ads::VembaWebViewControllerDelegate {
+ public:
+  void webViewControllerDidClose(ads::VembaWebViewController&) override {
+    calls.emplace_back("close");
+  }
+  void webViewControllerDidClick(ads::VembaWebViewController&) override {
+    calls.emplace_back("click");
+  }
+  std::vector<std::string> calls;
+};
+
+class AdScreenTest : public AdTest {
+ protected:
+  // A controller with a delegate, its view loaded after `load(adPage)`.
+  std::shared_ptr<ads::VembaWebViewController> shownController() {
+    auto controller = ads::VembaWebViewController::create();
+    controller->setDelegate(delegate);
+    controller->load(adPage);
+    controller->screen()->view();
+    return controller;
+  }
+  static fake::FakeWebView& webViewOf(const ads::VembaWebViewController& controller) {
+    return dynamic_cast<fake::FakeWebView&>(*controller.webView());
+  }
+  void advance(std::chrono::milliseconds delta) {
+    platform.mainQueue.advance(delta);
+    while (platform.mainQueue.runUntilIdle() > 0) {
+    }
+  }
+  std::size_t countLog(std::string_view text) const {
+    return static_cast<std::size_t>(std::count_if(logs.begin(), logs.end(), [&](const auto& line) {
+      return line.find(text) != std::string::npos;
+    }));
+  }
+
+  const Url adPage = url("https://ads.example.test/creative/7");
+  std::shared_ptr<RecordingScreenDelegate> delegate = std::make_shared<RecordingScreenDelegate>();
+};
+
+TEST_F(AdScreenTest, ParkedUrlLoadsOnceTheViewLoadsAndStaysParked) {
+  auto controller = ads::VembaWebViewController::create();
+  controller->load(adPage);
+  EXPECT_EQ(controller->webView(), nullptr);
+  EXPECT_EQ(countLog("WebViewController loading: "), 0U);
+
+  controller->screen()->view();
+
+  const fake::FakeWebView& webView = webViewOf(*controller);
+  ASSERT_EQ(webView.loads.size(), 1U);
+  EXPECT_EQ(webView.loads[0].url, adPage);
+  EXPECT_EQ(webView.loads[0].cachePolicy, platform::CachePolicy::reloadIgnoringLocalCacheData);
+  EXPECT_EQ(webView.loads[0].timeout, 10s);
+  EXPECT_TRUE(webView.loads[0].headers.empty());
+  EXPECT_EQ(countLog("WebViewController loading: https://ads.example.test/creative/7"), 1U);
+  EXPECT_EQ(controller->pendingURL(), adPage);
+}
+
+TEST_F(AdScreenTest, ViewHoldsTheWebViewUnderACloseButtonLaidOutFromTheEdges) {
+  auto controller = shownController();
+  auto& root = dynamic_cast<fake::FakeViewState&>(controller->screen()->view());
+  ASSERT_EQ(root.subviewList.size(), 2U);
+  EXPECT_EQ(root.subviewList[0], controller->webView());  // back to front: the button is above
+
+  const fake::FakeWebView& webView = webViewOf(*controller);
+  EXPECT_EQ(webView.autoresizingMask, 18U);
+  EXPECT_EQ(webView.backgroundColor, platform::Color::rgba(0, 0, 0, 1));
+  EXPECT_TRUE(webView.scrollEnabled);
+  EXPECT_TRUE(webView.allowsBackForwardNavigationGestures);
+  EXPECT_TRUE(webView.hasNavigationDelegate());
+  EXPECT_TRUE(dynamic_cast<const fake::FakeUserContentController&>(
+                  const_cast<fake::FakeWebView&>(webView).userContentController())
+                  .hasHandler("vemba"));
+
+  auto& button = dynamic_cast<fake::FakeButton&>(*root.subviewList[1]);
+  EXPECT_EQ(button.title, "\u2715");
+  EXPECT_EQ(button.titleColor, platform::Color::rgba(1, 1, 1, 1));
+  EXPECT_EQ(button.backgroundColor, platform::Color::rgba(0, 0, 0, 0.5));
+  EXPECT_EQ(button.cornerRadius, 15.0);
+  EXPECT_EQ(button.fontSize, 20.0);
+  EXPECT_EQ(button.fontWeight, platform::Button::FontWeight::bold);
+  EXPECT_FALSE(button.translatesAutoresizingMaskIntoConstraints);
+
+  platform::View* view = &controller->screen()->view();
+  const std::vector<platform::LayoutConstraint> expected = {
+      {{&button, Attribute::top}, LayoutAnchor{view, Attribute::top, /*safeArea=*/true}, 10.0},
+      // The view's own trailing edge, not its safe area's.
+      {{&button, Attribute::trailing}, LayoutAnchor{view, Attribute::trailing, false}, -10.0},
+      {{&button, Attribute::width}, std::nullopt, 30.0},
+      {{&button, Attribute::height}, std::nullopt, 30.0},
+  };
+  ASSERT_EQ(platform.ui.activations.size(), 1U);  // activated together
+  EXPECT_EQ(platform.ui.activations[0], expected);
+
+  button.tap();
+  EXPECT_EQ(delegate->calls, std::vector<std::string>{"close"});
+}
+
+struct RetryCase {
+  int code;
+  bool committed;  // failed after the page was committed
+  bool retried;
+};
+
+class AdScreenRetryTest : public AdScreenTest, public ::testing::WithParamInterface<RetryCase> {};
+
+TEST_P(AdScreenRetryTest, OnlyThreeCodesAreRetriedOnceASecondLater) {
+  const RetryCase& c = GetParam();
+  auto controller = shownController();
+  fake::FakeWebView& webView = webViewOf(*controller);
+  webView.startProvisionalNavigation();
+  // The domain is not looked at: the codes count in any domain.
+  const platform::NavigationError error{"AnyDomain", c.code, std::nullopt};
+  if (c.committed) {
+    webView.finishNavigation();
+    webView.failNavigation(error);
+  } else {
+    webView.failProvisionalNavigation(error);
+  }
+  advance(999ms);
+  EXPECT_EQ(webView.loads.size(), 1U);
+  advance(1ms);
+  EXPECT_EQ(webView.loads.size(), c.retried ? 2U : 1U);
+  EXPECT_EQ(countLog("Retrying WebView load (Attempt 1/1)..."), c.retried ? 1U : 0U);
+  EXPECT_EQ(countLog(c.committed ? "WebView failed load: " : "WebView failed provisional load: "),
+            1U);
+  EXPECT_TRUE(delegate->calls.empty());  // failures never reach the delegate
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Codes, AdScreenRetryTest,
+    ::testing::Values(RetryCase{-1009, false, true}, RetryCase{-1003, false, true},
+                      RetryCase{-1001, false, true}, RetryCase{-1001, true, true},
+                      RetryCase{-1004, false, false}, RetryCase{-1200, false, false},
+                      RetryCase{-999, true, false}, RetryCase{102, false, false}));
+
+TEST_F(AdScreenTest, RetryBudgetIsOneForTheControllersLifeAcrossSuccessfulLoads) {
+  auto controller = shownController();
+  fake::FakeWebView& webView = webViewOf(*controller);
+  const platform::NavigationError offline{std::string(platform::kUrlErrorDomain), -1009,
+                                          std::nullopt};
+  webView.failProvisionalNavigation(offline);
+  advance(1s);
+  ASSERT_EQ(webView.loads.size(), 2U);
+  webView.startProvisionalNavigation();
+  webView.finishNavigation();
+  webView.failNavigation(offline);
+  advance(5s);
+  EXPECT_EQ(webView.loads.size(), 2U);
+  EXPECT_EQ(controller->retryCount(), 1);
+}
+
+TEST_F(AdScreenTest, RetryReloadsTheCurrentUrlElseTheParkedOne) {
+  auto controller = shownController();
+  fake::FakeWebView& webView = webViewOf(*controller);
+  const Url redirected = url("https://ads.example.test/creative/7/landing");
+  webView.failProvisionalNavigation({"d", -1001, std::nullopt}, redirected);
+  advance(1s);
+  ASSERT_EQ(webView.loads.size(), 2U);
+  EXPECT_EQ(webView.loads[1].url, redirected);
+  EXPECT_EQ(webView.loads[1].timeout, 10s);
+
+  auto second = shownController();
+  fake::FakeWebView& other = webViewOf(*second);
+  other.failProvisionalNavigation({"d", -1003, std::nullopt});
+  advance(1s);
+  ASSERT_EQ(other.loads.size(), 2U);
+  EXPECT_EQ(other.loads[1].url, adPage);
+}
+
+TEST_F(AdScreenTest, PendingRetryDoesNotKeepAReleasedControllerAlive) {
+  auto controller = shownController();
+  std::weak_ptr<platform::WebView> webView = controller->webView();
+  webViewOf(*controller).failProvisionalNavigation({"d", -1009, std::nullopt});
+  controller.reset();
+  EXPECT_TRUE(webView.expired());
+  advance(2s);  // the retry finds nothing to load and must not crash
+  EXPECT_EQ(countLog("WebViewController loading: "), 1U);
+}
+
+struct MessageCase {
+  const char* name;
+  std::string channel;
+  std::variant<std::string, platform::ScriptMessage::NonStringBody> body;
+  std::vector<std::string> calls;
+  std::vector<std::string> opened;
+  bool checkoutPresented;
+};
+
+platform::ScriptMessage::NonStringBody json(std::string text) {
+  return {std::move(text)};
+}
+
+class AdScreenMessageTest : public AdScreenTest,
+                            public ::testing::WithParamInterface<MessageCase> {};
+
+TEST_P(AdScreenMessageTest, PageVocabularyIsAsymmetricAndExact) {
+  const MessageCase& c = GetParam();
+  auto controller = shownController();
+  const std::shared_ptr<platform::Screen> presentedBefore = controller->screen()->presentedScreen();
+  auto& content = dynamic_cast<fake::FakeUserContentController&>(
+      controller->webView()->userContentController());
+  // Messages on other channels need a registration to arrive at all; the controller's own
+  // handler is reached through the channel it registered.
+  if (c.channel != "vemba") {
+    auto& handler = static_cast<platform::ScriptMessageHandler&>(*controller);
+    handler.userContentControllerDidReceive(content, {c.channel, c.body});
+  } else {
+    content.post(c.channel, c.body);
+  }
+  advance(1s);
+
+  EXPECT_EQ(delegate->calls, c.calls);
+  std::vector<std::string> opened;
+  for (const Url& u : platform.application.opened) {
+    opened.push_back(u.absoluteString());
+  }
+  EXPECT_EQ(opened, c.opened);
+  EXPECT_EQ(controller->screen()->presentedScreen() != nullptr, c.checkoutPresented);
+  EXPECT_EQ(countLog("vemba received message: " + c.channel), 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Messages, AdScreenMessageTest,
+    ::testing::Values(
+        MessageCase{"close", "vemba", std::string("close"), {"close"}, {}, false},
+        MessageCase{"click", "vemba", std::string("click"), {"click"}, {}, false},
+        MessageCase{"closeOtherCase", "vemba", std::string("Close"), {}, {}, false},
+        MessageCase{"closeAsAction", "vemba", json(R"({"action":"close"})"), {}, {}, false},
+        MessageCase{"otherChannel", "vembaAds", std::string("close"), {}, {}, false},
+        MessageCase{"openUrl",
+                    "vemba",
+                    json(R"({"action":"openURL","url":"https://shop.example.test/p?q=1"})"),
+                    {},
+                    {"https://shop.example.test/p?q=1"},
+                    false},
+        MessageCase{"openUrlUnparseable",
+                    "vemba",
+                    json(R"({"action":"openURL","url":"http://[bad"})"),
+                    {},
+                    {},
+                    false},
+        MessageCase{
+            "openUrlNotString", "vemba", json(R"({"action":"openURL","url":7})"), {}, {}, false},
+        MessageCase{"openUrlMissing", "vemba", json(R"({"action":"openURL"})"), {}, {}, false},
+        MessageCase{"actionNotString",
+                    "vemba",
+                    json(R"({"action":1,"url":"https://a.test"})"),
+                    {},
+                    {},
+                    false},
+        MessageCase{"emptyDictionary", "vemba", json("{}"), {}, {}, false},
+        MessageCase{"array", "vemba", json(R"(["close"])"), {}, {}, false},
+        MessageCase{"number", "vemba", json("1"), {}, {}, false},
+        MessageCase{"null", "vemba", json("null"), {}, {}, false},
+        MessageCase{"openCheckout",
+                    "vemba",
+                    json(R"({"action":"openCheckout","url":"https://shop.example.test/c/1"})"),
+                    {},
+                    {},
+                    true},
+        MessageCase{"openCheckoutUnparseable",
+                    "vemba",
+                    json(R"({"action":"openCheckout","url":"::"})"),
+                    {},
+                    {},
+                    false}),
+    [](const auto& param) { return std::string(param.param.name); });
+
+TEST_F(AdScreenTest, WithoutADelegateCloseClickAndTheButtonDoNothing) {
+  auto controller = ads::VembaWebViewController::create();
+  controller->load(adPage);
+  auto& root = dynamic_cast<fake::FakeViewState&>(controller->screen()->view());
+  auto& content = dynamic_cast<fake::FakeUserContentController&>(
+      controller->webView()->userContentController());
+  EXPECT_TRUE(content.post("vemba", std::string("close")));
+  EXPECT_TRUE(content.post("vemba", std::string("click")));
+  dynamic_cast<fake::FakeButton&>(*root.subviewList[1]).tap();
+  EXPECT_TRUE(delegate->calls.empty());
+}
+
+TEST_F(AdScreenTest, RegisteredHandlerDoesNotKeepTheControllerAlive) {
+  auto controller = shownController();
+  std::weak_ptr<ads::VembaWebViewController> weak = controller;
+  std::shared_ptr<platform::WebView> webView = controller->webView();
+  controller.reset();
+  EXPECT_TRUE(weak.expired());
+  auto& content = dynamic_cast<fake::FakeUserContentController&>(webView->userContentController());
+  content.post("vemba", std::string("close"));  // arrives nowhere, without crashing
+  EXPECT_TRUE(delegate->calls.empty());
+}
+
+class TopScreenTest : public AdTest {
+ protected:
+  std::shared_ptr<platform::Screen> screen() { return platform.ui.createScreen(); }
+  void keyWindow(std::shared_ptr<platform::Screen> root) {
+    platform.application.windowList = {std::make_shared<fake::FakeWindow>(false, screen()),
+                                       std::make_shared<fake::FakeWindow>(true, std::move(root))};
+  }
+  void present(const std::shared_ptr<platform::Screen>& from,
+               const std::shared_ptr<platform::Screen>& child) {
+    from->presentScreen(child, false, nullptr);
+  }
+};
+
+TEST_F(TopScreenTest, WalksContainersAndPresentedChains) {
+  auto plain = screen();
+  keyWindow(plain);
+  EXPECT_EQ(ads::UIUtils::getTopViewController(), plain);
+
+  auto pushed = screen();
+  auto navigation = platform.ui.createNavigationScreen(pushed);
+  keyWindow(navigation);
+  EXPECT_EQ(ads::UIUtils::getTopViewController(), pushed);
+
+  auto overNavigation = screen();
+  present(navigation, overNavigation);
+  EXPECT_EQ(ads::UIUtils::getTopViewController(), overNavigation);
+
+  auto first = screen();
+  auto second = screen();
+  auto tabs = platform.ui.createTabScreen({first, second}, 1);
+  keyWindow(tabs);
+  EXPECT_EQ(ads::UIUtils::getTopViewController(), second);
+
+  auto chained = screen();
+  auto top = screen();
+  present(second, chained);
+  present(chained, top);
+  EXPECT_EQ(ads::UIUtils::getTopViewController(), top);
+  // An explicit base is searched from, whatever the key window shows.
+  EXPECT_EQ(ads::UIUtils::getTopViewController(first), first);
+}
+
+TEST_F(TopScreenTest, KeyWindowComesFromTheFirstActiveWindowSceneElseTheWindowList) {
+  auto fromScene = screen();
+  auto fromList = screen();
+  using State = platform::Scene::ActivationState;
+  auto keyIn = [](std::shared_ptr<platform::Screen> root) {
+    return std::make_shared<fake::FakeWindow>(true, std::move(root));
+  };
+  platform.application.windowList = {keyIn(fromList)};
+
+  platform.application.scenes = {{State::foregroundInactive, true, {keyIn(screen())}},
+                                 {State::foregroundActive, false, {keyIn(screen())}},
+                                 {State::foregroundActive, true, {keyIn(fromScene)}}};
+  EXPECT_EQ(ads::UIUtils::getTopViewController(), fromScene);
+
+  // The first active window scene has no key window: the window list decides, not a later scene.
+  platform.application.scenes = {
+      {State::foregroundActive, true, {std::make_shared<fake::FakeWindow>(false, screen())}},
+      {State::foregroundActive, true, {keyIn(screen())}}};
+  EXPECT_EQ(ads::UIUtils::getTopViewController(), fromList);
+
+  platform.application.scenes.clear();
+  platform.application.windowList = {std::make_shared<fake::FakeWindow>(false, screen())};
+  EXPECT_EQ(ads::UIUtils::getTopViewController(), nullptr);
+  platform.application.windowList = {std::make_shared<fake::FakeWindow>(true, nullptr)};
+  EXPECT_EQ(ads::UIUtils::getTopViewController(), nullptr);
+}
+
+}  // namespace
+}  // namespace vemba::testing

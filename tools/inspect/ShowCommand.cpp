@@ -1,0 +1,228 @@
+// vemba-inspect show: loads an ad and shows it from a host window when it has loaded, as a host
+// would, printing one JSON line per host callback, per URL the ad opens outside the application,
+// and per appearance and departure of a checkout sheet over the ad.
+#include <gtk/gtk.h>
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "AdOptions.h"
+#include "Commands.h"
+#include "InspectHost.h"
+#include "Options.h"
+#include "ads/core/VembaLogger.h"
+#include "platform/Screen.h"
+#include "platform/View.h"
+#include "platform/WebView.h"
+#include "ui/GtkViewBase.h"
+#include "vemba/Vemba.h"
+
+namespace vemba::inspect {
+namespace {
+
+constexpr int kExitUsage = 2;
+constexpr int kExitTimeout = 3;
+constexpr int kExitNoDisplay = 4;
+constexpr double kDefaultTimeoutSeconds = 60;
+constexpr double kWatchIntervalSeconds = 0.05;
+// After the ad page has loaded, a moment for it to draw before the snapshot.
+constexpr double kSnapshotSettleSeconds = 0.5;
+
+struct ShowOptions {
+  AdOptions ad;
+  std::optional<std::string> apiKey;
+  std::optional<double> closeAfter;
+  double timeout = kDefaultTimeoutSeconds;
+  std::optional<std::string> screenshot;
+};
+
+// One inspected ad: the host window, the ad, and what has been seen of its screens.
+struct ShowSession {
+  explicit ShowSession(ShowOptions chosen) : options(std::move(chosen)) {}
+
+  ShowOptions options;
+  std::unique_ptr<InspectHost> host;
+  std::shared_ptr<void> ad;
+  std::function<void()> show;  // shows the ad from the host window
+  bool checkoutShown = false;
+  bool snapshotTaken = false;
+
+  // The ad's screen and its two views: the web view and the close button above it.
+  std::shared_ptr<platform::Screen> adScreen() const { return host->screen()->presentedScreen(); }
+  std::shared_ptr<platform::View> adSubview(std::size_t index) const {
+    const std::shared_ptr<platform::Screen> screen = adScreen();
+    if (!screen || !screen->isViewLoaded()) {
+      return nullptr;
+    }
+    const auto subviews = screen->view().subviews();
+    return index < subviews.size() ? subviews[index] : nullptr;
+  }
+
+  void print(const char* callback) { printLine(Line{{"callback", callback}}); }
+  void finish() { host->quit(); }
+
+  void didShow() {
+    print("adDidShow");
+    if (options.closeAfter) {
+      host->after(*options.closeAfter, [this] {
+        // A real press of the close button, as a person's click delivers it.
+        if (const std::shared_ptr<platform::View> button = adSubview(1)) {
+          gtk_widget_activate(linux_platform::gtkWidgetOf(*button));
+        }
+      });
+    }
+    host->every(kWatchIntervalSeconds, [this] { return watch(); });
+  }
+
+  // Prints a checkout sheet's arrival and departure over the ad, and takes the snapshot once the
+  // ad page has loaded. True while the ad's screen is up.
+  bool watch() {
+    const std::shared_ptr<platform::Screen> screen = adScreen();
+    if (!screen) {
+      return false;
+    }
+    const bool checkout = screen->presentedScreen() != nullptr;
+    if (checkout != checkoutShown) {
+      checkoutShown = checkout;
+      printLine(Line{{"screen", "checkout"}, {"state", checkout ? "presented" : "dismissed"}});
+    }
+    if (options.screenshot && !snapshotTaken) {
+      const auto webView = std::dynamic_pointer_cast<platform::WebView>(adSubview(0));
+      if (webView && webView->url() && !webView->isLoading()) {
+        snapshotTaken = true;
+        host->after(kSnapshotSettleSeconds, [this] { host->snapshot(*options.screenshot); });
+      }
+    }
+    return true;
+  }
+
+  using Line = nlohmann::ordered_json;
+};
+
+// Prints each callback of either format; shows the ad when it has loaded, ends the run after a
+// failed load or a dismissal.
+class ShowingDelegate final : public VembaInterstitialAdDelegate, public VembaRewardedAdDelegate {
+ public:
+  explicit ShowingDelegate(ShowSession& session) : s_(session) {}
+
+  void adDidLoad(VembaInterstitialAd&) override { loaded(); }
+  void adDidFailToLoad(VembaInterstitialAd&, const Error& error) override { failed(error); }
+  void adDidShow(VembaInterstitialAd&) override { s_.didShow(); }
+  void adDidDismiss(VembaInterstitialAd&) override { dismissed(); }
+  void adDidClick(VembaInterstitialAd&) override { s_.print("adDidClick"); }
+
+  void adDidLoad(VembaRewardedAd&) override { loaded(); }
+  void adDidFailToLoad(VembaRewardedAd&, const Error& error) override { failed(error); }
+  void adDidShow(VembaRewardedAd&) override { s_.didShow(); }
+  void adDidDismiss(VembaRewardedAd&) override { dismissed(); }
+  void adDidClick(VembaRewardedAd&) override { s_.print("adDidClick"); }
+  void adDidEarnReward(VembaRewardedAd&, const VembaReward& reward) override {
+    printLine(ShowSession::Line{
+        {"callback", "adDidEarnReward"},
+        {"reward", ShowSession::Line{{"amount", reward.amount()}, {"type", reward.type()}}}});
+  }
+
+ private:
+  void loaded() {
+    s_.print("adDidLoad");
+    s_.show();
+  }
+  void failed(const Error& error) {
+    printLine(ShowSession::Line{{"callback", "adDidFailToLoad"}, {"error", errorJson(error)}});
+    s_.finish();
+  }
+  void dismissed() {
+    s_.print("adDidDismiss");
+    s_.finish();
+  }
+
+  ShowSession& s_;
+};
+
+std::optional<ShowOptions> readOptions(const Args& args) {
+  const std::optional<Options> options =
+      Options::parse(args,
+                     {"--ad-unit", "--format", "--api-key", "--bid-floor", "--close-after",
+                      "--timeout", "--screenshot"},
+                     {});
+  if (!options) {
+    return std::nullopt;
+  }
+  std::optional<AdOptions> ad = readAdOptions(*options);
+  if (!ad) {
+    return std::nullopt;
+  }
+  ShowOptions out;
+  out.ad = *ad;
+  bool ok = true;
+  out.apiKey = options->value("--api-key");
+  out.closeAfter = options->number("--close-after", ok);
+  out.timeout = options->number("--timeout", ok).value_or(kDefaultTimeoutSeconds);
+  out.screenshot = options->value("--screenshot");
+  if (!ok || out.timeout <= 0 || out.closeAfter.value_or(0) < 0) {
+    if (ok) {
+      std::fputs("vemba-inspect: times must not be negative (and the time-out above zero)\n",
+                 stderr);
+    }
+    return std::nullopt;
+  }
+  return out;
+}
+
+}  // namespace
+
+int runShow(const Args& args) {
+  std::optional<ShowOptions> options = readOptions(args);
+  if (!options) {
+    return kExitUsage;
+  }
+  ShowSession session(*options);
+  session.host = InspectHost::open("vemba-inspect show");
+  if (!session.host) {
+    return kExitNoDisplay;
+  }
+  printOpenedUrls();
+  // The library's own log lines (load, retries, messages from the page) go to standard error.
+  VembaLogger::setDevelopmentSink([](std::string_view line) {
+    std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
+  });
+  if (session.options.apiKey) {
+    VembaSDK::shared().initialize(VembaConfiguration(*session.options.apiKey, false));
+  }
+
+  auto delegate = std::make_shared<ShowingDelegate>(session);
+  const AdOptions& ad = session.options.ad;
+  if (ad.format == Format::interstitial) {
+    auto interstitial = VembaInterstitialAd::create(ad.adUnitId);
+    interstitial->setBidFloor(ad.bidFloor);
+    interstitial->setDelegate(std::static_pointer_cast<VembaInterstitialAdDelegate>(delegate));
+    session.show = [&session, weak = std::weak_ptr(interstitial)] {
+      if (const auto alive = weak.lock()) {
+        alive->show(session.host->screen());
+      }
+    };
+    session.ad = interstitial;
+    interstitial->load();
+  } else {
+    auto rewarded = VembaRewardedAd::create(ad.adUnitId);
+    rewarded->setBidFloor(ad.bidFloor);
+    rewarded->setDelegate(std::static_pointer_cast<VembaRewardedAdDelegate>(delegate));
+    session.show = [&session, weak = std::weak_ptr(rewarded)] {
+      if (const auto alive = weak.lock()) {
+        alive->show(session.host->screen());
+      }
+    };
+    session.ad = rewarded;
+    rewarded->load();
+  }
+  if (!session.host->run(session.options.timeout)) {
+    std::fprintf(stderr, "vemba-inspect: the ad was not dismissed within %g s\n",
+                 session.options.timeout);
+    return kExitTimeout;
+  }
+  return 0;
+}
+
+}  // namespace vemba::inspect
