@@ -152,9 +152,9 @@ double percentile(std::vector<double> values, double p) {
 
 int main(int argc, char** argv) {
   const int iterations = argc > 1 ? std::atoi(argv[1]) : 1000;
-  vemba::testing::LocalExchange::Options options;
+  vemba::exchange::LocalExchange::Options options;
   options.port = kExchangePort;
-  vemba::testing::LocalExchange exchange(options);
+  vemba::exchange::LocalExchange exchange(options);
   // The backend's client reads the trusted bundle when it is first used.
   setenv("SSL_CERT_FILE", exchange.caFile().c_str(), 1);
   curl_global_init(CURL_GLOBAL_DEFAULT);
@@ -168,7 +168,7 @@ int main(int argc, char** argv) {
   std::string userAgent;
   vemba::UserAgentFetcher::shared().fetch([&](const std::string& ua) { userAgent = ua; });
   vemba::ads::BidExchange requestBuilder({vemba::ads::AdFormat::Kind::interstitial, ""},
-                                         "bench-unit", {});
+                                         "bench-unit");
   const std::string body =
       *vemba::ads::encodeBidRequestText(requestBuilder.createBidRequest(userAgent));
   BarePost bare(vemba::ads::BidEndpoints::defaults().bidEndpoint, body, exchange.caFile());

@@ -5,9 +5,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "platform/UrlErrorCode.h"
-#include "vemba/Url.h"
-
 namespace vemba::fake {
 
 void FakeHttpClient::dataTask(platform::HttpRequest request, platform::HttpCompletion completion) {
@@ -50,12 +47,8 @@ void FakeHttpClient::respond(std::size_t index, long status, std::optional<std::
 void FakeHttpClient::fail(std::size_t index, int urlErrorCode) {
   Task& task = unanswered(index);
   if (task.completion) {
-    const std::optional<Url> url = Url::parse(task.request.url);
-    platform::TransportError error{
-        urlErrorCode, task.request.url,
-        platform::urlErrorDescription(urlErrorCode, url ? url->host() : std::string())};
     platform::HttpCompletion completion = std::move(task.completion);
-    completion(std::move(error));
+    completion(platform::TransportError{urlErrorCode, task.request.url});
   }
 }
 

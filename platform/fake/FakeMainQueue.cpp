@@ -24,23 +24,33 @@ std::chrono::steady_clock::time_point FakeMainQueue::monotonicNow() const {
   return std::chrono::steady_clock::time_point(now_);
 }
 
+std::size_t FakeMainQueue::dispatchOnce() {
+  const std::uint64_t postedBefore = sequence_;
+  std::size_t ran = 0;
+  // Work posted during this dispatch sorts after everything that was due when it began (its due
+  // time is at least now_), so stopping at the first such item keeps the order.
+  for (auto head = queue_.begin(); head != queue_.end(); head = queue_.begin()) {
+    if (head->first.first > now_ || head->first.second >= postedBefore) {
+      break;
+    }
+    std::function<void()> work = std::move(head->second);
+    queue_.erase(head);
+    work();
+    ++ran;
+  }
+  return ran;
+}
+
 std::size_t FakeMainQueue::runUntilIdle() {
   return advance({});
 }
 
 std::size_t FakeMainQueue::advance(std::chrono::milliseconds delta) {
-  const std::chrono::milliseconds target = now_ + delta;
+  const std::chrono::milliseconds target = now_ + std::max(delta, std::chrono::milliseconds{});
   std::size_t ran = 0;
-  for (auto head = queue_.begin(); head != queue_.end(); head = queue_.begin()) {
-    const std::chrono::milliseconds due = head->first.first;
-    if (due > target) {
-      break;
-    }
-    now_ = std::max(now_, due);
-    std::function<void()> work = std::move(head->second);
-    queue_.erase(head);
-    work();
-    ++ran;
+  while (!queue_.empty() && queue_.begin()->first.first <= target) {
+    now_ = std::max(now_, queue_.begin()->first.first);
+    ran += dispatchOnce();
   }
   now_ = target;
   return ran;

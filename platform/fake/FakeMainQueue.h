@@ -1,5 +1,12 @@
 // A main queue run by hand, with virtual time. Single-threaded: tests post and run on one
-// thread. Work posted while running is run in the same drain if it is due.
+// thread.
+//
+// It orders work exactly as the GLib main queue of the Linux backend does: one dispatch runs the
+// work that was due and already queued when the dispatch began, in (due time, posting) order;
+// work posted while a dispatch runs waits for the next dispatch, never running on its poster's
+// stack. dispatchOnce() is one such dispatch, the place where a real loop would serve its other
+// sources before the next one; runUntilIdle() and advance() repeat dispatches, so tests that only
+// want everything run need not count them.
 #pragma once
 
 #include <chrono>
@@ -22,9 +29,12 @@ class FakeMainQueue final : public platform::MainQueue, public platform::Clock {
   std::chrono::system_clock::time_point wallNow() const override;
   std::chrono::steady_clock::time_point monotonicNow() const override;
 
-  // Runs everything due now, including work that becomes due while running. Returns the count.
+  // One dispatch at the current virtual time. Returns the count of work items run.
+  std::size_t dispatchOnce();
+  // Dispatches until nothing is due at the current virtual time. Returns the count run.
   std::size_t runUntilIdle();
-  // Moves virtual time forward by `delta`, running what falls due on the way, in time order.
+  // Moves virtual time forward by `delta`: time stops at each due time on the way, where
+  // dispatches run until nothing more is due then. Returns the count run.
   std::size_t advance(std::chrono::milliseconds delta);
   std::size_t pendingCount() const { return queue_.size(); }
   std::chrono::milliseconds now() const { return now_; }

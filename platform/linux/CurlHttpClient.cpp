@@ -18,7 +18,6 @@
 #include "CurlErrorMap.h"
 #include "CurlHeaders.h"
 #include "platform/UrlErrorCode.h"
-#include "vemba/Url.h"
 
 namespace vemba::linux_platform {
 namespace {
@@ -306,10 +305,7 @@ class CurlHttpClient::Worker {
       }
       urlCode = urlErrorCodeForCurl(code, detail);
     }
-    const std::optional<Url> url = Url::parse(transfer.request.url);
-    return platform::TransportError{
-        urlCode, transfer.request.url,
-        platform::urlErrorDescription(urlCode, url ? url->host() : std::string())};
+    return platform::TransportError{urlCode, transfer.request.url};
   }
 
   const Options options_;

@@ -4,9 +4,9 @@
 // - dataTask() may be called from any thread, including from a completion; it hands the task to
 //   the worker and wakes it (curl_multi_wakeup) and returns at once.
 // - Every completion runs on the worker thread, exactly once, after the transfer has ended:
-//   either a TransportError (a URL-loading code, the request's URL and the code's standard
-//   description) or an HttpResponse whose body is always present, possibly empty. Completions
-//   must not throw and must not destroy the client.
+//   either a TransportError (a URL-loading code and the request's URL) or an HttpResponse whose
+//   body is always present, possibly empty. Completions must not throw and must not destroy the
+//   client.
 // - Connections (and their TLS sessions) stay in the multi handle's connection cache and are
 //   reused by later requests to the same origin; Nagle's algorithm is off.
 // - TLS is always verified (peer and host name). The trusted roots are libcurl's default store,

@@ -33,11 +33,13 @@ struct HttpResponse {
 };
 
 // A failure of the transport (no connection, time-out, TLS failure, ...), expressed in the
-// URL-loading codes of the system (see UrlErrorCode.h).
+// URL-loading codes of the system (see UrlErrorCode.h). Backends report the code and the URL
+// only; the core turns them into the readable text (platform::describe()).
 struct TransportError {
   int code = 0;
   std::string url;
-  std::string description;  // the localised description of the code
+
+  friend bool operator==(const TransportError&, const TransportError&) = default;
 };
 
 using HttpResult = std::variant<HttpResponse, TransportError>;

@@ -13,13 +13,17 @@
 #include <map>
 #include <mutex>
 #include <set>
+#include <variant>
 
 #include "CurlHttpClient.h"
 #include "HttpTestSupport.h"
 #include "LocalExchange.h"
+#include "LoopbackHttpServer.h"
 #include "platform/UrlErrorCode.h"
 
 namespace vemba::testing {
+
+using exchange::LocalExchange;
 namespace {
 
 using linux_platform::CurlHttpClient;
@@ -135,41 +139,191 @@ TEST_F(CurlHttpClientTest, LargeBodiesGoOutWithoutWaitingForContinue) {
   EXPECT_EQ(LocalExchange::header(entry, "Expect"), std::nullopt);
 }
 
-TEST_F(CurlHttpClientTest, HttpErrorStatusesAreResponsesNotTransportErrors) {
-  CurlHttpClient client(trusting());
-
-  const Outcome missing = fetch(client, get("/no/such/page"));
-  ASSERT_NE(response(missing), nullptr);
-  EXPECT_EQ(response(missing)->statusCode, 404);
-
-  const Outcome failing =
-      fetch(client, bidRequest(exchange().origin(), "status-500", "exchange:error500"));
-  ASSERT_NE(response(failing), nullptr);
-  EXPECT_EQ(response(failing)->statusCode, 500);
-  EXPECT_EQ(response(failing)->body, "{}");
-}
-
-TEST_F(CurlHttpClientTest, EmptyBodyIsPresentAndEmpty) {
-  CurlHttpClient client(trusting());
-  const Outcome outcome =
-      fetch(client, bidRequest(exchange().origin(), "empty-body", "exchange:empty"));
-  ASSERT_NE(response(outcome), nullptr);
-  EXPECT_EQ(response(outcome)->statusCode, 200);
-  ASSERT_TRUE(response(outcome)->body.has_value());
-  EXPECT_TRUE(response(outcome)->body->empty());
-}
-
-TEST_F(CurlHttpClientTest, BodyUpToTheLimitArrivesWhole) {
+TEST_F(CurlHttpClientTest, StatusesAndBodiesArriveAsResponses) {
+  struct Case {
+    const char* name;
+    HttpRequest request;
+    long status;
+    std::optional<std::size_t> bodySize;  // absent: compare with `body`
+    std::string body;
+  };
+  const std::string origin = exchange().origin();
+  const Case cases[] = {
+      {"404 is a response", get("/no/such/page"), 404, std::nullopt, "not found\n"},
+      {"500 is a response", bidRequest(origin, "status-500", "exchange:error500"), 500,
+       std::nullopt, "{}"},
+      {"empty body is present and empty", bidRequest(origin, "empty-body", "exchange:empty"), 200,
+       std::nullopt, ""},
+      {"declared body at the limit", bidRequest(origin, "at-limit", "exchange:huge?bytes=262144"),
+       200, 262144u, ""},
+      {"streamed body at the limit",
+       bidRequest(origin, "at-limit-chunked", "exchange:huge?bytes=262144&chunked=true"), 200,
+       262144u, ""},
+  };
   CurlHttpClient::Options options = trusting();
   options.maxResponseBytes = 256 * 1024;
   CurlHttpClient client(options);
-  for (const bool chunked : {false, true}) {
-    const std::string tagid =
-        std::string("exchange:huge?bytes=262144&chunked=") + (chunked ? "true" : "false");
-    const Outcome outcome = fetch(client, bidRequest(exchange().origin(), "at-limit", tagid));
-    ASSERT_NE(response(outcome), nullptr) << tagid;
-    EXPECT_EQ(response(outcome)->body->size(), 262144u) << tagid;
+  for (const Case& c : cases) {
+    const Outcome outcome = fetch(client, c.request);
+    const platform::HttpResponse* answer = response(outcome);
+    ASSERT_NE(answer, nullptr) << c.name;
+    EXPECT_EQ(answer->statusCode, c.status) << c.name;
+    ASSERT_TRUE(answer->body.has_value()) << c.name;
+    if (c.bodySize) {
+      EXPECT_EQ(answer->body->size(), *c.bodySize) << c.name;
+    } else {
+      EXPECT_EQ(*answer->body, c.body) << c.name;
+    }
   }
+}
+
+// Redirects, time-outs of zero or less, bodiless requests and unsendable header fields, against
+// a plain loopback server that records every request it receives.
+TEST(CurlHttpClientPlainHttpTest, RedirectsTimeoutsBodilessRequestsAndUnsendableHeaders) {
+  LoopbackHttpServer server([](const LoopbackHttpServer::Request& request) {
+    LoopbackHttpServer::Response out;
+    if (request.path.rfind("/to-final/", 0) == 0) {
+      out.status = std::stoi(request.path.substr(10));
+      out.headers.emplace_back("Location", "/final");
+    } else if (request.path == "/loop") {
+      out.status = 302;
+      out.headers.emplace_back("Location", "/loop");
+    } else if (request.path == "/slow") {
+      out.delay = std::chrono::milliseconds(300);
+      out.body = "slow";
+    } else {
+      out.body = request.method + " " + request.header("Content-Length").value_or("-") + " " +
+                 request.body;
+    }
+    return out;
+  });
+  using Seen = std::string;  // "METHOD path [body]"
+  struct Case {
+    const char* name;
+    std::string method;
+    std::string path;
+    std::optional<std::string> body;
+    std::chrono::milliseconds timeout;
+    std::variant<std::string, int> expected;  // the answer's body, or a URL-loading code
+    std::vector<Seen> seen;                   // empty: not compared
+  };
+  const std::chrono::milliseconds normal = std::chrono::seconds(10);
+  const Case cases[] = {
+      {"GET follows a redirect",
+       "GET",
+       "/to-final/302",
+       std::nullopt,
+       normal,
+       "GET - ",
+       {"GET /to-final/302 []", "GET /final []"}},
+      {"POST answered 302 continues as GET",
+       "POST",
+       "/to-final/302",
+       "x",
+       normal,
+       "GET - ",
+       {"POST /to-final/302 [x]", "GET /final []"}},
+      {"POST answered 303 continues as GET",
+       "POST",
+       "/to-final/303",
+       "x",
+       normal,
+       "GET - ",
+       {"POST /to-final/303 [x]", "GET /final []"}},
+      {"POST answered 301 continues as GET",
+       "POST",
+       "/to-final/301",
+       "x",
+       normal,
+       "GET - ",
+       {"POST /to-final/301 [x]", "GET /final []"}},
+      {"POST answered 307 stays a POST",
+       "POST",
+       "/to-final/307",
+       "x",
+       normal,
+       "POST 1 x",
+       {"POST /to-final/307 [x]", "POST /final [x]"}},
+      {"the hop cap ends a redirect loop",
+       "GET",
+       "/loop",
+       std::nullopt,
+       normal,
+       platform::UrlErrorCode::httpTooManyRedirects,
+       {}},
+      {"a zero time-out means none",
+       "GET",
+       "/slow",
+       std::nullopt,
+       std::chrono::milliseconds(0),
+       "slow",
+       {}},
+      {"a negative time-out means none",
+       "GET",
+       "/slow",
+       std::nullopt,
+       std::chrono::milliseconds(-1),
+       "slow",
+       {}},
+      {"HEAD sends and receives no body",
+       "HEAD",
+       "/echo",
+       std::nullopt,
+       normal,
+       "",
+       {"HEAD /echo []"}},
+      {"a bodiless POST sends an empty body",
+       "POST",
+       "/echo",
+       std::nullopt,
+       normal,
+       "POST 0 ",
+       {"POST /echo []"}},
+  };
+  CurlHttpClient client(CurlHttpClient::Options{});
+  for (const Case& c : cases) {
+    const std::size_t before = server.received().size();
+    HttpRequest request;
+    request.method = c.method;
+    request.url = server.origin() + c.path;
+    request.body = c.body;
+    request.timeout = c.timeout;
+    const Outcome outcome = fetch(client, request);
+    if (const int* code = std::get_if<int>(&c.expected)) {
+      ASSERT_NE(transportError(outcome), nullptr) << c.name;
+      EXPECT_EQ(transportError(outcome)->code, *code) << c.name;
+      EXPECT_EQ(transportError(outcome)->url, request.url) << c.name;
+    } else {
+      ASSERT_NE(response(outcome), nullptr) << c.name;
+      EXPECT_EQ(response(outcome)->statusCode, 200) << c.name;
+      EXPECT_EQ(response(outcome)->body, std::get<std::string>(c.expected)) << c.name;
+    }
+    const std::vector<LoopbackHttpServer::Request> all = server.received();
+    if (c.path == "/loop") {
+      // The first request and kMaxRedirects followed hops, no more.
+      EXPECT_EQ(all.size() - before, static_cast<std::size_t>(CurlHttpClient::kMaxRedirects + 1));
+    }
+    if (!c.seen.empty()) {
+      std::vector<Seen> seen;
+      for (std::size_t i = before; i < all.size(); ++i) {
+        seen.push_back(all[i].method + " " + all[i].path + " [" + all[i].body + "]");
+      }
+      EXPECT_EQ(seen, c.seen) << c.name;
+    }
+  }
+
+  // A field that cannot be sent as given is left out; the others still go.
+  HttpRequest request;
+  request.url = server.origin() + "/headers";
+  request.headers = {
+      {"X-Before", "1"}, {"X-Split", "a\r\nX-Injected: 1"}, {"Bad Name", "v"}, {"X-After", "2"}};
+  ASSERT_NE(response(fetch(client, request)), nullptr);
+  const LoopbackHttpServer::Request arrived = server.received().back();
+  EXPECT_EQ(arrived.header("X-Before"), "1");
+  EXPECT_EQ(arrived.header("X-After"), "2");
+  EXPECT_FALSE(arrived.header("X-Split"));
+  EXPECT_FALSE(arrived.header("X-Injected"));
+  EXPECT_FALSE(arrived.header("Bad Name"));
 }
 
 struct FailureCase {
@@ -212,7 +366,6 @@ TEST_P(CurlHttpClientFailureTest, MapsToTheUrlErrorCode) {
   ASSERT_NE(error, nullptr) << param.name;
   EXPECT_EQ(error->code, param.expectedCode) << param.name;
   EXPECT_EQ(error->url, request.url);
-  EXPECT_EQ(error->description, platform::urlErrorDescription(param.expectedCode, "127.0.0.1"));
   EXPECT_NE(outcome.thread, std::this_thread::get_id());
   // Nothing here may wait for the exchange's slow answer (5 s) or a default time-out.
   EXPECT_LT(took, std::chrono::seconds(4)) << param.name;
@@ -269,13 +422,6 @@ TEST_F(CurlHttpClientTest, TrustsTheBundleNamedBySslCertFile) {
     const Outcome outcome = fetch(client, get("/_health"));
     ASSERT_NE(response(outcome), nullptr);
     EXPECT_EQ(response(outcome)->statusCode, 200);
-  }
-  {
-    const ScopedEnv env("SSL_CERT_FILE", nullptr);
-    CurlHttpClient client;
-    const Outcome outcome = fetch(client, get("/_health"));
-    ASSERT_NE(transportError(outcome), nullptr);
-    EXPECT_EQ(transportError(outcome)->code, Code::serverCertificateUntrusted);
   }
   {
     // An empty value names no bundle: the default store applies, which does not know the CA.

@@ -21,7 +21,13 @@ import tempfile
 import time
 import traceback
 
-import gi
+# Without a display there is nothing to check pages in (and loading GTK can crash): report a
+# skip (77, which ctest counts as skipped) instead.
+if not (os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY")):
+    print("check_pages: no display (run under xvfb-run -a); skipped", file=sys.stderr)
+    sys.exit(77)
+
+import gi  # noqa: E402
 
 gi.require_version("Gtk", "4.0")
 gi.require_version("WebKit", "6.0")
@@ -235,10 +241,11 @@ def pay_sends_pixel_steps_then_completed_then_goes_to_thank_you(exchange):
     expect(isinstance(context["navigator"]["cookieEnabled"], bool), "cookieEnabled")
     expect(context["navigator"]["userAgent"].endswith(SUFFIX), context["navigator"]["userAgent"])
     expect(isinstance(context["window"]["innerWidth"], (int, float)), "innerWidth")
+    # The navigation is seen as it starts; the exchange records the request a moment later.
+    spin_until(lambda: exchange.log("/checkout/demo")[-1].get("variant") == "thank-you", 10)
     page = exchange.log("/checkout/demo")
     agents = [v for n, v in page[0]["headers"] if n == "User-Agent"]
     expect(agents and agents[0].endswith(SUFFIX), "the log keeps the agent: %s" % agents)
-    expect(page[-1]["variant"] == "thank-you", "the thank-you page was requested")
     browser.close()
 
 

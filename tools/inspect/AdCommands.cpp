@@ -108,7 +108,7 @@ ads::BidRequest requestFor(const AdOptions& options, const std::string& userAgen
                                  ? ads::AdFormat::Kind::interstitial
                                  : ads::AdFormat::Kind::rewarded,
                              ""};
-  ads::BidExchange exchange(format, options.adUnitId, {});
+  ads::BidExchange exchange(format, options.adUnitId);
   exchange.setBidFloor(options.bidFloor);
   return exchange.createBidRequest(userAgent);
 }

@@ -2,8 +2,9 @@
 // the load path. Instantiated only for the two ad classes (in the library).
 //
 // Owned by the host through std::shared_ptr (use create() or std::make_shared): the load path
-// holds the ad weakly, and an ad that is not owned by a shared_ptr stops loading at once. Used on
-// the main thread; all delegate calls arrive there. Hosts may subclass and override.
+// holds the ad through a std::weak_ptr of its class, and an ad that is not owned by a shared_ptr
+// does not load at all. Used on the main thread; all delegate calls arrive there. Hosts may
+// subclass and override.
 #pragma once
 
 #include <memory>
@@ -15,20 +16,23 @@ namespace vemba {
 
 namespace ads {
 class BidExchange;
-}
+struct BidOutcome;
+struct AdAccess;
+}  // namespace ads
 
 template <typename Self, typename Delegate>
 class FullScreenAd : public std::enable_shared_from_this<Self> {
  public:
   virtual ~FullScreenAd();
 
+  // Every delegate call goes through delegate(), so an override decides who is told.
   virtual std::shared_ptr<Delegate> delegate() const { return delegate_.lock(); }
   virtual void setDelegate(std::weak_ptr<Delegate> delegate) { delegate_ = std::move(delegate); }
   const std::string& adUnitId() const;
   // Sent as the bid floor when strictly greater than zero.
   virtual double bidFloor() const;
   virtual void setBidFloor(double bidFloor);
-  // True between a successful load and the next show.
+  // True after a successful load, false after a failed one.
   virtual bool isReady() const;
 
   // Requests a bid; the outcome arrives as adDidLoad or adDidFailToLoad on the main thread,
@@ -40,9 +44,12 @@ class FullScreenAd : public std::enable_shared_from_this<Self> {
 
  protected:
   explicit FullScreenAd(std::string adUnitId);
-  ads::BidExchange& exchange() const { return *exchange_; }
 
  private:
+  friend struct ads::AdAccess;
+  ads::BidExchange& bidExchange() const { return *exchange_; }
+  void deliverBidOutcome(const ads::BidOutcome& outcome);
+
   std::weak_ptr<Delegate> delegate_;
   std::unique_ptr<ads::BidExchange> exchange_;
 };

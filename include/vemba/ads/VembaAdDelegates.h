@@ -31,7 +31,6 @@ class VembaRewardedAdDelegate {
   virtual void adDidShow(VembaRewardedAd& ad) = 0;
   virtual void adDidDismiss(VembaRewardedAd& ad) = 0;
   virtual void adDidClick(VembaRewardedAd& ad) = 0;
-  // The ad's screen was closed; always VembaReward::standard().
   virtual void adDidEarnReward(VembaRewardedAd& ad, const VembaReward& reward) = 0;
 };
 

@@ -1,5 +1,4 @@
-// A full-screen rewarded ad for one ad unit; closing its screen grants VembaReward::standard().
-// See FullScreenAd for ownership and threads.
+// A full-screen rewarded ad for one ad unit. See FullScreenAd for ownership and threads.
 #pragma once
 
 #include <memory>

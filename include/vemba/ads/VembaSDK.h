@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -32,16 +31,11 @@ class VembaSDK {
   void initialize(const VembaConfiguration& configuration,
                   const std::function<void(bool)>& completion = nullptr);
 
-  // Tests only: forget the stored key.
-  void resetForTesting();
-
   VembaSDK(const VembaSDK&) = delete;
   VembaSDK& operator=(const VembaSDK&) = delete;
 
  private:
   VembaSDK() = default;
-  mutable std::mutex mutex_;
-  std::optional<std::string> apiKey_;
 };
 
 }  // namespace vemba

@@ -3,7 +3,9 @@
 
 namespace vemba::linux_platform {
 
-std::shared_ptr<platform::UserContentController> createUserContentController() { return nullptr; }
+std::shared_ptr<platform::UserContentController> createUserContentController() {
+  return nullptr;
+}
 
 std::shared_ptr<platform::WebView> createWebView(platform::Rect /*frame*/,
                                                  const platform::WebViewConfiguration& /*c*/) {

@@ -46,12 +46,12 @@ BidEndpoints BidEndpoints::defaults() {
                       std::string(VEMBA_EXCHANGE_ORIGIN) + kBillingPath};
 }
 
-BidExchange::BidExchange(AdFormat format, std::string adUnitId, BidOutcomeHandlers handlers,
-                         BidEndpoints endpoints)
-    : format_(format),
-      adUnitId_(std::move(adUnitId)),
-      handlers_(std::move(handlers)),
-      endpoints_(std::move(endpoints)) {}
+void fetchUserAgent(const std::function<void(const std::string&)>& completion) {
+  UserAgentFetcher::shared().fetch(completion);
+}
+
+BidExchange::BidExchange(AdFormat format, std::string adUnitId, BidEndpoints endpoints)
+    : format_(format), adUnitId_(std::move(adUnitId)), endpoints_(std::move(endpoints)) {}
 
 std::optional<std::string> BidExchange::bidId() const {
   const std::lock_guard lock(mutex_);
@@ -68,14 +68,8 @@ std::optional<Url> BidExchange::billingURL() const {
   return billingURL_;
 }
 
-void BidExchange::load(const std::weak_ptr<void>& owner) {
+void BidExchange::logLoad() const {
   log(format_.loadMessage, adUnitId_);
-  UserAgentFetcher::shared().fetch([this, &owner](const std::string& userAgent) {
-    if (owner.expired()) {
-      return;
-    }
-    performBidRequest(userAgent, owner);
-  });
 }
 
 BidRequest BidExchange::createBidRequest(const std::string& ua) const {
@@ -99,15 +93,14 @@ BidRequest BidExchange::createBidRequest(const std::string& ua) const {
   return request;
 }
 
-void BidExchange::performBidRequest(const std::string& ua, const std::weak_ptr<void>& owner) {
+BidExchange::Preparation BidExchange::prepareBidRequest(const std::string& ua) const {
   Expected<std::string, EncodingFailure> body = encodeBidRequestText(createBidRequest(ua));
   if (!body) {
-    notifyDelegateDidFail(VembaError::encodingFailed().toError(), owner.lock());
-    return;
+    return VembaError::encodingFailed().toError();
   }
   const std::optional<Url> endpoint = Url::parse(endpoints_.bidEndpoint);
   if (!endpoint) {
-    return;  // An unusable endpoint is silent by design: no callback, no log.
+    return std::monostate{};
   }
   platform::HttpRequest request;
   request.method = kPost;
@@ -120,85 +113,56 @@ void BidExchange::performBidRequest(const std::string& ua, const std::weak_ptr<v
   }
   request.body = std::move(body.value());
   log(log_message::kSendingBidRequest, endpoint->absoluteString());
-
-  platform::services().http->dataTask(std::move(request),
-                                      [this, owner](platform::HttpResult result) {
-                                        std::shared_ptr<void> ad = owner.lock();
-                                        if (!ad) {
-                                          return;  // Released while in flight: nobody is told.
-                                        }
-                                        handleHttpResult(std::move(result), std::move(ad));
-                                      });
+  return request;
 }
 
-void BidExchange::handleHttpResult(platform::HttpResult result, std::shared_ptr<void> owner) {
-  if (auto* failure = std::get_if<platform::TransportError>(&result)) {
-    log(log_message::kBidRequestFailed, failure->description);
-    notifyDelegateDidFail(
-        Error{std::string(platform::kUrlErrorDomain), failure->code, failure->description},
-        std::move(owner));
-    return;
+BidOutcome BidExchange::handleHttpResult(const platform::HttpResult& result) {
+  if (const auto* failure = std::get_if<platform::TransportError>(&result)) {
+    // The one place a URL-loading code becomes its readable text.
+    const std::string description =
+        platform::describe(platform::kUrlErrorDomain, failure->code, failure->url);
+    log(log_message::kBidRequestFailed, description);
+    return {Error{std::string(platform::kUrlErrorDomain), failure->code, description}};
   }
   const auto& response = std::get<platform::HttpResponse>(result);
   // The status code is not looked at: any body that decodes is handled alike.
   if (!response.body) {
-    notifyDelegateDidFail(VembaError::noData().toError(), std::move(owner));
-    return;
+    return {VembaError::noData().toError()};
   }
   Expected<BidResponse, json::DecodingError> decoded = decodeBidResponseText(*response.body);
   if (!decoded) {
-    const std::string description = decoded.error().description();
-    log(log_message::kDecodingError, description);
-    notifyDelegateDidFail(decoded.error().toError(), std::move(owner));
-    return;
+    log(log_message::kDecodingError, decoded.error().description());
+    return {decoded.error().toError()};
   }
-  handleBidResponse(decoded.value(), std::move(owner));
+  return handleBidResponse(decoded.value());
 }
 
-void BidExchange::handleBidResponse(const BidResponse& response, std::shared_ptr<void> owner) {
+BidOutcome BidExchange::handleBidResponse(const BidResponse& response) {
   // Only the first bid of the first seat is ever looked at.
   const Bid* bid = nullptr;
   if (response.seatbid && !response.seatbid->empty() && !response.seatbid->front().bid.empty()) {
     bid = &response.seatbid->front().bid.front();
   }
   if (bid == nullptr || !bid->adm) {
-    notifyDelegateDidFail(VembaError::noBid().toError(), std::move(owner));
-    return;
+    return {VembaError::noBid().toError()};
   }
   std::optional<Url> adm = Url::parse(*bid->adm);
   if (!adm) {
-    notifyDelegateDidFail(VembaError::noBid().toError(), std::move(owner));
-    return;
+    return {VembaError::noBid().toError()};
   }
-  {
-    const std::lock_guard lock(mutex_);
-    bidId_ = response.bidid;
-    admURL_ = std::move(adm);
-    std::optional<Url> burl = bid->burl ? Url::parse(*bid->burl) : std::nullopt;
-    if (burl) {
-      billingURL_ = std::move(burl);
-    } else if (bidId_) {
-      // The bid id goes in as it stands, without percent-encoding.
-      billingURL_ = Url::parse(endpoints_.billingEndpointBase + kBidIdQuery + *bidId_ + kWinQuery);
-    }
-    // Otherwise a billing URL from an earlier load of this ad stays in place.
+  // A failure leaves the stored bid state as it is; only a usable bid replaces it.
+  const std::lock_guard lock(mutex_);
+  bidId_ = response.bidid;
+  admURL_ = std::move(adm);
+  std::optional<Url> burl = bid->burl ? Url::parse(*bid->burl) : std::nullopt;
+  if (burl) {
+    billingURL_ = std::move(burl);
+  } else if (bidId_) {
+    // The bid id goes in as it stands, without percent-encoding.
+    billingURL_ = Url::parse(endpoints_.billingEndpointBase + kBidIdQuery + *bidId_ + kWinQuery);
   }
-  platform::services().mainQueue->post([this, ad = std::move(owner)] {
-    isReady_ = true;
-    if (handlers_.didLoad) {
-      handlers_.didLoad();
-    }
-  });
-}
-
-void BidExchange::notifyDelegateDidFail(Error error, std::shared_ptr<void> owner) {
-  // The stored bid state is deliberately left as it is.
-  platform::services().mainQueue->post([this, ad = std::move(owner), error = std::move(error)] {
-    isReady_ = false;
-    if (handlers_.didFail) {
-      handlers_.didFail(error);
-    }
-  });
+  // Otherwise a billing URL from an earlier load of this ad stays in place.
+  return {};
 }
 
 void BidExchange::fireBillingPixel() const {

@@ -2,11 +2,13 @@
 // winning bid, keeps the page and billing URLs, reports the outcome on the main queue, and fires
 // the billing pixel.
 //
-// Owned by its ad (one exchange per ad object, destroyed with it). load() and
-// performBidRequest() run on the calling (main) thread; the HTTP completion and
-// handleBidResponse() run on the HTTP client's worker thread and hold the ad only weakly, so an
-// ad released while its request is in flight gets no callback. Outcomes are delivered on the
-// main queue, holding the ad strongly until they have run. The bid state written on the worker
+// Owned by its ad (one exchange per ad object, destroyed with it). load() runs on the calling
+// (main) thread. Every closure that outlives a call is bound to a typed pointer of the ad: the
+// user-agent callback and the HTTP completion hold a std::weak_ptr<Ad> and do nothing once it has
+// expired (an ad released in flight gets no callback); once the outcome is known, the main-queue
+// hop holds a std::shared_ptr<Ad> until it has run, and the worker keeps no reference after
+// posting, so the ad is never destroyed on the worker thread. The exchange reaches itself again
+// through the ad (AdAccess), never through a captured `this`. The bid state written on the worker
 // thread is guarded by a mutex; isReady and bidFloor belong to the main thread.
 #pragma once
 
@@ -16,9 +18,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <variant>
 
+#include "ads/bidding/AdAccess.h"
 #include "ads/bidding/BidRecords.h"
 #include "platform/HttpClient.h"
+#include "platform/MainQueue.h"
+#include "platform/Services.h"
 #include "vemba/Error.h"
 #include "vemba/Url.h"
 
@@ -37,47 +44,62 @@ struct BidEndpoints {
   static BidEndpoints defaults();
 };
 
-// What the ad does when an outcome reaches the main thread (after isReady has been set).
-struct BidOutcomeHandlers {
-  std::function<void()> didLoad;
-  std::function<void(const Error&)> didFail;
+// How one bid exchange ended: loaded (no error) or failed with the error the delegate receives.
+struct BidOutcome {
+  std::optional<Error> failure;
+  bool loaded() const { return !failure; }
 };
 
 class BidExchange {
  public:
-  BidExchange(AdFormat format, std::string adUnitId, BidOutcomeHandlers handlers,
-              BidEndpoints endpoints = BidEndpoints::defaults());
+  explicit BidExchange(AdFormat format, std::string adUnitId,
+                       BidEndpoints endpoints = BidEndpoints::defaults());
 
   const std::string& adUnitId() const { return adUnitId_; }
   double bidFloor() const { return bidFloor_; }
   void setBidFloor(double bidFloor) { bidFloor_ = bidFloor; }
   bool isReady() const { return isReady_; }
-  void setIsReady(bool ready) { isReady_ = ready; }
 
   std::optional<std::string> bidId() const;
   std::optional<Url> admURL() const;
   std::optional<Url> billingURL() const;
 
-  // Logs the load line, takes the user agent from the cache and performs the bid request,
-  // unless `owner` (the ad) is gone by then.
-  void load(const std::weak_ptr<void>& owner);
+  // Main thread. Logs the load line, takes the user agent from the cache and, unless the ad is
+  // gone by then, performs the bid request. `Ad` is the ad class that owns this exchange, and is
+  // held from here on only through std::weak_ptr<Ad> / std::shared_ptr<Ad>.
+  template <typename Ad>
+  static void load(Ad& ad);
 
   BidRequest createBidRequest(const std::string& ua) const;
-  void performBidRequest(const std::string& ua, const std::weak_ptr<void>& owner);
-  // Worker thread. Picks the first bid of the first seat and stores the bid state.
-  void handleBidResponse(const BidResponse& response, std::shared_ptr<void> owner);
-  // Any thread. Queues the failure for the main thread.
-  void notifyDelegateDidFail(Error error, std::shared_ptr<void> owner);
+
+  // What the request step decided before anything was sent: a request to send, a failure to
+  // report (the request could not be encoded), or nothing at all (an unusable endpoint is
+  // silent by design: no callback, no log).
+  using Preparation = std::variant<std::monostate, platform::HttpRequest, Error>;
+  Preparation prepareBidRequest(const std::string& ua) const;
+
+  // Worker thread: classifies the data task's result (logging where the outcome calls for it)
+  // and stores the bid state of a usable bid.
+  BidOutcome handleHttpResult(const platform::HttpResult& result);
+  BidOutcome handleBidResponse(const BidResponse& response);
+
+  // Main thread: the readiness an outcome leaves (set before the delegate hears of it).
+  void settle(const BidOutcome& outcome) { isReady_ = outcome.loaded(); }
+
   // Main thread, after the ad has been presented. Does nothing without a billing URL.
   void fireBillingPixel() const;
 
  private:
-  // Worker thread: the data task's completion once the ad is known to be alive.
-  void handleHttpResult(platform::HttpResult result, std::shared_ptr<void> owner);
+  void logLoad() const;
+
+  template <typename Ad>
+  static void performBidRequest(const std::string& ua, const std::shared_ptr<Ad>& ad);
+  // Any thread. Queues the outcome for the main thread, holding the ad until it has run.
+  template <typename Ad>
+  static void deliverOnMainQueue(std::shared_ptr<Ad> ad, BidOutcome outcome);
 
   const AdFormat format_;
   const std::string adUnitId_;
-  const BidOutcomeHandlers handlers_;
   const BidEndpoints endpoints_;
   double bidFloor_ = 0.0;
   bool isReady_ = false;
@@ -87,5 +109,51 @@ class BidExchange {
   std::optional<Url> admURL_;
   std::optional<Url> billingURL_;
 };
+
+// The user agent comes from the process-wide cache; declared here so the template below does not
+// pull the cache's header into every includer.
+void fetchUserAgent(const std::function<void(const std::string&)>& completion);
+
+template <typename Ad>
+void BidExchange::load(Ad& ad) {
+  AdAccess::exchange(ad).logLoad();
+  // An ad that no shared_ptr owns has an empty weak pointer and stops here.
+  fetchUserAgent([weakAd = ad.weak_from_this()](const std::string& userAgent) {
+    if (const std::shared_ptr<Ad> alive = weakAd.lock()) {
+      performBidRequest(userAgent, alive);
+    }
+  });
+}
+
+template <typename Ad>
+void BidExchange::performBidRequest(const std::string& ua, const std::shared_ptr<Ad>& ad) {
+  Preparation prepared = AdAccess::exchange(*ad).prepareBidRequest(ua);
+  if (Error* failure = std::get_if<Error>(&prepared)) {
+    deliverOnMainQueue(ad, BidOutcome{std::move(*failure)});
+    return;
+  }
+  platform::HttpRequest* request = std::get_if<platform::HttpRequest>(&prepared);
+  if (request == nullptr) {
+    return;
+  }
+  platform::services().http->dataTask(
+      std::move(*request), [weakAd = std::weak_ptr<Ad>(ad)](platform::HttpResult result) {
+        std::shared_ptr<Ad> alive = weakAd.lock();
+        if (!alive) {
+          return;  // Released while in flight: nobody is told.
+        }
+        BidOutcome outcome = AdAccess::exchange(*alive).handleHttpResult(result);
+        // The hop takes the worker's only reference, so the ad cannot die on this thread.
+        deliverOnMainQueue(std::move(alive), std::move(outcome));
+      });
+}
+
+template <typename Ad>
+void BidExchange::deliverOnMainQueue(std::shared_ptr<Ad> ad, BidOutcome outcome) {
+  platform::services().mainQueue->post([ad = std::move(ad), outcome = std::move(outcome)] {
+    AdAccess::exchange(*ad).settle(outcome);
+    AdAccess::deliver(*ad, outcome);
+  });
+}
 
 }  // namespace vemba::ads

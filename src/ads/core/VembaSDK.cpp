@@ -1,9 +1,27 @@
 #include "vemba/ads/VembaSDK.h"
 
+#include <mutex>
+
 #include "ads/core/UserAgentFetcher.h"
 #include "ads/core/VembaLogger.h"
+#include "ads/core/VembaSDKForTesting.h"
 
 namespace vemba {
+namespace {
+
+// The entry point's state: the key of the last initialize(), read from any thread. Created on
+// first use and never destroyed, like the entry point itself.
+struct ApiKeyStore {
+  std::mutex mutex;
+  std::optional<std::string> apiKey;
+};
+
+ApiKeyStore& apiKeyStore() {
+  static auto* const store = new ApiKeyStore();
+  return *store;
+}
+
+}  // namespace
 
 VembaSDK& VembaSDK::shared() {
   static auto* const instance = new VembaSDK();
@@ -11,18 +29,21 @@ VembaSDK& VembaSDK::shared() {
 }
 
 std::optional<std::string> VembaSDK::apiKey() const {
-  const std::lock_guard lock(mutex_);
-  return apiKey_;
+  ApiKeyStore& store = apiKeyStore();
+  const std::lock_guard lock(store.mutex);
+  return store.apiKey;
 }
 
 void VembaSDK::initialize(const VembaConfiguration& configuration,
                           const std::function<void(bool)>& completion) {
   {
-    const std::lock_guard lock(mutex_);
-    apiKey_ = configuration.apiKey;
+    ApiKeyStore& store = apiKeyStore();
+    const std::lock_guard lock(store.mutex);
+    store.apiKey = configuration.apiKey;
   }
   VembaLogger::log(std::string(log_message::kInitializing) + configuration.apiKey);
-  UserAgentFetcher::shared().fetch([&completion](const std::string& userAgent) {
+  // The callback owns its copy of the completion: it captures nothing of this frame.
+  UserAgentFetcher::shared().fetch([completion](const std::string& userAgent) {
     VembaLogger::log(std::string(log_message::kUserAgentPrewarmed) + userAgent);
     if (completion) {
       completion(true);
@@ -30,9 +51,13 @@ void VembaSDK::initialize(const VembaConfiguration& configuration,
   });
 }
 
-void VembaSDK::resetForTesting() {
-  const std::lock_guard lock(mutex_);
-  apiKey_.reset();
+namespace ads {
+
+void resetVembaSdkForTesting() {
+  ApiKeyStore& store = apiKeyStore();
+  const std::lock_guard lock(store.mutex);
+  store.apiKey.reset();
 }
 
+}  // namespace ads
 }  // namespace vemba

@@ -25,22 +25,8 @@ ads::AdFormat formatOf<VembaRewardedAd>() {
 }  // namespace
 
 template <typename Self, typename Delegate>
-FullScreenAd<Self, Delegate>::FullScreenAd(std::string adUnitId) {
-  // The handlers run on the main queue while the exchange holds the ad strongly, so `this` is
-  // alive whenever they run.
-  ads::BidOutcomeHandlers handlers{[this] {
-                                     if (std::shared_ptr<Delegate> listener = delegate()) {
-                                       listener->adDidLoad(static_cast<Self&>(*this));
-                                     }
-                                   },
-                                   [this](const Error& error) {
-                                     if (std::shared_ptr<Delegate> listener = delegate()) {
-                                       listener->adDidFailToLoad(static_cast<Self&>(*this), error);
-                                     }
-                                   }};
-  exchange_ = std::make_unique<ads::BidExchange>(formatOf<Self>(), std::move(adUnitId),
-                                                 std::move(handlers));
-}
+FullScreenAd<Self, Delegate>::FullScreenAd(std::string adUnitId)
+    : exchange_(std::make_unique<ads::BidExchange>(formatOf<Self>(), std::move(adUnitId))) {}
 
 template <typename Self, typename Delegate>
 FullScreenAd<Self, Delegate>::~FullScreenAd() = default;
@@ -67,7 +53,22 @@ bool FullScreenAd<Self, Delegate>::isReady() const {
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::load() {
-  exchange_->load(this->weak_from_this());
+  ads::BidExchange::load(static_cast<Self&>(*this));
+}
+
+template <typename Self, typename Delegate>
+void FullScreenAd<Self, Delegate>::deliverBidOutcome(const ads::BidOutcome& outcome) {
+  // Asked at delivery time: the delegate may have changed while the request was in flight.
+  const std::shared_ptr<Delegate> listener = delegate();
+  if (!listener) {
+    return;
+  }
+  Self& self = static_cast<Self&>(*this);
+  if (outcome.loaded()) {
+    listener->adDidLoad(self);
+  } else {
+    listener->adDidFailToLoad(self, *outcome.failure);
+  }
 }
 
 template class FullScreenAd<VembaInterstitialAd, VembaInterstitialAdDelegate>;

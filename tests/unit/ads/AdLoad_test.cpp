@@ -2,6 +2,10 @@
 // lookup that holds the ad weakly.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <iterator>
+#include <utility>
+
 #include "AdTestSupport.h"
 #include "RecordingDelegate.h"
 #include "ads/bidding/BidRecordsJson.h"
@@ -50,16 +54,124 @@ TYPED_TEST(AdLoadTest, LoadLogsItsFormatAndSendsItsMarker) {
   EXPECT_TRUE(ad->isReady());
 }
 
-TYPED_TEST(AdLoadTest, ReleasedDelegateIsNotCalled) {
+// Counts calls into a log that outlives the delegate, so a call after release would show.
+struct CountingDelegate : RecordingDelegate {
+  explicit CountingDelegate(std::shared_ptr<int> counter) : count(std::move(counter)) {}
+  ~CountingDelegate() override { *count += 1000; }  // marks the release
+  void adDidFailToLoad(VembaInterstitialAd& ad, const Error& error) override {
+    ++*count;
+    RecordingDelegate::adDidFailToLoad(ad, error);
+  }
+  void adDidFailToLoad(VembaRewardedAd& ad, const Error& error) override {
+    ++*count;
+    RecordingDelegate::adDidFailToLoad(ad, error);
+  }
+  std::shared_ptr<int> count;
+};
+
+TYPED_TEST(AdLoadTest, ADelegateReleasedInFlightIsNotCalled) {
   auto ad = TypeParam::create("u");
-  auto delegate = std::make_shared<RecordingDelegate>();
+  auto calls = std::make_shared<int>(0);
+  auto delegate = std::make_shared<CountingDelegate>(calls);
   ad->setDelegate(delegate);
   ad->load();
   delegate.reset();
+  ASSERT_EQ(*calls, 1000);  // released, never called
+  this->platform.http.respondLast(200, std::nullopt);
+  EXPECT_EQ(this->platform.mainQueue.runUntilIdle(), 1U);  // the outcome still ran
+  EXPECT_EQ(*calls, 1000);
+  EXPECT_FALSE(ad->isReady());
+}
+
+// A host subclass that answers delegate() itself, ignoring what setDelegate() stored.
+template <typename Ad>
+struct RoutedAd : Ad {
+  explicit RoutedAd(std::string unit) : Ad(std::move(unit)) {}
+  decltype(std::declval<const Ad&>().delegate()) delegate() const override { return routed; }
+  std::shared_ptr<RecordingDelegate> routed = std::make_shared<RecordingDelegate>();
+};
+
+TYPED_TEST(AdLoadTest, OutcomesGoToTheDelegateTheHostsOverrideNames) {
+  auto ad = std::make_shared<RoutedAd<TypeParam>>("u");
+  auto stored = std::make_shared<RecordingDelegate>();
+  ad->setDelegate(stored);
+  ad->load();
+  this->platform.http.respondLast(200, bidResponse("https://127.0.0.1/ad.html"));
+  ad->load();
   this->platform.http.respondLast(200, std::nullopt);
   this->platform.mainQueue.runUntilIdle();
-  EXPECT_FALSE(ad->isReady());
-  EXPECT_EQ(ad->delegate(), nullptr);
+  EXPECT_EQ(ad->routed->names(), (std::vector<std::string>{"adDidLoad", "adDidFailToLoad"}));
+  EXPECT_TRUE(stored->calls.empty());
+}
+
+// Loads again from inside its callbacks, `reloads` times in all.
+struct ReloadingDelegate : RecordingDelegate {
+  int reloads = 0;
+  std::function<void()> reload;
+  void again() {
+    if (reloads > 0) {
+      --reloads;
+      reload();
+    }
+  }
+  void adDidLoad(VembaInterstitialAd& ad) override {
+    RecordingDelegate::adDidLoad(ad);
+    again();
+  }
+  void adDidLoad(VembaRewardedAd& ad) override {
+    RecordingDelegate::adDidLoad(ad);
+    again();
+  }
+  void adDidFailToLoad(VembaInterstitialAd& ad, const Error& error) override {
+    RecordingDelegate::adDidFailToLoad(ad, error);
+    again();
+  }
+  void adDidFailToLoad(VembaRewardedAd& ad, const Error& error) override {
+    RecordingDelegate::adDidFailToLoad(ad, error);
+    again();
+  }
+};
+
+TYPED_TEST(AdLoadTest, LoadAgainFromInsideEachCallback) {
+  // Answers in turn; each reload is made from inside the callback of the answer before it.
+  const std::optional<std::string> answers[] = {bidResponse("https://127.0.0.1/1.html"),
+                                                std::nullopt, std::nullopt,
+                                                bidResponse("https://127.0.0.1/2.html")};
+  auto ad = TypeParam::create("u");
+  auto delegate = std::make_shared<ReloadingDelegate>();
+  delegate->reloads = 3;
+  delegate->reload = [weak = std::weak_ptr<TypeParam>(ad)] { weak.lock()->load(); };
+  ad->setDelegate(delegate);
+  ad->load();
+  for (std::size_t i = 0; i < std::size(answers); ++i) {
+    ASSERT_EQ(this->platform.http.taskCount(), i + 1);
+    this->platform.http.respondLast(200, answers[i]);
+    EXPECT_EQ(this->platform.mainQueue.dispatchOnce(), 1U) << i;
+    ASSERT_EQ(delegate->calls.size(), i + 1);
+    EXPECT_EQ(delegate->calls[i].isReady, answers[i].has_value()) << i;
+    // The readiness the outcome set is not undone by the reload made inside its callback.
+    EXPECT_EQ(ad->isReady(), answers[i].has_value()) << i;
+  }
+  EXPECT_EQ(delegate->names(), (std::vector<std::string>{"adDidLoad", "adDidFailToLoad",
+                                                         "adDidFailToLoad", "adDidLoad"}));
+  EXPECT_EQ(this->platform.mainQueue.pendingCount(), 0U);
+}
+
+TYPED_TEST(AdLoadTest, AFailureReloadedFromItsCallbackWaitsForTheNextDispatch) {
+  // An unencodable ad unit fails before any request, so each reload queues its failure at once:
+  // from inside a dispatch, that failure must wait for the next one, as on the real main loop.
+  auto ad = TypeParam::create("unit\xff");
+  auto delegate = std::make_shared<ReloadingDelegate>();
+  delegate->reloads = 2;
+  delegate->reload = [weak = std::weak_ptr<TypeParam>(ad)] { weak.lock()->load(); };
+  ad->setDelegate(delegate);
+  ad->load();
+  for (std::size_t dispatch = 1; dispatch <= 3; ++dispatch) {
+    EXPECT_EQ(this->platform.mainQueue.dispatchOnce(), 1U);
+    EXPECT_EQ(delegate->calls.size(), dispatch);
+  }
+  EXPECT_EQ(this->platform.mainQueue.dispatchOnce(), 0U);
+  EXPECT_EQ(this->platform.http.taskCount(), 0U);
 }
 
 TYPED_TEST(AdLoadTest, AdNotOwnedBySharedPtrStopsBeforeTheRequest) {

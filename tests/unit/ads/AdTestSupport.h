@@ -10,6 +10,7 @@
 #include "FakePlatform.h"
 #include "ads/core/UserAgentFetcher.h"
 #include "ads/core/VembaLogger.h"
+#include "ads/core/VembaSDKForTesting.h"
 #include "vemba/ads/VembaSDK.h"
 
 namespace vemba::testing {
@@ -17,13 +18,13 @@ namespace vemba::testing {
 class AdTest : public ::testing::Test {
  protected:
   AdTest() {
-    VembaSDK::shared().resetForTesting();
+    ads::resetVembaSdkForTesting();
     UserAgentFetcher::shared().resetForTesting();
     VembaLogger::setDevelopmentSink([this](std::string_view line) { logs.emplace_back(line); });
   }
   ~AdTest() override {
     VembaLogger::setDevelopmentSink(nullptr);
-    VembaSDK::shared().resetForTesting();
+    ads::resetVembaSdkForTesting();
     UserAgentFetcher::shared().resetForTesting();
   }
 

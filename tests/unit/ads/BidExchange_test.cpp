@@ -14,17 +14,11 @@
 namespace vemba::testing {
 namespace {
 
-// An interstitial ad that lets the test read its bid state.
-struct InspectableAd : VembaInterstitialAd {
-  using VembaInterstitialAd::VembaInterstitialAd;
-  const ads::BidExchange& bidState() const { return exchange(); }
-};
-
 class BidExchangeTest : public AdTest {
  protected:
   BidExchangeTest() {
     delegate = std::make_shared<RecordingDelegate>();
-    ad = std::make_shared<InspectableAd>("unit-1");
+    ad = VembaInterstitialAd::create("unit-1");
     ad->setDelegate(delegate);
   }
 
@@ -36,10 +30,10 @@ class BidExchangeTest : public AdTest {
   }
 
   std::optional<Url> billingURL() const { return exchangeOf().billingURL(); }
-  const ads::BidExchange& exchangeOf() const { return ad->bidState(); }
+  const ads::BidExchange& exchangeOf() const { return ads::AdAccess::exchange(*ad); }
 
   std::shared_ptr<RecordingDelegate> delegate;
-  std::shared_ptr<InspectableAd> ad;
+  std::shared_ptr<VembaInterstitialAd> ad;
 };
 
 TEST_F(BidExchangeTest, RequestShapeAndHeaders) {
@@ -137,13 +131,29 @@ TEST_F(BidExchangeTest, DecodingFailureNamesThePathAndIsLogged) {
   EXPECT_EQ(logs.back(), "Decoding error: " + error.description);
 }
 
-TEST_F(BidExchangeTest, TransportErrorsPassThroughUnchangedAndAreLogged) {
-  ad->load();
-  platform.http.fail(0, platform::UrlErrorCode::timedOut);
-  platform.mainQueue.runUntilIdle();
-  ASSERT_EQ(delegate->calls.size(), 1U);
-  EXPECT_EQ(delegate->calls[0].error, (Error{"URLError", -1001, "The request timed out."}));
-  EXPECT_EQ(logs.back(), "Bid Request failed: The request timed out.");
+TEST_F(BidExchangeTest, TransportErrorsKeepTheirCodeAndAreDescribedOnceByTheCore) {
+  struct Case {
+    int code;
+    std::string description;
+  };
+  const Case cases[] = {
+      {platform::UrlErrorCode::timedOut, "The request timed out."},
+      // The certificate texts name the endpoint's host, taken from the failing URL.
+      {platform::UrlErrorCode::serverCertificateUntrusted,
+       "The certificate for this server is invalid. You might be connecting to a server that is "
+       "pretending to be \u201C127.0.0.1\u201D which could put your confidential information "
+       "at risk."},
+      {12345, "An unknown error occurred."},
+  };
+  for (const Case& c : cases) {
+    delegate->calls.clear();
+    ad->load();
+    platform.http.fail(platform.http.taskCount() - 1, c.code);
+    platform.mainQueue.runUntilIdle();
+    ASSERT_EQ(delegate->calls.size(), 1U);
+    EXPECT_EQ(delegate->calls[0].error, (Error{"URLError", c.code, c.description}));
+    EXPECT_EQ(logs.back(), "Bid Request failed: " + c.description);
+  }
 }
 
 TEST_F(BidExchangeTest, CallbacksWaitForTheMainQueue) {
@@ -157,7 +167,7 @@ TEST_F(BidExchangeTest, CallbacksWaitForTheMainQueue) {
 
 TEST_F(BidExchangeTest, AdReleasedInFlightGetsNoCallback) {
   ad->load();
-  std::weak_ptr<InspectableAd> weak = ad;
+  std::weak_ptr<VembaInterstitialAd> weak = ad;
   ad.reset();
   EXPECT_TRUE(weak.expired());
   platform.http.respondLast(200, bidResponse("https://127.0.0.1/ad.html"));
@@ -168,7 +178,7 @@ TEST_F(BidExchangeTest, AdReleasedInFlightGetsNoCallback) {
 TEST_F(BidExchangeTest, AnsweredAdIsKeptAliveUntilItsCallbackRan) {
   ad->load();
   platform.http.respondLast(200, bidResponse("https://127.0.0.1/ad.html"));
-  std::weak_ptr<InspectableAd> weak = ad;
+  std::weak_ptr<VembaInterstitialAd> weak = ad;
   ad.reset();
   EXPECT_FALSE(weak.expired());  // the queued outcome holds it
   platform.mainQueue.runUntilIdle();
@@ -255,17 +265,10 @@ TEST_F(BidExchangeTest, BillingPixelIsAPlainGetOrNothing) {
 }
 
 TEST_F(BidExchangeTest, InvalidEndpointIsSilent) {
-  int callbacks = 0;
   ads::BidExchange exchange({ads::AdFormat::Kind::rewarded, "Loading: "}, "u",
-                            {[&] { ++callbacks; }, [&](const Error&) { ++callbacks; }},
                             {"https://exa mple/bid", "https://exa mple/v1/billing"});
-  auto owner = std::make_shared<int>(0);
-  exchange.load(owner);
-  platform.mainQueue.runUntilIdle();
-  EXPECT_EQ(platform.http.taskCount(), 0U);
-  EXPECT_EQ(callbacks, 0);
-  EXPECT_EQ(logs, (std::vector<std::string>{"Loading: u"}));  // no send line either
-  EXPECT_FALSE(exchange.isReady());
+  EXPECT_TRUE(std::holds_alternative<std::monostate>(exchange.prepareBidRequest("ua")));
+  EXPECT_TRUE(logs.empty());  // not even the send line
 }
 
 TEST_F(BidExchangeTest, UnencodableRequestFailsWithEncodingFailed) {

@@ -169,20 +169,6 @@ TEST_F(CheckoutErrorMappingTest, NavigationFailures) {
             CheckoutError::sdkError(timedOut, false));
 }
 
-TEST(CheckoutErrorTest, IsRecoverableReadsTheFlagOfEveryCase) {
-  for (const bool flag : {false, true}) {
-    EXPECT_EQ(CheckoutError::sdkError(Error{}, flag).isRecoverable(), flag);
-    EXPECT_EQ(
-        CheckoutError::configurationError("m", CheckoutErrorCode::unknown, flag).isRecoverable(),
-        flag);
-    EXPECT_EQ(CheckoutError::checkoutUnavailable("m", CheckoutUnavailable::httpError(500), flag)
-                  .isRecoverable(),
-              flag);
-    EXPECT_EQ(CheckoutError::checkoutExpired("m", CheckoutErrorCode::unknown, flag).isRecoverable(),
-              flag);
-  }
-}
-
 TEST(CheckoutErrorCodeTest, FromNeverFails) {
   EXPECT_EQ(checkoutErrorCodeFrom(std::nullopt), CheckoutErrorCode::unknown);
   EXPECT_EQ(checkoutErrorCodeFrom("nope"), CheckoutErrorCode::unknown);

@@ -10,24 +10,6 @@ namespace {
 
 class ConfigurationTest : public testing::CheckoutTest {};
 
-TEST_F(ConfigurationTest, Defaults) {
-  const Configuration c = configuration();
-  EXPECT_EQ(c.colorScheme, UserAgent::ColorScheme::automatic);
-  EXPECT_FALSE(c.confetti.enabled);
-  EXPECT_TRUE(c.confetti.particles.empty());
-  EXPECT_TRUE(c.preloading.enabled());
-  EXPECT_EQ(c.tintColor, Color::rgba(0.09, 0.45, 0.69, 1.0));
-  EXPECT_EQ(c.spinnerColor, Color::rgba(0.09, 0.45, 0.69, 1.0));
-  EXPECT_EQ(c.backgroundColor.kind, Color::Kind::systemBackground);
-  ASSERT_NE(c.logger, nullptr);
-  EXPECT_NE(dynamic_cast<NoOpLogger*>(c.logger.get()), nullptr);
-  EXPECT_EQ(c.title, "Checkout");
-  EXPECT_EQ(c.closeButtonTintColor, std::nullopt);
-  EXPECT_EQ(c.platform, std::nullopt);
-  EXPECT_EQ(c.logLevel, LogLevel::error);
-  EXPECT_TRUE(detail::invalidateOnConfigurationChange());
-}
-
 TEST_F(ConfigurationTest, TitleIsTheHostsLocalisedStringReadOnceOnFirstUse) {
   platform.device.localizedStrings = {{"checkout_sheet_title", "Kasse"}};
   EXPECT_EQ(configuration().title, "Kasse");

@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "CheckoutTestSupport.h"
 #include "checkout/ConfigurationStore.h"
 #include "vemba/checkout/LogLevel.h"
@@ -67,25 +65,6 @@ TEST_F(OSLoggerTest, SharedStartsWithTheKitPrefixAndTheConfigurationsLevel) {
   OSLogger::shared().info("z");
   EXPECT_THAT(logLines(), ElementsAre("info|[VembaCheckoutKit] (Info) - y",
                                       "info|[VembaCheckoutKit] (Info) - z"));
-}
-
-TEST_F(OSLoggerTest, SharedIsCreatedOnceWhenFirstUsedFromSeveralThreads) {
-  // info lines stay below the default threshold, so the threads only race for the instance.
-  OSLogger* seen[4] = {};
-  std::vector<std::thread> threads;
-  for (OSLogger*& slot : seen) {
-    threads.emplace_back([&slot] {
-      slot = &OSLogger::shared();
-      slot->info("x");
-    });
-  }
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
-  for (OSLogger* logger : seen) {
-    EXPECT_EQ(logger, &OSLogger::shared());
-  }
-  EXPECT_THAT(platform.log.lines, IsEmpty());
 }
 
 TEST_F(OSLoggerTest, PrefixAndLevelCanBeChanged) {

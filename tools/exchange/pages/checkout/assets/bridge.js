@@ -61,8 +61,21 @@
     return value && typeof value === "object" && value.detail ? value.detail : null;
   }
 
+  // Tells the exchange what the sheet sent, so that a test outside the page can see it in the
+  // request log: GET /_seen?name=<message>&detail=<instrumentation name> (answered 404, recorded
+  // with kind "other").
+  function report(name, body) {
+    var detail = name === "instrumentation" ? readDetail(body) : null;
+    var query = "name=" + encodeURIComponent(name) +
+                (detail && detail.name ? "&detail=" + encodeURIComponent(detail.name) : "");
+    try {
+      fetch("/_seen?" + query, { cache: "no-store", keepalive: true }).catch(function () {});
+    } catch (error) { /* a page opened as a file has nowhere to report to */ }
+  }
+
   function dispatchMessage(name, body) {
     received.push({ name: name, body: body === undefined ? null : body, at: Date.now() });
+    report(name, body);
     if (name === "presented") { presentedCount += 1; }
     if (name === "instrumentation") { lastInstrumentation = readDetail(body) || lastInstrumentation; }
     renderStatus();

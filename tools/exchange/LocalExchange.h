@@ -1,4 +1,5 @@
-// A local ad exchange (tools/exchange/exchange.py) running as a child process for a test.
+// A local ad exchange (tools/exchange/exchange.py) running as a child process of a test, the demo
+// or a benchmark.
 //
 // The constructor starts the exchange on 127.0.0.1 with a fresh state directory (its CA, keys
 // and request log) and returns once it listens; it throws std::runtime_error when the exchange
@@ -7,7 +8,8 @@
 // (kept when VEMBA_KEEP_EXCHANGE_STATE is set). The exchange also exits by itself after its
 // lifetime, after its idle time-out and as soon as this process is gone.
 //
-// Owner: the test (or test suite) that creates it. All methods may be called from any thread.
+// Owner: whoever creates it (a test or test suite, the demo, a benchmark). All methods may be
+// called from any thread.
 #pragma once
 
 #include <sys/types.h>
@@ -19,7 +21,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vemba::testing {
+namespace vemba::exchange {
 
 class LocalExchange {
  public:
@@ -27,8 +29,6 @@ class LocalExchange {
     // 0: any free port. 18443 is the exchange origin the library is built against by default;
     // tests that use it must hold the ctest resource lock "exchange_port_18443".
     int port = 0;
-    // The content of a behaviours file ({"adUnit": "behaviour" or {"behaviour": ..., ...}}).
-    std::optional<nlohmann::json> behaviours;
     std::chrono::seconds lifetime{600};
     std::chrono::seconds idleTimeout{300};
     std::chrono::seconds startTimeout{30};
@@ -41,18 +41,13 @@ class LocalExchange {
   LocalExchange& operator=(const LocalExchange&) = delete;
 
   int port() const { return port_; }
-  pid_t pid() const { return pid_; }
   // "https://127.0.0.1:<port>"
   std::string origin() const;
   // The CA certificate to trust (for example through SSL_CERT_FILE).
   const std::string& caFile() const { return caFile_; }
-  // The exchange's own certificate (for clients that trust one certificate per host).
-  const std::string& serverCertFile() const { return serverCertFile_; }
-  const std::string& stateDir() const { return stateDir_; }
 
-  // Every request recorded so far, oldest first (the JSON lines of requests.jsonl).
-  std::vector<nlohmann::json> log() const;
-  // Only the entries of one kind: "bid", "billing", "page", "control" or "other".
+  // The entries recorded so far, oldest first, of one kind: "bid", "billing", "page", "control" or
+  // "other".
   std::vector<nlohmann::json> log(std::string_view kind) const;
   // Waits until at least `count` entries of `kind` are recorded, or `timeout` passes; returns
   // the entries of that kind either way.
@@ -63,7 +58,6 @@ class LocalExchange {
   // `parameters` are the behaviour's options, e.g. {"seconds": 2} for "slow". Throws on refusal.
   void setBehaviour(const std::string& adUnit, const std::string& behaviour,
                     const nlohmann::json& parameters = nlohmann::json::object());
-  void clearBehaviour(const std::string& adUnit);
   void clearLog();
 
   // The value of header `name` in a recorded entry (case-insensitive), absent when not sent.
@@ -75,9 +69,8 @@ class LocalExchange {
 
   std::string stateDir_;
   std::string caFile_;
-  std::string serverCertFile_;
   pid_t pid_ = -1;
   int port_ = 0;
 };
 
-}  // namespace vemba::testing
+}  // namespace vemba::exchange

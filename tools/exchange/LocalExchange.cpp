@@ -19,7 +19,7 @@
 
 extern char** environ;
 
-namespace vemba::testing {
+namespace vemba::exchange {
 namespace {
 
 namespace fs = std::filesystem;
@@ -65,7 +65,6 @@ LocalExchange::LocalExchange() : LocalExchange(Options{}) {}
 
 LocalExchange::LocalExchange(Options options) : stateDir_(makeStateDir()) {
   caFile_ = stateDir_ + "/ca.pem";
-  serverCertFile_ = stateDir_ + "/server.pem";
   const std::string readyFile = stateDir_ + "/ready";
   const std::string outputFile = stateDir_ + "/exchange.out";
 
@@ -76,11 +75,6 @@ LocalExchange::LocalExchange(Options options) : stateDir_(makeStateDir()) {
                                    "--lifetime",     std::to_string(options.lifetime.count()),
                                    "--idle-timeout", std::to_string(options.idleTimeout.count()),
                                    "--parent-pid",   std::to_string(getpid())};
-  if (options.behaviours) {
-    const std::string behavioursFile = stateDir_ + "/behaviours.json";
-    std::ofstream(behavioursFile) << options.behaviours->dump();
-    args.insert(args.end(), {"--behaviours", behavioursFile});
-  }
   std::vector<char*> argv;
   for (std::string& arg : args) {
     argv.push_back(arg.data());
@@ -152,7 +146,7 @@ std::string LocalExchange::origin() const {
   return "https://127.0.0.1:" + std::to_string(port_);
 }
 
-std::vector<nlohmann::json> LocalExchange::log() const {
+std::vector<nlohmann::json> LocalExchange::log(std::string_view kind) const {
   std::vector<nlohmann::json> entries;
   std::istringstream lines(readFile(stateDir_ + "/requests.jsonl"));
   std::string line;
@@ -160,14 +154,7 @@ std::vector<nlohmann::json> LocalExchange::log() const {
     if (lines.eof()) {
       break;  // a line still being written has no newline yet
     }
-    entries.push_back(nlohmann::json::parse(line));
-  }
-  return entries;
-}
-
-std::vector<nlohmann::json> LocalExchange::log(std::string_view kind) const {
-  std::vector<nlohmann::json> entries;
-  for (nlohmann::json& entry : log()) {
+    nlohmann::json entry = nlohmann::json::parse(line);
     if (entry.value("kind", "") == kind) {
       entries.push_back(std::move(entry));
     }
@@ -193,10 +180,6 @@ void LocalExchange::setBehaviour(const std::string& adUnit, const std::string& b
   command["adUnit"] = adUnit;
   command["behaviour"] = behaviour;
   control(command);
-}
-
-void LocalExchange::clearBehaviour(const std::string& adUnit) {
-  control({{"adUnit", adUnit}, {"behaviour", nullptr}});
 }
 
 void LocalExchange::clearLog() {
@@ -244,4 +227,4 @@ std::optional<std::string> LocalExchange::header(const nlohmann::json& entry,
   return std::nullopt;
 }
 
-}  // namespace vemba::testing
+}  // namespace vemba::exchange
