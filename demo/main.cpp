@@ -60,7 +60,7 @@ std::optional<Args> parseArgs(int argc, char** argv) {
 // Everything the application holds while it runs.
 struct Demo {
   Args args;
-  std::unique_ptr<vemba::testing::LocalExchange> exchange;
+  std::unique_ptr<vemba::exchange::LocalExchange> exchange;
   std::unique_ptr<DemoWindow> window;
   std::unique_ptr<ScriptedSession> session;
   std::size_t trafficSeen = 0;
@@ -135,12 +135,12 @@ int main(int argc, char** argv) {
 
   Demo demo;
   demo.args = *args;
-  vemba::testing::LocalExchange::Options options;
+  vemba::exchange::LocalExchange::Options options;
   options.port = kExchangePort;
   options.lifetime = std::chrono::hours(8);
   options.idleTimeout = std::chrono::hours(8);
   try {
-    demo.exchange = std::make_unique<vemba::testing::LocalExchange>(options);
+    demo.exchange = std::make_unique<vemba::exchange::LocalExchange>(options);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "vemba-demo: the local exchange did not start: %s\n", error.what());
     return 1;
