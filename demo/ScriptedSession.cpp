@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "WindowSnapshot.h"
+#include "ui/WindowSnapshot.h"
 
 namespace vemba::demo {
 namespace {
