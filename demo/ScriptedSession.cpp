@@ -171,8 +171,8 @@ void ScriptedSession::next() {
     // everything before it, off the record.
     const auto seen = std::find(seen_.begin(), seen_.end(), waiting_);
     if (seen == seen_.end()) {
-      waitTimer_ = g_timeout_add_seconds_once(
-          kWaitTimeoutSeconds,
+      waitTimer_ = g_timeout_add_once(
+          kWaitTimeoutSeconds * 1000,
           [](gpointer self) {
             auto* session = static_cast<ScriptedSession*>(self);
             session->waitTimer_ = 0;

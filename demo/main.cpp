@@ -63,7 +63,8 @@ struct Demo {
   std::unique_ptr<vemba::exchange::LocalExchange> exchange;
   std::unique_ptr<DemoWindow> window;
   std::unique_ptr<ScriptedSession> session;
-  std::size_t trafficSeen = 0;
+  std::size_t bidsSeen = 0;
+  std::size_t billingSeen = 0;
   int status = 0;
   GtkApplication* app = nullptr;
 };
@@ -71,18 +72,17 @@ struct Demo {
 // Shows the bids and billing hits the exchange has recorded since the last look.
 gboolean pollTraffic(gpointer data) {
   auto* demo = static_cast<Demo*>(data);
-  const std::vector<nlohmann::json> entries = demo->exchange->log();
-  for (std::size_t i = demo->trafficSeen; i < entries.size(); ++i) {
-    const nlohmann::json& entry = entries[i];
-    const std::string kind = entry.value("kind", "");
-    if (kind == "bid") {
-      demo->window->event("exchange", "bid request",
-                          entry.value("adUnit", "") + " (" + entry.value("format", "") + ")");
-    } else if (kind == "billing") {
-      demo->window->event("exchange", "billing hit", entry.value("query", ""));
-    }
+  const std::vector<nlohmann::json> bids = demo->exchange->log("bid");
+  for (std::size_t i = demo->bidsSeen; i < bids.size(); ++i) {
+    demo->window->event("exchange", "bid request",
+                        bids[i].value("adUnit", "") + " (" + bids[i].value("format", "") + ")");
   }
-  demo->trafficSeen = entries.size();
+  demo->bidsSeen = bids.size();
+  const std::vector<nlohmann::json> billing = demo->exchange->log("billing");
+  for (std::size_t i = demo->billingSeen; i < billing.size(); ++i) {
+    demo->window->event("exchange", "billing hit", billing[i].value("query", ""));
+  }
+  demo->billingSeen = billing.size();
   return G_SOURCE_CONTINUE;
 }
 
