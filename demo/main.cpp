@@ -40,8 +40,10 @@ std::optional<Args> parseArgs(int argc, char** argv) {
   Args args;
   for (int i = 1; i < argc; ++i) {
     const std::string arg = argv[i];
-    if ((arg == "--script" || arg == "--screenshots") && i + 1 < argc) {
-      (arg == "--script" ? args.script : args.screenshots) = std::string(argv[++i]);
+    if (arg == "--script" && i + 1 < argc) {
+      args.script = argv[++i];
+    } else if (arg == "--screenshots" && i + 1 < argc) {
+      args.screenshots = argv[++i];
     } else {
       std::fprintf(stderr, "vemba-demo: unexpected argument '%s'\n", arg.c_str());
       return std::nullopt;
