@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "platform/Screen.h"
 #include "vemba/Vemba.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutDelegate.h"
@@ -76,8 +77,9 @@ GtkWidget* button(const char* label, Fn callback) {
   GtkWidget* widget = gtk_button_new_with_label(label);
   auto* boxed = new Fn(std::move(callback));
   g_signal_connect_data(
-      widget, "clicked", G_CALLBACK(+[](GtkButton*, gpointer data) { (*static_cast<Fn*>(data))(); }),
-      boxed, +[](gpointer data, GClosure*) { delete static_cast<Fn*>(data); },
+      widget, "clicked",
+      G_CALLBACK(+[](GtkButton*, gpointer data) { (*static_cast<Fn*>(data))(); }), boxed,
+      +[](gpointer data, GClosure*) { delete static_cast<Fn*>(data); },
       static_cast<GConnectFlags>(0));
   gtk_widget_set_hexpand(widget, TRUE);
   return widget;
@@ -171,8 +173,7 @@ struct DemoWindow::Delegates final : VembaInterstitialAdDelegate,
   }
   void dismissSoon(guint milliseconds) {
     g_timeout_add_once(
-        milliseconds, [](gpointer data) { static_cast<DemoWindow*>(data)->dismissCheckout(); },
-        &w);
+        milliseconds, [](gpointer data) { static_cast<DemoWindow*>(data)->dismissCheckout(); }, &w);
   }
 };
 
@@ -224,8 +225,8 @@ GtkWidget* DemoWindow::buildAdsPanel() {
   showRewardedButton_ = button("Show rewarded", [this] { showRewarded(); });
   gtk_box_append(GTK_BOX(box), row({button("Load interstitial", [this] { loadInterstitial(); }),
                                     showInterstitialButton_}));
-  gtk_box_append(GTK_BOX(box), row({button("Load rewarded", [this] { loadRewarded(); }),
-                                    showRewardedButton_}));
+  gtk_box_append(GTK_BOX(box),
+                 row({button("Load rewarded", [this] { loadRewarded(); }), showRewardedButton_}));
   rewardLabel_ = gtk_label_new("Rewards earned: 0");
   gtk_widget_add_css_class(rewardLabel_, "reward");
   gtk_label_set_xalign(GTK_LABEL(rewardLabel_), 0);
@@ -269,15 +270,14 @@ GtkWidget* DemoWindow::buildCheckoutPanel() {
   }
   schemeNames.push_back(nullptr);
   GtkWidget* schemes = gtk_drop_down_new_from_strings(schemeNames.data());
-  g_signal_connect(schemes, "notify::selected",
-                   G_CALLBACK(+[](GtkDropDown* dropDown, GParamSpec*, gpointer self) {
-                     const Scheme& chosen = kSchemes.at(gtk_drop_down_get_selected(dropDown));
-                     checkout::configure([&](checkout::Configuration& c) {
-                       c.colorScheme = chosen.value;
-                     });
-                     static_cast<DemoWindow*>(self)->event("demo", "colour scheme", chosen.name);
-                   }),
-                   this);
+  g_signal_connect(
+      schemes, "notify::selected",
+      G_CALLBACK(+[](GtkDropDown* dropDown, GParamSpec*, gpointer self) {
+        const Scheme& chosen = kSchemes.at(gtk_drop_down_get_selected(dropDown));
+        checkout::configure([&](checkout::Configuration& c) { c.colorScheme = chosen.value; });
+        static_cast<DemoWindow*>(self)->event("demo", "colour scheme", chosen.name);
+      }),
+      this);
   gtk_box_append(GTK_BOX(box), labelled("Colour scheme", schemes));
 
   std::vector<const char*> tintNames;
@@ -286,15 +286,13 @@ GtkWidget* DemoWindow::buildCheckoutPanel() {
   }
   tintNames.push_back(nullptr);
   GtkWidget* tints = gtk_drop_down_new_from_strings(tintNames.data());
-  g_signal_connect(tints, "notify::selected",
-                   G_CALLBACK(+[](GtkDropDown* dropDown, GParamSpec*, gpointer self) {
-                     const Tint& chosen = kTints.at(gtk_drop_down_get_selected(dropDown));
-                     checkout::configure([&](checkout::Configuration& c) {
-                       c.tintColor = chosen.color;
-                     });
-                     static_cast<DemoWindow*>(self)->event("demo", "tint", chosen.name);
-                   }),
-                   this);
+  g_signal_connect(
+      tints, "notify::selected", G_CALLBACK(+[](GtkDropDown* dropDown, GParamSpec*, gpointer self) {
+        const Tint& chosen = kTints.at(gtk_drop_down_get_selected(dropDown));
+        checkout::configure([&](checkout::Configuration& c) { c.tintColor = chosen.color; });
+        static_cast<DemoWindow*>(self)->event("demo", "tint", chosen.name);
+      }),
+      this);
   gtk_box_append(GTK_BOX(box), labelled("Tint", tints));
 
   GtkWidget* hint = gtk_label_new(
@@ -404,6 +402,14 @@ void DemoWindow::invalidateCheckout() {
 void DemoWindow::dismissCheckout() {
   if (const std::shared_ptr<checkout::CheckoutViewController> sheet = std::move(sheet_)) {
     sheet->dismiss(/*animated=*/true, [this] { event("checkout", "dismissed"); });
+  }
+}
+
+void DemoWindow::dismissScreenOverAd() {
+  const std::shared_ptr<platform::Screen> ad = screen()->presentedScreen();
+  if (ad && ad->presentedScreen()) {
+    // Dismissing from the ad's screen takes away what it presents, not the ad.
+    ad->dismiss(/*animated=*/true, [this] { event("demo", "sheet over the ad dismissed"); });
   }
 }
 

@@ -73,6 +73,8 @@ class DemoWindow {
   std::shared_ptr<checkout::CheckoutViewController> checkoutSheet() const { return sheet_; }
   // Dismisses the presented sheet (the host's part after completion or cancellation).
   void dismissCheckout();
+  // Dismisses whatever the shown ad presents over itself (a checkout opened from the ad).
+  void dismissScreenOverAd();
 
  private:
   struct Delegates;

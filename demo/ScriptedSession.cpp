@@ -26,8 +26,8 @@ guint millis(double seconds) {
 }  // namespace
 
 const std::vector<std::string>& ScriptedSession::names() {
-  static const std::vector<std::string> all = {"all",     kInterstitial, kRewarded, kCheckoutFromAd,
-                                               kCheckout, kRecovery};
+  static const std::vector<std::string> all = {"all",           kInterstitial, kRewarded,
+                                               kCheckoutFromAd, kCheckout,     kRecovery};
   return all;
 }
 
@@ -84,26 +84,31 @@ void ScriptedSession::addRewarded() {
                     "rewarded.adDidLoad", 0, ""});
   steps_.push_back({"Show it", [this] { window_.showRewarded(); }, "rewarded.adDidShow", 1.2,
                     "rewarded-countdown"});
-  steps_.push_back({"The reward arrives before the dismissal", nullptr, "rewarded.adDidEarnReward",
-                    0, ""});
-  steps_.push_back({"The ad is dismissed", nullptr, "rewarded.adDidDismiss", 0.5,
-                    "rewarded-earned"});
+  steps_.push_back(
+      {"The reward arrives before the dismissal", nullptr, "rewarded.adDidEarnReward", 0, ""});
+  steps_.push_back(
+      {"The ad is dismissed", nullptr, "rewarded.adDidDismiss", 0.5, "rewarded-earned"});
 }
 
 void ScriptedSession::addCheckoutFromAd() {
   const std::string unit = "script-shop";
-  steps_.push_back({"Load an ad whose page opens a checkout ('Shop this'), then closes",
-                    [this, unit] {
-                      bidPage_(unit, "interstitial.html?auto=openCheckout,close&autoDelay=4000");
-                      window_.setAdUnit(unit);
-                      window_.loadInterstitial();
-                    },
-                    "interstitial.adDidLoad", 0, ""});
+  // The page presses "Shop this" two seconds after it loads and "Close ad" six seconds later
+  // (the words in between are messages the library ignores).
+  steps_.push_back(
+      {"Load an ad whose page opens a checkout ('Shop this'), then closes",
+       [this, unit] {
+         bidPage_(unit, "interstitial.html?auto=openCheckout,wait,wait,close&autoDelay=2000");
+         window_.setAdUnit(unit);
+         window_.loadInterstitial();
+       },
+       "interstitial.adDidLoad", 0, ""});
   steps_.push_back({"Show it", [this] { window_.showInterstitial(); }, "interstitial.adDidShow",
                     1.5, "ad-before-checkout"});
-  steps_.push_back({"The checkout sheet opens over the ad", nullptr, "", 5.0, "checkout-over-ad"});
-  steps_.push_back({"Closing the ad takes the sheet with it", nullptr, "interstitial.adDidDismiss",
-                    0.5, "ad-and-checkout-dismissed"});
+  steps_.push_back({"The checkout sheet opens over the ad", nullptr, "", 3.3, "checkout-over-ad"});
+  steps_.push_back({"The host dismisses the sheet; the ad is still there",
+                    [this] { window_.dismissScreenOverAd(); }, "", 0.8, "ad-after-checkout"});
+  steps_.push_back(
+      {"The page closes the ad", nullptr, "interstitial.adDidDismiss", 0.5, "ad-dismissed"});
 }
 
 void ScriptedSession::addPreloadedCheckout() {
@@ -116,12 +121,12 @@ void ScriptedSession::addPreloadedCheckout() {
                     },
                     "", 2.5, ""});
   steps_.push_back({"Present it: the preloaded page appears at once",
-                    [this] { window_.presentCheckout(); },
-                    "checkout.checkoutDidEmitWebPixelEvent", 0.8, "checkout-presented"});
+                    [this] { window_.presentCheckout(); }, "checkout.checkoutDidEmitWebPixelEvent",
+                    0.8, "checkout-presented"});
   steps_.push_back({"The page pays and completes", nullptr, "checkout.checkoutDidComplete", 0.7,
                     "checkout-confetti"});
-  steps_.push_back({"The host dismisses the sheet", nullptr, "checkout.dismissed", 0.3,
-                    "checkout-dismissed"});
+  steps_.push_back(
+      {"The host dismisses the sheet", nullptr, "checkout.dismissed", 0.3, "checkout-dismissed"});
 }
 
 void ScriptedSession::addRecovery() {
@@ -129,8 +134,7 @@ void ScriptedSession::addRecovery() {
                     [this] {
                       window_.setCheckoutUrl(window_.settings().exchangeOrigin +
                                              "/checkout/fail-once/demo-" +
-                                             std::to_string(getpid()) +
-                                             "?auto=pay&autoDelay=2500");
+                                             std::to_string(getpid()) + "?auto=pay&autoDelay=2500");
                       window_.presentCheckout();
                     },
                     "checkout.checkoutDidFail", 1.5, "recovery-view"});
@@ -141,20 +145,20 @@ void ScriptedSession::addRecovery() {
 
 void ScriptedSession::start() {
   window_.setEventListener([this](std::string_view key) { onEvent(key); });
-  std::printf("Scripted session '%s': %zu steps; screenshots in %s\n", name_.c_str(),
-              steps_.size(), screenshotDir_.c_str());
+  std::printf("Scripted session '%s': %zu steps; screenshots in %s\n", name_.c_str(), steps_.size(),
+              screenshotDir_.c_str());
   std::fflush(stdout);
   current_ = 0;
   // Let the window draw once before the first step.
-  g_timeout_add_once(500, [](gpointer self) { static_cast<ScriptedSession*>(self)->next(); },
-                     this);
+  g_timeout_add_once(
+      500, [](gpointer self) { static_cast<ScriptedSession*>(self)->next(); }, this);
 }
 
 void ScriptedSession::next() {
   if (current_ >= steps_.size()) {
     window_.setEventListener(nullptr);
-    std::printf("Scripted session '%s' finished: %d screenshots in %s\n", name_.c_str(),
-                snapshots_, screenshotDir_.c_str());
+    std::printf("Scripted session '%s' finished: %d screenshots in %s\n", name_.c_str(), snapshots_,
+                screenshotDir_.c_str());
     std::fflush(stdout);
     finished_(0);
     return;

@@ -23,8 +23,8 @@ class ScriptedSession {
   // The script names: "all" plays every one in turn.
   static const std::vector<std::string>& names();
 
-  ScriptedSession(DemoWindow& window, std::string name, std::string screenshotDir,
-                  BidPage bidPage, std::function<void(int status)> finished);
+  ScriptedSession(DemoWindow& window, std::string name, std::string screenshotDir, BidPage bidPage,
+                  std::function<void(int status)> finished);
   ScriptedSession(const ScriptedSession&) = delete;
   ScriptedSession& operator=(const ScriptedSession&) = delete;
 
