@@ -1,40 +1,45 @@
 #!/usr/bin/env bash
-# The main job until the demo application exists: starts the local ad exchange on loopback,
-# loads one interstitial and one rewarded ad against it with the real Linux backend, and prints
-# every host callback as one JSON line.
+# The main job: builds the demo host application (GTK 4) and starts it with its own local
+# exchange on 127.0.0.1. With a display, the window opens for a person to use; without one (or
+# with --script NAME), the scripted session plays by itself under a virtual display, prints its
+# event log and says where its screenshots are.
+#
+#   scripts/run-demo.sh                 # interactive when there is a display
+#   scripts/run-demo.sh --script all    # the scripted session (also: interstitial, rewarded,
+#                                       # checkout-from-ad, checkout, recovery)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh
-state=$(mktemp -d)
-exchange_pid=""
-cleanup() {
-  # Stops only the exchange this script started, by its PID.
-  if [[ -n $exchange_pid ]]; then kill "$exchange_pid" 2>/dev/null || true; wait "$exchange_pid" 2>/dev/null || true; fi
-  rm -rf "$state"
-}
-trap cleanup EXIT
-echo "building vemba-inspect (release)..."
-if ! { cmake --preset release && cmake --build --preset release -j "${VEMBA_JOBS:-2}" --target vemba-inspect; } >"$state/build.log" 2>&1; then
-  cat "$state/build.log"
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+echo "building vemba-demo (release)..."
+if ! { cmake --preset release && cmake --build --preset release -j "${VEMBA_JOBS:-2}" --target vemba-demo; } >"$log" 2>&1; then
+  cat "$log"
   echo "the build failed"
   exit 1
 fi
+demo=build/release/demo/vemba-demo
+export GTK_A11Y=none
 
-python3 tools/exchange/exchange.py --port 18443 --state-dir "$state" \
-  --ready-file "$state/ready" --lifetime 120 --parent-pid $$ >"$state/exchange.out" 2>&1 &
-exchange_pid=$!
-for _ in $(seq 1 100); do
-  [[ -s $state/ready ]] && break
-  sleep 0.1
-done
-[[ -s $state/ready ]] || { cat "$state/exchange.out"; echo "the exchange did not start"; exit 1; }
+script=""
+if [[ ${1:-} == "--script" ]]; then
+  script=${2:?"--script needs a name"}
+elif [[ -z ${DISPLAY:-} && -z ${WAYLAND_DISPLAY:-} ]]; then
+  script=all
+fi
 
-export SSL_CERT_FILE=$state/ca.pem
-inspect=build/release/tools/inspect/vemba-inspect
-echo "# interstitial"
-"$inspect" load --ad-unit demo-interstitial --format interstitial --api-key demo-key --timeout 20
-echo "# rewarded"
-"$inspect" load --ad-unit demo-rewarded --format rewarded --bid-floor 0.5 --api-key demo-key --timeout 20
-echo "# a unit the exchange has no bid for"
-"$inspect" load --ad-unit exchange:nobid --api-key demo-key --timeout 20
+if [[ -z $script ]]; then
+  exec "$demo"
+fi
+shots=$(mktemp -d /tmp/vemba-demo-screens-XXXXXX)
+run=("$demo" --script "$script" --screenshots "$shots")
+if [[ -z ${DISPLAY:-} && -z ${WAYLAND_DISPLAY:-} ]]; then
+  run=(xvfb-run -a -s "-screen 0 1280x900x24" "${run[@]}")
+fi
+status=0
+"${run[@]}" || status=$?
+echo
+echo "Screenshots of each step: $shots"
+ls "$shots"
+exit "$status"
