@@ -327,7 +327,7 @@ TEST_F(WebViewTest, ShowsTheLoadedPageInAWindow) {
   TestWindow window(*made.view);
   made.view->load(requestFor(pageUrl()));
   ASSERT_TRUE(spinUntil([&] { return made.delegate->ended(); }));
-  spinFor(std::chrono::milliseconds(500));  // the first frames of the page reach the window
+  spinFor(std::chrono::milliseconds(1500));  // the first frames of the page reach the window
   const std::string path = (std::filesystem::current_path() / "web-view-window.png").string();
   ASSERT_TRUE(window.saveAsPng(path));
   EXPECT_GT(std::filesystem::file_size(path), 10000U) << path;
