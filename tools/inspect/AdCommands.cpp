@@ -17,8 +17,6 @@ namespace vemba::inspect {
 namespace {
 
 constexpr double kDefaultTimeoutSeconds = 70;
-constexpr int kExitUsage = 2;
-constexpr int kExitNoCallback = 3;
 
 // Prints each load callback as one JSON line and stops the loop at the first one.
 class PrintingDelegate : public VembaInterstitialAdDelegate, public VembaRewardedAdDelegate {
@@ -132,7 +130,7 @@ int runLoad(const Args& args) {
   g_main_loop_unref(loop);
   if (!delegate->called) {
     std::fprintf(stderr, "vemba-inspect: no callback within %g s\n", timeout);
-    return kExitNoCallback;
+    return kExitTimeout;
   }
   return 0;
 }

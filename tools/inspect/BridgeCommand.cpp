@@ -26,7 +26,6 @@ using checkout::CheckoutError;
 
 using WebEvent = CheckoutBridge::WebEvent;
 
-constexpr int kExitUsage = 2;
 constexpr int kExitBadInput = 1;
 
 Line optionalText(const std::optional<std::string>& text) {

@@ -24,15 +24,8 @@ namespace {
 
 using checkout::CheckoutError;
 
-constexpr int kExitUsage = 2;
-constexpr int kExitTimeout = 3;
-constexpr int kExitNoDisplay = 4;
 constexpr double kDefaultTimeoutSeconds = 60;
 constexpr double kDefaultLingerSeconds = 1;
-// How often the host looks at what its window presents.
-constexpr double kWatchIntervalSeconds = 0.05;
-// After the page has loaded, the time its fade-in takes before a snapshot shows it.
-constexpr double kSnapshotSettleSeconds = 0.5;
 
 enum class DelegateMode { full, defaultsOnly, none };
 enum class Recover { automatic, yes, no };
@@ -110,11 +103,7 @@ std::optional<CheckoutOptions> readOptions(const Args& args) {
   out.linger = options->number("--linger", ok).value_or(kDefaultLingerSeconds);
   out.timeout = options->number("--timeout", ok).value_or(kDefaultTimeoutSeconds);
   out.screenshot = options->value("--screenshot");
-  if (!ok || out.timeout <= 0 || out.linger < 0 || out.closeAfter.value_or(0) < 0) {
-    if (ok) {
-      std::fputs("vemba-inspect: times must not be negative (and the time-out above zero)\n",
-                 stderr);
-    }
+  if (!timesFit(ok, out.timeout, {out.linger, out.closeAfter.value_or(0)})) {
     return std::nullopt;
   }
   return out;

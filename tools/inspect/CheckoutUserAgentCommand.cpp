@@ -9,7 +9,6 @@
 
 namespace vemba::inspect {
 namespace {
-constexpr int kExitUsage = 2;
 
 void unknownValue(const char* option, const std::string& value) {
   std::fprintf(stderr, "vemba-inspect: unknown %s '%s'\n", option, value.c_str());

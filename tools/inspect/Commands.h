@@ -9,6 +9,11 @@ namespace vemba::inspect {
 
 using Args = std::vector<std::string>;
 
+// The exit statuses the commands share.
+inline constexpr int kExitUsage = 2;      // bad arguments
+inline constexpr int kExitTimeout = 3;    // the awaited callback did not come in time
+inline constexpr int kExitNoDisplay = 4;  // a command that opens a window has no display
+
 int runLoad(const Args& args);       // vemba-inspect load ...
 int runRequest(const Args& args);    // vemba-inspect request ...
 int runUserAgent(const Args& args);  // vemba-inspect user-agent [--checkout ...]

@@ -16,6 +16,11 @@ class Screen;
 
 namespace vemba::inspect {
 
+// How often a command looks at what the host window presents.
+inline constexpr double kWatchIntervalSeconds = 0.05;
+// After a page has loaded, a moment for it to be drawn before a snapshot shows it.
+inline constexpr double kSnapshotSettleSeconds = 0.5;
+
 class InspectHost {
  public:
   // Connects to the display and opens the host window; absent (after printing why to standard

@@ -53,6 +53,20 @@ std::optional<double> Options::number(const std::string& name, bool& ok) const {
   return parsed;
 }
 
+bool timesFit(bool ok, double timeout, std::initializer_list<double> delays) {
+  if (!ok) {
+    return false;
+  }
+  bool fit = timeout > 0;
+  for (const double delay : delays) {
+    fit = fit && delay >= 0;
+  }
+  if (!fit) {
+    std::fputs("vemba-inspect: times must not be negative (and the time-out above zero)\n", stderr);
+  }
+  return fit;
+}
+
 void printLine(const std::string& line) {
   std::fwrite(line.data(), 1, line.size(), stdout);
   std::fputc('\n', stdout);

@@ -2,6 +2,7 @@
 // switches, each allowed once; anything else is an error with a readable message.
 #pragma once
 
+#include <initializer_list>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -28,6 +29,10 @@ class Options {
   std::map<std::string, std::string> values_;
   std::set<std::string> flags_;
 };
+
+// The check shared by the commands that wait: `ok` (the numbers parsed), a time-out above zero
+// and no negative delay. Prints why when they do not fit.
+bool timesFit(bool ok, double timeout, std::initializer_list<double> delays);
 
 // Prints `line` to standard output with a newline and flushes, so a reader sees it at once.
 void printLine(const std::string& line);

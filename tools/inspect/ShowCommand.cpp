@@ -22,13 +22,7 @@
 namespace vemba::inspect {
 namespace {
 
-constexpr int kExitUsage = 2;
-constexpr int kExitTimeout = 3;
-constexpr int kExitNoDisplay = 4;
 constexpr double kDefaultTimeoutSeconds = 60;
-constexpr double kWatchIntervalSeconds = 0.05;
-// After the ad page has loaded, a moment for it to draw before the snapshot.
-constexpr double kSnapshotSettleSeconds = 0.5;
 
 struct ShowOptions {
   AdOptions ad;
@@ -161,14 +155,26 @@ std::optional<ShowOptions> readOptions(const Args& args) {
   out.closeAfter = options->number("--close-after", ok);
   out.timeout = options->number("--timeout", ok).value_or(kDefaultTimeoutSeconds);
   out.screenshot = options->value("--screenshot");
-  if (!ok || out.timeout <= 0 || out.closeAfter.value_or(0) < 0) {
-    if (ok) {
-      std::fputs("vemba-inspect: times must not be negative (and the time-out above zero)\n",
-                 stderr);
-    }
+  if (!timesFit(ok, out.timeout, {out.closeAfter.value_or(0)})) {
     return std::nullopt;
   }
   return out;
+}
+
+// Makes the ad of format `Ad`, kept by the session, and starts its load; the delegate shows it
+// once it has loaded.
+template <typename Ad, typename Delegate>
+void start(ShowSession& session, const std::shared_ptr<ShowingDelegate>& delegate) {
+  auto ad = Ad::create(session.options.ad.adUnitId);
+  ad->setBidFloor(session.options.ad.bidFloor);
+  ad->setDelegate(std::static_pointer_cast<Delegate>(delegate));
+  session.show = [&session, weak = std::weak_ptr(ad)] {
+    if (const auto alive = weak.lock()) {
+      alive->show(session.host->screen());
+    }
+  };
+  session.ad = ad;
+  ad->load();
 }
 
 }  // namespace
@@ -193,29 +199,10 @@ int runShow(const Args& args) {
   }
 
   auto delegate = std::make_shared<ShowingDelegate>(session);
-  const AdOptions& ad = session.options.ad;
-  if (ad.format == Format::interstitial) {
-    auto interstitial = VembaInterstitialAd::create(ad.adUnitId);
-    interstitial->setBidFloor(ad.bidFloor);
-    interstitial->setDelegate(std::static_pointer_cast<VembaInterstitialAdDelegate>(delegate));
-    session.show = [&session, weak = std::weak_ptr(interstitial)] {
-      if (const auto alive = weak.lock()) {
-        alive->show(session.host->screen());
-      }
-    };
-    session.ad = interstitial;
-    interstitial->load();
+  if (session.options.ad.format == Format::interstitial) {
+    start<VembaInterstitialAd, VembaInterstitialAdDelegate>(session, delegate);
   } else {
-    auto rewarded = VembaRewardedAd::create(ad.adUnitId);
-    rewarded->setBidFloor(ad.bidFloor);
-    rewarded->setDelegate(std::static_pointer_cast<VembaRewardedAdDelegate>(delegate));
-    session.show = [&session, weak = std::weak_ptr(rewarded)] {
-      if (const auto alive = weak.lock()) {
-        alive->show(session.host->screen());
-      }
-    };
-    session.ad = rewarded;
-    rewarded->load();
+    start<VembaRewardedAd, VembaRewardedAdDelegate>(session, delegate);
   }
   if (!session.host->run(session.options.timeout)) {
     std::fprintf(stderr, "vemba-inspect: the ad was not dismissed within %g s\n",
