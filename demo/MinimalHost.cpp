@@ -1,0 +1,78 @@
+// The smallest Linux host that shows both ad formats: the README's integration, compiled and
+// run as it stands. It shows an interstitial as soon as one has loaded, then a rewarded ad when
+// the interstitial is closed, grants the reward when the library hands it out, and quits when
+// the rewarded ad has been dismissed.
+//
+//   vemba-minimal-host [AD_UNIT]
+//
+// The library talks to the exchange origin it was built for (127.0.0.1:18443 in every preset);
+// start the local exchange first and point SSL_CERT_FILE at its certificate authority.
+#include <gtk/gtk.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "vemba/Vemba.h"
+#include "vemba/linux/Screens.h"
+
+namespace {
+
+// --- the integration (README) ------------------------------------------------------------------
+struct Host : vemba::VembaInterstitialAdDelegate, vemba::VembaRewardedAdDelegate {
+  GtkWindow* window = nullptr;
+  std::shared_ptr<vemba::VembaInterstitialAd> interstitial;
+  std::shared_ptr<vemba::VembaRewardedAd> rewarded;
+
+  void adDidLoad(vemba::VembaInterstitialAd& ad) override {
+    ad.show(vemba::screenForWindow(window));
+  }
+  void adDidDismiss(vemba::VembaInterstitialAd&) override { rewarded->load(); }
+  void adDidLoad(vemba::VembaRewardedAd& ad) override { ad.show(vemba::screenForWindow(window)); }
+  void adDidEarnReward(vemba::VembaRewardedAd&, const vemba::VembaReward& reward) override {
+    std::printf("granted %lld %s\n", static_cast<long long>(reward.amount()),
+                reward.type().c_str());
+  }
+  // --- end of the integration; the rest only reports what happened --------------------------
+  void adDidFailToLoad(vemba::VembaInterstitialAd&, const vemba::Error& error) override {
+    std::printf("interstitial failed: %s\n", error.description.c_str());
+  }
+  void adDidShow(vemba::VembaInterstitialAd&) override { std::puts("interstitial shown"); }
+  void adDidClick(vemba::VembaInterstitialAd&) override { std::puts("interstitial clicked"); }
+  void adDidFailToLoad(vemba::VembaRewardedAd&, const vemba::Error& error) override {
+    std::printf("rewarded failed: %s\n", error.description.c_str());
+  }
+  void adDidShow(vemba::VembaRewardedAd&) override { std::puts("rewarded shown"); }
+  void adDidClick(vemba::VembaRewardedAd&) override { std::puts("rewarded clicked"); }
+  void adDidDismiss(vemba::VembaRewardedAd&) override {
+    std::puts("rewarded dismissed");
+    g_application_quit(g_application_get_default());
+  }
+};
+
+void activate(GtkApplication* app, gpointer data) {
+  auto& host = *static_cast<std::shared_ptr<Host>*>(data);
+  host->window = GTK_WINDOW(gtk_application_window_new(app));
+  gtk_window_set_default_size(host->window, 900, 640);
+  gtk_window_present(host->window);
+  // --- the integration (README), continued ------------------------------------------------------
+  vemba::VembaSDK::shared().initialize(vemba::VembaConfiguration("demo-api-key", false));
+  host->interstitial->setDelegate(host);  // ads hold their delegate weakly
+  host->rewarded->setDelegate(host);
+  host->interstitial->load();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::setvbuf(stdout, nullptr, _IOLBF, 0);
+  const std::string adUnit = argc > 1 ? argv[1] : "minimal-host";
+  auto host = std::make_shared<Host>();
+  host->interstitial = vemba::VembaInterstitialAd::create(adUnit);
+  host->rewarded = vemba::VembaRewardedAd::create(adUnit);
+  GtkApplication* app = gtk_application_new("dev.vemba.MinimalHost", G_APPLICATION_NON_UNIQUE);
+  g_signal_connect(app, "activate", G_CALLBACK(activate), &host);
+  const int status = g_application_run(G_APPLICATION(app), 1, argv);
+  g_object_unref(app);
+  return status;
+}
