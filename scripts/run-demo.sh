@@ -20,7 +20,6 @@ if ! { cmake --preset release && cmake --build --preset release -j "${VEMBA_JOBS
   exit 1
 fi
 demo=build/release/demo/vemba-demo
-export GTK_A11Y=none
 
 script=""
 if [[ ${1:-} == "--script" ]]; then
@@ -35,6 +34,8 @@ fi
 shots=$(mktemp -d /tmp/vemba-demo-screens-XXXXXX)
 run=("$demo" --script "$script" --screenshots "$shots")
 if [[ -z ${DISPLAY:-} && -z ${WAYLAND_DISPLAY:-} ]]; then
+  # A virtual display has no accessibility bus: do not look for one (nor warn about it).
+  export GTK_A11Y=none NO_AT_BRIDGE=1
   run=(xvfb-run -a -s "-screen 0 1280x900x24" "${run[@]}")
 fi
 status=0
