@@ -126,7 +126,7 @@ class Browser:
 
     def load(self, url):
         self.finished = 0
-        self.view.load_uri(url)
+        self.view.load_request(WebKit.URIRequest.new(url))
 
     def open(self, path, presented=False):
         """Loads the exchange's `path`, waits for it to finish and, if asked, sends "presented"."""
