@@ -1,5 +1,6 @@
-// Loopback TCP ports for failure tests, each held for the life of its object: one where
-// connections are refused, one where they are accepted into the backlog and never answered.
+// Loopback TCP ports held for the life of their objects: one where connections are refused, one
+// where they are accepted into the backlog and never answered, and the listening socket of a
+// test server.
 #pragma once
 
 #include <arpa/inet.h>
@@ -31,6 +32,7 @@ class LoopbackPort {
   LoopbackPort(const LoopbackPort&) = delete;
   LoopbackPort& operator=(const LoopbackPort&) = delete;
   int port() const { return port_; }
+  int fd() const { return fd_; }
 
  private:
   int fd_;

@@ -438,6 +438,7 @@ TEST_F(CurlHttpClientTest, DestructionAbandonsTasksInFlightWithoutRunningThem) {
   std::atomic<bool> ran{false};
   auto captured = std::make_shared<int>(0);
   std::weak_ptr<int> watch = captured;
+  const std::size_t bidsBefore = exchange().log("bid").size();
   const auto started = std::chrono::steady_clock::now();
   {
     CurlHttpClient client(trusting());
@@ -445,17 +446,8 @@ TEST_F(CurlHttpClientTest, DestructionAbandonsTasksInFlightWithoutRunningThem) {
                     [&ran, captured](platform::HttpResult) { ran = true; });
     captured.reset();
     // Wait until the request is at the server, so that it is truly in flight.
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (std::chrono::steady_clock::now() < deadline) {
-      bool seen = false;
-      for (const json& entry : exchange().log("bid")) {
-        seen = seen || entry.at("body").get<std::string>().find("abandoned") != std::string::npos;
-      }
-      if (seen) {
-        break;
-      }
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
+    ASSERT_GT(exchange().waitForLog("bid", bidsBefore + 1, std::chrono::seconds(10)).size(),
+              bidsBefore);
   }
   EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(4));
   EXPECT_FALSE(ran);
