@@ -48,36 +48,4 @@ void GuiTest::TearDown() {
   }
 }
 
-bool GuiTest::runUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
-  bool expired = false;
-  const guint guard = g_timeout_add(
-      static_cast<guint>(limit.count()),
-      +[](gpointer flag) {
-        *static_cast<bool*>(flag) = true;
-        return G_SOURCE_REMOVE;
-      },
-      &expired);
-  while (!condition() && !expired) {
-    g_main_context_iteration(nullptr, TRUE);
-  }
-  if (!expired) {
-    g_source_remove(guard);
-  }
-  return condition();
-}
-
-void GuiTest::runFor(std::chrono::milliseconds span) {
-  bool expired = false;
-  g_timeout_add(
-      static_cast<guint>(span.count()),
-      +[](gpointer flag) {
-        *static_cast<bool*>(flag) = true;
-        return G_SOURCE_REMOVE;
-      },
-      &expired);
-  while (!expired) {
-    g_main_context_iteration(nullptr, TRUE);
-  }
-}
-
 }  // namespace vemba::gui_test

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 
+#include "MainLoop.h"
 #include "platform/Ui.h"
 
 using GtkWindow = struct _GtkWindow;
@@ -22,11 +23,11 @@ class GuiTest : public ::testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  // Iterates the main loop until `condition` holds or `limit` passes; true when it held.
   static bool runUntil(const std::function<bool()>& condition,
-                       std::chrono::milliseconds limit = std::chrono::milliseconds(3000));
-  // Iterates the main loop for `span` of wall time (lets timers and frames run).
-  static void runFor(std::chrono::milliseconds span);
+                       std::chrono::milliseconds limit = std::chrono::milliseconds(3000)) {
+    return testing::runMainLoopUntil(condition, limit);
+  }
+  static void runFor(std::chrono::milliseconds span) { testing::runMainLoopFor(span); }
 
   platform::Ui* ui = nullptr;
   GtkWindow* window = nullptr;

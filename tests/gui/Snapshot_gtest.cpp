@@ -95,6 +95,7 @@ TEST_F(SnapshotTest, SheetWithTitleCloseItemProgressLineAndContent) {
   EXPECT_GT((card >> 16U) & 0xFFU, card & 0xFFU) << "the card is not yellow";
 }
 
+// The close button's frame and the filling view's, then what is drawn of them.
 TEST_F(SnapshotTest, FullScreenScreenWithCloseButton) {
   auto host = screenForWindow(window);
   auto screen = ui->createScreen();
@@ -122,6 +123,12 @@ TEST_F(SnapshotTest, FullScreenScreenWithCloseButton) {
                 {close->anchor(Edge::trailing), root.anchor(Edge::trailing), -10},
                 {close->anchor(Edge::width), std::nullopt, 30},
                 {close->anchor(Edge::height), std::nullopt, 30}});
+  const platform::Rect full{{0, 0}, {kWindowWidth, kWindowHeight}};
+  ASSERT_TRUE(runUntil([&] { return ad->frame() == full; }));
+  ASSERT_TRUE(runUntil([&] {
+    return close->frame() == platform::Rect{{kWindowWidth - 40.0, 10.0}, {30.0, 30.0}};
+  }));
+  EXPECT_EQ(root.bounds(), full);
   runFor(std::chrono::milliseconds(300));
 
   const std::string path = snapshotPath("fullscreen.png");
@@ -136,6 +143,11 @@ TEST_F(SnapshotTest, FullScreenScreenWithCloseButton) {
   EXPECT_NE(png.at(kWindowWidth - 25, 25), adColour) << "no close button at the top right";
   EXPECT_EQ(png.at(kWindowWidth - 45, 25), adColour) << "the button is wider than 30";
   EXPECT_EQ(png.at(kWindowWidth - 25, 45), adColour) << "the button is taller than 30";
+
+  // The filling view follows the window; the button keeps its corner.
+  gtk_window_set_default_size(window, 640, 480);
+  EXPECT_TRUE(runUntil([&] { return ad->frame() == platform::Rect{{0, 0}, {640, 480}}; }));
+  EXPECT_TRUE(runUntil([&] { return close->frame() == platform::Rect{{600, 10}, {30, 30}}; }));
 }
 
 }  // namespace

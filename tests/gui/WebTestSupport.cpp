@@ -1,8 +1,5 @@
 #include "WebTestSupport.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -40,49 +37,11 @@ std::string typeText(platform::NavigationType type) {
   return "other";
 }
 
-int boundLoopbackSocket() {
-  const int fd = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  address.sin_port = 0;
-  if (fd < 0 || bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
-    throw std::runtime_error("cannot bind a loopback socket");
-  }
-  return fd;
-}
-
-int portOf(int fd) {
-  sockaddr_in address{};
-  socklen_t length = sizeof address;
-  getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-  return ntohs(address.sin_port);
-}
-
 }  // namespace
 
 bool displayAvailable() {
   static const bool available = gtk_init_check() != FALSE;
   return available;
-}
-
-bool spinUntil(const std::function<bool()>& done, std::chrono::milliseconds timeout) {
-  const auto deadline = std::chrono::steady_clock::now() + timeout;
-  while (!done() && std::chrono::steady_clock::now() < deadline) {
-    // A guard wakes the loop up so the deadline is seen even when nothing happens.
-    GSource* guard = g_timeout_source_new(50);
-    g_source_set_callback(
-        guard, [](gpointer) { return G_SOURCE_REMOVE; }, nullptr, nullptr);
-    g_source_attach(guard, nullptr);
-    g_main_context_iteration(nullptr, TRUE);
-    g_source_destroy(guard);
-    g_source_unref(guard);
-  }
-  return done();
-}
-
-void spinFor(std::chrono::milliseconds duration) {
-  spinUntil([] { return false; }, duration);
 }
 
 platform::NavigationActionPolicy RecordingNavigationDelegate::decidePolicyForNavigationAction(
@@ -111,14 +70,15 @@ void RecordingNavigationDelegate::didFailProvisionalNavigation(
     platform::WebView& /*webView*/, const platform::NavigationError& error) {
   events.push_back("fail-provisional " + codeText(error));
   errors.push_back(error);
-  ++ends;
-  if (onEnd) {
-    onEnd();
-  }
+  countEnd();
 }
 
 void RecordingNavigationDelegate::didFinishNavigation(platform::WebView& /*webView*/) {
   events.emplace_back("finish");
+  countEnd();
+}
+
+void RecordingNavigationDelegate::countEnd() {
   ++ends;
   if (onEnd) {
     onEnd();
@@ -129,10 +89,7 @@ void RecordingNavigationDelegate::didFailNavigation(platform::WebView& /*webView
                                                     const platform::NavigationError& error) {
   events.push_back("fail " + codeText(error));
   errors.push_back(error);
-  ++ends;
-  if (onEnd) {
-    onEnd();
-  }
+  countEnd();
 }
 
 void RecordingMessageHandler::userContentControllerDidReceive(
@@ -156,52 +113,6 @@ TestWindow::~TestWindow() {
   g_object_unref(window_);
 }
 
-bool TestWindow::saveAsPng(const std::string& path) {
-  GdkPaintable* paintable = gtk_widget_paintable_new(window_);
-  bool invalidated = false;
-  const gulong id = g_signal_connect(
-      paintable, "invalidate-contents",
-      G_CALLBACK(+[](GdkPaintable*, gpointer flag) { *static_cast<bool*>(flag) = true; }),
-      &invalidated);
-  gtk_widget_queue_draw(window_);
-  spinUntil([&] { return invalidated; }, std::chrono::seconds(5));
-  g_signal_handler_disconnect(paintable, id);
-  const int width = gtk_widget_get_width(window_);
-  const int height = gtk_widget_get_height(window_);
-  bool saved = false;
-  if (width > 0 && height > 0) {
-    GtkSnapshot* snapshot = gtk_snapshot_new();
-    gdk_paintable_snapshot(paintable, snapshot, width, height);
-    GskRenderNode* node = gtk_snapshot_free_to_node(snapshot);
-    GskRenderer* renderer = gtk_native_get_renderer(GTK_NATIVE(window_));
-    if (node != nullptr && renderer != nullptr) {
-      GdkTexture* texture = gsk_renderer_render_texture(renderer, node, nullptr);
-      saved = gdk_texture_save_to_png(texture, path.c_str()) != FALSE;
-      g_object_unref(texture);
-    }
-    if (node != nullptr) {
-      gsk_render_node_unref(node);
-    }
-  }
-  g_object_unref(paintable);
-  return saved;
-}
-
-SilentPort::SilentPort() : fd_(boundLoopbackSocket()), port_(portOf(fd_)) {
-  listen(fd_, 16);
-}
-
-SilentPort::~SilentPort() {
-  close(fd_);
-}
-
-int closedPort() {
-  const int fd = boundLoopbackSocket();
-  const int port = portOf(fd);
-  close(fd);
-  return port;
-}
-
 TestWebView makeWebView(std::optional<std::string> applicationName) {
   setEphemeralWebViews(true);
   TestWebView made;
@@ -212,7 +123,14 @@ TestWebView makeWebView(std::optional<std::string> applicationName) {
   made.view = linux_platform::createWebView(platform::Rect{}, configuration);
   made.delegate = std::make_shared<RecordingNavigationDelegate>();
   made.view->setNavigationDelegate(made.delegate);
+  made.window = std::make_unique<TestWindow>(*made.view);
   return made;
+}
+
+bool TestWebView::loadAndWait(const platform::WebRequest& request) {
+  const std::size_t before = delegate->ends;
+  view->load(request);
+  return runMainLoopUntil([&] { return delegate->ends > before; });
 }
 
 platform::WebRequest requestFor(const std::string& url, std::chrono::milliseconds timeout) {

@@ -1,6 +1,6 @@
-// Helpers for the web view tests on the real WebKitGTK backend: a main-loop spinner, a navigation
-// delegate and a message handler that record what the core would see, a window to host a view,
-// and local endpoints that refuse or never answer. Main thread only.
+// Helpers for the web view tests on the real WebKitGTK backend: a navigation delegate and a
+// message handler that record what the core would see, and a web view shown in a window. Main
+// thread only.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -12,18 +12,13 @@
 #include <string>
 #include <vector>
 
+#include "MainLoop.h"
 #include "platform/WebView.h"
 
 namespace vemba::testing {
 
 // True when GTK could open the display (the tests that need one skip otherwise).
 bool displayAvailable();
-
-// Runs the default main context until `done` holds or `timeout` passes; returns `done()`.
-bool spinUntil(const std::function<bool()>& done,
-               std::chrono::milliseconds timeout = std::chrono::seconds(20));
-// Runs the default main context for `duration` (to see that nothing more happens).
-void spinFor(std::chrono::milliseconds duration);
 
 // Records every delegate call as one line: "action <url> <type> target|no-target",
 // "start", "response <status> main|sub", "finish", "fail-provisional <domain> <code>",
@@ -51,6 +46,9 @@ class RecordingNavigationDelegate final : public platform::NavigationDelegate {
   std::function<bool(const platform::NavigationResponse&)> cancelResponse;
   // Runs inside didFinishNavigation / didFail…, after recording (to drop the view, say).
   std::function<void()> onEnd;
+
+ private:
+  void countEnd();
 };
 
 class RecordingMessageHandler final : public platform::ScriptMessageHandler {
@@ -68,35 +66,21 @@ class TestWindow {
   TestWindow(const TestWindow&) = delete;
   TestWindow& operator=(const TestWindow&) = delete;
   GtkWidget* window() const { return window_; }
-  // Saves the window's current rendering to `path` as PNG; false when nothing was drawn.
-  bool saveAsPng(const std::string& path);
 
  private:
   GtkWidget* window_;
 };
 
-// A loopback TCP port that accepts connections into its backlog and never answers.
-class SilentPort {
- public:
-  SilentPort();
-  ~SilentPort();
-  SilentPort(const SilentPort&) = delete;
-  SilentPort& operator=(const SilentPort&) = delete;
-  int port() const { return port_; }
-
- private:
-  int fd_ = -1;
-  int port_ = 0;
-};
-
-// A loopback port that nothing listens on (connections are refused).
-int closedPort();
-
-// A web view from the backend's factory with its own controller, in an ephemeral session.
+// A web view from the backend's factory with its own controller, in an ephemeral session, shown
+// in its own window (declared last, so the window goes before the view).
 struct TestWebView {
   std::shared_ptr<platform::UserContentController> controller;
   std::shared_ptr<platform::WebView> view;
   std::shared_ptr<RecordingNavigationDelegate> delegate;
+  std::unique_ptr<TestWindow> window;
+
+  // Loads `request` and runs the main loop until the load has ended (once more than before).
+  bool loadAndWait(const platform::WebRequest& request);
 };
 TestWebView makeWebView(std::optional<std::string> applicationName = std::nullopt);
 

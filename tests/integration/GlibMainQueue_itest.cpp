@@ -13,28 +13,13 @@
 
 #include "FakeMainQueue.h"
 #include "GlibMainQueue.h"
+#include "MainLoop.h"
 
 namespace vemba::testing {
 namespace {
 
 using linux_platform::GlibMainQueue;
 using Clock = std::chrono::steady_clock;
-
-// Iterates the default main context until `done()` holds or `limit` passes.
-bool runMainLoopUntil(const std::function<bool()>& done,
-                      std::chrono::milliseconds limit = std::chrono::seconds(20)) {
-  // A heartbeat so that a blocking iteration comes back to check the deadline.
-  const guint heartbeat = g_timeout_add(
-      10, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
-  const auto deadline = Clock::now() + limit;
-  bool result = done();
-  while (!result && Clock::now() < deadline) {
-    g_main_context_iteration(nullptr, TRUE);
-    result = done();
-  }
-  g_source_remove(heartbeat);
-  return result;
-}
 
 TEST(GlibMainQueueTest, KeepsEachPostersOrderAcrossThreadsAndRunsOnTheMainThread) {
   GlibMainQueue queue;
@@ -131,22 +116,6 @@ TEST(GlibMainQueueTest, DelayedWorkRunsByDueTimeThenPostingOrderAndNeverEarly) {
   }
 }
 
-TEST(GlibMainQueueTest, WorkPostedWhileRunningWaitsForTheNextDispatch) {
-  GlibMainQueue queue;
-  std::vector<std::string> events;
-  queue.post([&] {
-    events.push_back("outer start");
-    queue.post([&] { events.push_back("inner"); });
-    events.push_back("outer end");
-  });
-  // Let each dispatch happen alone: the outer work runs in one iteration, the inner in a later one.
-  ASSERT_TRUE(runMainLoopUntil([&] { return !events.empty(); }));
-  EXPECT_THAT(events, ::testing::ElementsAre("outer start", "outer end"));
-  EXPECT_EQ(queue.pendingCount(), 1u);
-  ASSERT_TRUE(runMainLoopUntil([&] { return events.size() == 3; }));
-  EXPECT_EQ(events.back(), "inner");
-}
-
 TEST(GlibMainQueueTest, DestroyingTheQueueDropsPendingWorkAndReleasesIt) {
   auto captured = std::make_shared<int>(0);
   std::weak_ptr<int> watch = captured;
@@ -160,24 +129,8 @@ TEST(GlibMainQueueTest, DestroyingTheQueueDropsPendingWorkAndReleasesIt) {
   }
   EXPECT_TRUE(watch.expired());
   // Nothing of the destroyed queue may run afterwards.
-  bool ticked = false;
-  g_timeout_add(
-      20,
-      [](gpointer flag) -> gboolean {
-        *static_cast<bool*>(flag) = true;
-        return G_SOURCE_REMOVE;
-      },
-      &ticked);
-  ASSERT_TRUE(runMainLoopUntil([&] { return ticked; }));
+  runMainLoopFor(std::chrono::milliseconds(50));
   EXPECT_FALSE(ran);
-}
-
-TEST(GlibMainQueueTest, IsMainThreadOnlyOnTheInitialThread) {
-  GlibMainQueue queue;
-  EXPECT_TRUE(queue.isMainThread());
-  bool onOtherThread = true;
-  std::thread([&] { onOtherThread = queue.isMainThread(); }).join();
-  EXPECT_FALSE(onOtherThread);
 }
 
 TEST(GlibMainQueueTest, OtherSourcesRunBetweenBurstsOfPostedWork) {
@@ -215,8 +168,9 @@ TEST(GlibMainQueueTest, OtherSourcesRunBetweenBurstsOfPostedWork) {
   EXPECT_GE(bursts, idleRuns - 1);
 }
 
-// One scenario, played on the real queue (one loop iteration at a time) and on the fake one
-// (one dispatch at a time): the work of each dispatch must be the same on both.
+// Work posted while work runs waits for the next dispatch. One scenario, played on the real queue
+// (one loop iteration at a time) and on the fake one (one dispatch at a time): the work of each
+// dispatch must be the same on both.
 TEST(GlibMainQueueTest, TheFakeQueueDispatchesAsTheRealOneDoes) {
   using Trace = std::vector<std::vector<std::string>>;
   const auto play = [](platform::MainQueue& queue, Trace& trace) {

@@ -4,8 +4,6 @@
 // object (the destructor joins the thread); routes run on the server thread.
 #pragma once
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <poll.h>
 #include <strings.h>
 #include <sys/socket.h>
@@ -16,11 +14,12 @@
 #include <functional>
 #include <mutex>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include "LoopbackPorts.h"
 
 namespace vemba::testing {
 
@@ -49,29 +48,16 @@ class LoopbackHttpServer {
   };
   using Route = std::function<Response(const Request&)>;
 
-  explicit LoopbackHttpServer(Route route) : route_(std::move(route)) {
-    listener_ = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    if (bind(listener_, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
-        listen(listener_, 16) != 0 ||
-        getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
-      throw std::runtime_error("cannot listen on loopback");
-    }
-    port_ = ntohs(address.sin_port);
-    thread_ = std::thread([this] { serve(); });
-  }
+  explicit LoopbackHttpServer(Route route)
+      : route_(std::move(route)), thread_([this] { serve(); }) {}
   ~LoopbackHttpServer() {
     stopping_ = true;
     thread_.join();
-    close(listener_);
   }
   LoopbackHttpServer(const LoopbackHttpServer&) = delete;
   LoopbackHttpServer& operator=(const LoopbackHttpServer&) = delete;
 
-  std::string origin() const { return "http://127.0.0.1:" + std::to_string(port_); }
+  std::string origin() const { return "http://127.0.0.1:" + std::to_string(listener_.port()); }
   std::vector<Request> received() const {
     const std::lock_guard lock(mutex_);
     return received_;
@@ -80,11 +66,11 @@ class LoopbackHttpServer {
  private:
   void serve() {
     while (!stopping_) {
-      pollfd ready{listener_, POLLIN, 0};
+      pollfd ready{listener_.fd(), POLLIN, 0};
       if (poll(&ready, 1, 50) <= 0) {
         continue;
       }
-      const int connection = accept(listener_, nullptr, nullptr);
+      const int connection = accept(listener_.fd(), nullptr, nullptr);
       if (connection >= 0) {
         answer(connection);
         close(connection);
@@ -157,8 +143,7 @@ class LoopbackHttpServer {
   }
 
   Route route_;
-  int listener_ = -1;
-  int port_ = 0;
+  LoopbackPort listener_{/*listening=*/true};
   std::atomic<bool> stopping_{false};
   std::thread thread_;
   mutable std::mutex mutex_;

@@ -81,6 +81,7 @@ class Browser:
     """One window with one web view and an ephemeral session; messages and navigations recorded."""
 
     def __init__(self, exchange, bridge=True, width=430, height=860):
+        self.origin = exchange.origin
         self.session = WebKit.NetworkSession.new_ephemeral()
         certificate = Gio.TlsCertificate.new_from_file(os.path.join(exchange.state_dir, "server.pem"))
         self.session.allow_tls_certificate_for_host(certificate, "127.0.0.1")
@@ -123,15 +124,25 @@ class Browser:
         if event == WebKit.LoadEvent.FINISHED:
             self.finished += 1
 
-    def load(self, url, headers=()):
-        request = WebKit.URIRequest.new(url)
-        for name, value in headers:
-            request.get_http_headers().append(name, value)
+    def load(self, url):
         self.finished = 0
-        self.view.load_request(request)
+        self.view.load_request(WebKit.URIRequest.new(url))
+
+    def open(self, path, presented=False):
+        """Loads the exchange's `path`, waits for it to finish and, if asked, sends "presented"."""
+        self.load(self.origin + path)
+        spin_until(lambda: self.finished, 15)
+        if presented:
+            self.evaluate(dispatch_script("presented"))
+        return self
 
     def checkout_messages(self):
         return [json.loads(body) for channel, body in self.messages if channel == CHECKOUT_CHANNEL]
+
+    def first_body(self, name):
+        """The body of the first checkout message called `name`, once one has arrived."""
+        spin_until(lambda: any(m["name"] == name for m in self.checkout_messages()), 5)
+        return next(m["body"] for m in self.checkout_messages() if m["name"] == name)
 
     def ad_messages(self):
         return [body for channel, body in self.messages if channel == AD_CHANNEL]
@@ -204,11 +215,9 @@ def pixel_names(messages):
 @check
 def pay_sends_pixel_steps_then_completed_then_goes_to_thank_you(exchange):
     browser = Browser(exchange)
-    url = exchange.origin + "/checkout/demo?auto=pay&autoDelay=20&orderId=4242"
     browser.view.get_settings().set_user_agent_with_application_details(
         "VembaCheckoutKit", "3.4.0 (8.1;automatic;standard)")
-    browser.load(url)
-    spin_until(lambda: browser.finished, 15)
+    browser.open("/checkout/demo?auto=pay&autoDelay=20&orderId=4242")
     spin_for(0.3)
     expect(browser.checkout_messages() == [], "nothing may be sent before presented")
     browser.evaluate(dispatch_script("presented"))
@@ -268,10 +277,7 @@ def presented_before_the_page_script_runs_is_delivered_by_the_ready_event(exchan
 
 @check
 def discount_dialog_blocks_then_unblocks(exchange):
-    browser = Browser(exchange)
-    browser.load(exchange.origin + "/checkout/demo?auto=discount&autoDelay=20")
-    spin_until(lambda: browser.finished, 15)
-    browser.evaluate(dispatch_script("presented"))
+    browser = Browser(exchange).open("/checkout/demo?auto=discount&autoDelay=20", presented=True)
     spin_until(lambda: sum(m["name"] == "checkoutBlockingEvent"
                            for m in browser.checkout_messages()) == 2, 5)
     blocking = [m["body"] for m in browser.checkout_messages() if m["name"] == "checkoutBlockingEvent"]
@@ -282,30 +288,17 @@ def discount_dialog_blocks_then_unblocks(exchange):
 
 
 @check
-def terms_and_mailto_links_are_link_navigations(exchange):
-    browser = Browser(exchange)
-    browser.load(exchange.origin + "/checkout/demo?auto=terms,mailto&autoDelay=20")
-    spin_until(lambda: browser.finished, 15)
-    browser.evaluate(dispatch_script("presented"))
-    spin_until(lambda: any(u.startswith("mailto:") for u, _ in browser.navigations), 5)
-    terms = [(u, t) for u, t in browser.navigations if "open_externally=true" in u]
-    expect(terms and terms[0][1] == WebKit.NavigationType.LINK_CLICKED, "terms %s" % terms)
-    browser.close()
-
-
-@check
 def error_variants_send_one_error_of_their_group(exchange):
     browser = Browser(exchange)
     cases = {"authentication": "authentication", "configuration": "configuration",
              "unrecoverable": "unrecoverable", "checkout": "checkout", "expired": "expired",
              "unsupported": "unsupported", "unknown-group": "outage"}
-    for variant, group in list(cases.items()) + [("malformed", None), ("object", None)]:
+
+    def error_body(path):
         browser.messages.clear()
-        browser.load(exchange.origin + "/checkout/error/%s?autoDelay=10" % variant)
-        spin_until(lambda: browser.finished, 15)
-        browser.evaluate(dispatch_script("presented"))
-        spin_until(lambda: any(m["name"] == "error" for m in browser.checkout_messages()), 5)
-        body = next(m["body"] for m in browser.checkout_messages() if m["name"] == "error")
+        return browser.open(path, presented=True).first_body("error")
+    for variant, group in list(cases.items()) + [("malformed", None), ("object", None)]:
+        body = error_body("/checkout/error/%s?autoDelay=10" % variant)
         if variant == "malformed":
             try:
                 json.loads(body)
@@ -317,22 +310,14 @@ def error_variants_send_one_error_of_their_group(exchange):
         else:
             records = json.loads(body)
             expect(len(records) == 1 and records[0]["group"] == group, "%s: %s" % (variant, body))
-    browser.messages.clear()
-    browser.load(exchange.origin + "/checkout/error/expired?autoDelay=10&code=&reason=")
-    spin_until(lambda: browser.finished, 15)
-    browser.evaluate(dispatch_script("presented"))
-    spin_until(lambda: any(m["name"] == "error" for m in browser.checkout_messages()), 5)
-    record = json.loads(next(m["body"] for m in browser.checkout_messages() if m["name"] == "error"))[0]
+    record = json.loads(error_body("/checkout/error/expired?autoDelay=10&code=&reason="))[0]
     expect("code" not in record and "reason" not in record, "empty overrides drop keys: %s" % record)
     browser.close()
 
 
 @check
 def pixels_scenario_sends_a_custom_event_with_an_object(exchange):
-    browser = Browser(exchange)
-    browser.load(exchange.origin + "/checkout/demo?auto=pixels&autoDelay=20")
-    spin_until(lambda: browser.finished, 15)
-    browser.evaluate(dispatch_script("presented"))
+    browser = Browser(exchange).open("/checkout/demo?auto=pixels&autoDelay=20", presented=True)
     spin_until(lambda: "lumenmoss_gift_note_added" in pixel_names(browser.checkout_messages()), 5)
     custom = [json.loads(m["body"])["event"] for m in browser.checkout_messages()
               if m["name"] == "webPixels" and json.loads(m["body"])["event"]["type"] == "custom"]
@@ -347,28 +332,8 @@ def pixels_scenario_sends_a_custom_event_with_an_object(exchange):
 
 
 @check
-def without_a_bridge_fail_once_then_pay_reaches_thank_you(exchange):
-    browser = Browser(exchange, bridge=False)
-    url = exchange.origin + "/checkout/fail-once/recovery-1?auto=pay&autoDelay=20&orderId=77"
-    browser.load(url)
-    spin_until(lambda: browser.finished, 15)
-    expect("500" in browser.evaluate("document.body.textContent"), "the first answer is a 500")
-    browser.load(url)  # what the recovery view does: the same URL again
-    spin_until(lambda: any(u.endswith("/checkout/fail-once/recovery-1/thank-you?order_id=77")
-                           for u, _ in browser.navigations), 10)
-    spin_until(lambda: browser.evaluate(
-        "(document.getElementById('order-number') || {}).textContent || ''") == "#77", 10)
-    statuses = [e.get("status") for e in exchange.log("/checkout/fail-once/recovery-1")
-                if e["variant"] == "fail-once"]
-    expect(statuses == [500, 200], "fail-once statuses %s" % statuses)
-    browser.close()
-
-
-@check
 def status_line_says_when_there_is_no_bridge(exchange):
-    browser = Browser(exchange, bridge=False)
-    browser.load(exchange.origin + "/checkout/demo")
-    spin_until(lambda: browser.finished, 15)
+    browser = Browser(exchange, bridge=False).open("/checkout/demo")
     status = browser.evaluate("document.getElementById('status').textContent")
     expect(status.startswith("no bridge"), status)
     browser.close()
@@ -428,9 +393,7 @@ def misbehaving_ad_tokens_post_what_they_promise(exchange):
 
 @check
 def rewarded_countdown_enables_close_and_can_close_by_itself(exchange):
-    browser = Browser(exchange)
-    browser.load(exchange.origin + "/ads/rewarded.html?seconds=1&autoClose=1")
-    spin_until(lambda: browser.finished, 15)
+    browser = Browser(exchange).open("/ads/rewarded.html?seconds=1&autoClose=1")
     expect(browser.evaluate("document.getElementById('vemba-close').disabled") is True, "")
     spin_until(lambda: browser.ad_messages() == ["close"], 5)
     expect(browser.evaluate("document.getElementById('reward').textContent") == "Reward earned", "")
@@ -452,15 +415,11 @@ def take_screenshots(exchange, directory):
              ("status-500", "/checkout/status/500"), ("landing", "/landing/interstitial")]
     for width, height in ((390, 844), (800, 900), (1280, 860)):
         for name, path in pages:
-            browser = Browser(exchange, bridge=False, width=width, height=height)
-            browser.load(exchange.origin + path)
-            spin_until(lambda: browser.finished, 15)
+            browser = Browser(exchange, bridge=False, width=width, height=height).open(path)
             spin_for(0.4)
             browser.snapshot(os.path.join(directory, "%s-%d.png" % (name, width)))
             browser.close()
-        browser = Browser(exchange, width=width, height=height)
-        browser.load(exchange.origin + "/checkout/demo")
-        spin_until(lambda: browser.finished, 15)
+        browser = Browser(exchange, width=width, height=height).open("/checkout/demo")
         browser.evaluate("VembaCheckout.setDialog(true); true")
         spin_for(0.3)
         browser.snapshot(os.path.join(directory, "discount-%d.png" % width))

@@ -12,12 +12,6 @@ TEST(StderrLogSinkTest, FormatsKeepTheSeverityOrOnlyTheText) {
   EXPECT_EQ(formatLogLine(LogFormat::annotated, LogSeverity::error, "com.vemba", "checkout",
                           "[CheckoutKit] (error) - boom"),
             "error [com.vemba/checkout] [CheckoutKit] (error) - boom\n");
-  EXPECT_EQ(formatLogLine(LogFormat::annotated, LogSeverity::debug, "s", "c", "x"),
-            "debug [s/c] x\n");
-  EXPECT_EQ(formatLogLine(LogFormat::annotated, LogSeverity::info, "s", "c", "x"),
-            "info [s/c] x\n");
-  EXPECT_EQ(formatLogLine(LogFormat::annotated, LogSeverity::fault, "s", "c", "x"),
-            "fault [s/c] x\n");
   EXPECT_EQ(formatLogLine(LogFormat::plain, LogSeverity::fault, "s", "c", "just this"),
             "just this\n");
 }

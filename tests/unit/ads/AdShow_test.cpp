@@ -38,14 +38,6 @@ class AdShowTest : public AdTest {
     drain();
     delegate->calls.clear();
   }
-  void drain() {
-    while (platform.mainQueue.runUntilIdle() > 0) {
-    }
-  }
-  void advance(std::chrono::milliseconds delta) {
-    platform.mainQueue.advance(delta);
-    drain();
-  }
   std::size_t billingHits() const {
     std::size_t hits = 0;
     for (std::size_t i = 0; i < platform.http.taskCount(); ++i) {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,16 @@ class AdTest : public ::testing::Test {
     VembaLogger::setDevelopmentSink(nullptr);
     ads::resetVembaSdkForTesting();
     UserAgentFetcher::shared().resetForTesting();
+  }
+
+  // Runs everything due now, including work posted while running.
+  void drain() {
+    while (platform.mainQueue.runUntilIdle() > 0) {
+    }
+  }
+  void advance(std::chrono::milliseconds delta) {
+    platform.mainQueue.advance(delta);
+    drain();
   }
 
   fake::InstalledFakePlatform platform;

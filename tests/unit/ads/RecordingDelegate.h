@@ -1,8 +1,9 @@
 // A delegate for both ad formats that records each call as one line, with the ad's readiness at
-// the moment of the call.
+// the moment of the call and the thread it came on.
 #pragma once
 
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "vemba/ads/VembaInterstitialAd.h"
@@ -16,6 +17,7 @@ class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaReward
     std::string name;
     bool isReady = false;
     Error error;
+    std::thread::id thread = std::this_thread::get_id();
   };
   std::vector<Call> calls;
 

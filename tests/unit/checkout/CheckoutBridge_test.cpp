@@ -8,6 +8,7 @@
 
 #include "CheckoutTestSupport.h"
 #include "FakeWebView.h"
+#include "checkout/BridgeEnvelope.h"
 #include "checkout/CheckoutErrorEventDecoder.h"
 #include "checkout/ContractViolation.h"
 #include "checkout/MessageHandler.h"
@@ -135,27 +136,68 @@ TEST_F(CheckoutBridgeTest, DecodingFailures) {
   EXPECT_EQ(nonString.kind(), BridgeError::Kind::invalidBridgeEvent);
   EXPECT_EQ(nonString.underlying(), std::nullopt);
 
-  const std::vector<std::string> texts = {
-      "not json",
-      "",
-      R"(["name","error"])",
-      R"({"body":"true"})",
-      R"({"name":null})",
-      R"({"name":1})",
-      R"({"name":"checkoutBlockingEvent"})",
-      R"({"name":"checkoutBlockingEvent","body":true})",
-      R"({"name":"checkoutBlockingEvent","body":null})",
-      R"({"name":"webPixels"})",
-      envelope("webPixels", "{}"),
-      envelope("webPixels", "not json"),
+  // Every other failure names its cause as a decode of the whole text as one document would.
+  struct Case {
+    std::string text;
+    const char* description;
   };
-  for (const std::string& text : texts) {
-    const BridgeError error = decodeFailure(stringMessage(text));
-    EXPECT_EQ(error.kind(), BridgeError::Kind::invalidBridgeEvent) << text;
-    EXPECT_TRUE(error.underlying().has_value()) << text;
+  const Case cases[] = {
+      {"not json", "Data corrupted at the top level: The given data was not valid JSON."},
+      {"", "Data corrupted at the top level: The given data was not valid JSON."},
+      {"{\"name\":\"completed\",\"x\":\"\xFF\"}",
+       "Data corrupted at the top level: The given data was not valid JSON."},
+      {"null", "Value not found at the top level: Expected object value but found null instead."},
+      {R"(["name","error"])",
+       "Type mismatch at the top level: Expected to decode object but found array instead."},
+      {R"("name")",
+       "Type mismatch at the top level: Expected to decode object but found string instead."},
+      {"7", "Type mismatch at the top level: Expected to decode object but found number instead."},
+      {R"({"body":"true"})", "Key not found at \"name\": No value associated with key \"name\"."},
+      {R"({"name":null})", "Value not found at \"name\": Expected a value but found null."},
+      {R"({"name":1})",
+       "Type mismatch at \"name\": Expected to decode String but found number instead."},
+      {R"({"name":"checkoutBlockingEvent"})",
+       "Key not found at \"body\": No value associated with key \"body\"."},
+      {R"({"name":"checkoutBlockingEvent","body":true})",
+       "Type mismatch at \"body\": Expected to decode String but found bool instead."},
+      {R"({"name":"checkoutBlockingEvent","body":[]})",
+       "Type mismatch at \"body\": Expected to decode String but found array instead."},
+      // Of repeated keys the last one counts.
+      {R"({"name":"checkoutBlockingEvent","body":"true","body":null})",
+       "Value not found at \"body\": Expected a value but found null."},
+      {R"({"name":"webPixels"})",
+       "Key not found at \"body\": No value associated with key \"body\"."},
+      {R"({"name":"webPixels","body":{"name":"x"}})",
+       "Type mismatch at \"body\": Expected to decode String but found object instead."},
+      // The pixel payload inside the body is read as a document of its own.
+      {envelope("webPixels", "{}"),
+       "Key not found at \"name\": No value associated with key \"name\"."},
+      {envelope("webPixels", "not json"),
+       "Data corrupted at the top level: The given data was not valid JSON."},
+  };
+  for (const Case& c : cases) {
+    const BridgeError error = decodeFailure(stringMessage(c.text));
+    EXPECT_EQ(error.kind(), BridgeError::Kind::invalidBridgeEvent) << c.text;
+    ASSERT_TRUE(error.underlying().has_value()) << c.text;
+    EXPECT_EQ(error.underlying()->description, c.description) << c.text;
   }
-  EXPECT_EQ(decodeFailure(stringMessage(R"({"name":1})")).underlying()->description,
-            "Type mismatch at \"name\": Expected to decode String but found number instead.");
+}
+
+TEST_F(CheckoutBridgeTest, RepeatedKeysResolveToTheLastValue) {
+  EXPECT_EQ(decodeOk(R"({"name":"checkoutBlockingEvent","body":null,"body":"false"})"),
+            WebEvent{WebEvent::CheckoutModalToggled{false}});
+  EXPECT_EQ(decodeOk(R"({"name":"completed","body":"{}","name":"presented"})"),
+            WebEvent{WebEvent::Unsupported{"presented"}});
+  EXPECT_THAT(platform.log.lines, IsEmpty());
+}
+
+TEST(BridgeEnvelopeTest, DeepNestingOutsideTheKeptMembersIsOnlyValidated) {
+  const std::string deep(100000, '[');
+  EXPECT_FALSE(readEnvelope(R"({"name":"a","x":)" + deep + "}"));
+  const std::string closed = deep + std::string(100000, ']');
+  const std::optional<nlohmann::json> read = readEnvelope(R"({"name":"a","body":)" + closed + "}");
+  ASSERT_TRUE(read);
+  EXPECT_EQ((*read)["body"], nlohmann::json::array());
 }
 
 TEST_F(CheckoutBridgeTest, CompletedMessageUsesTheForgivingDecoder) {

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "CheckoutScreenTestSupport.h"
-#include "checkout/CheckoutViewControllerImpl.h"
-#include "checkout/CheckoutWebViewController.h"
 #include "checkout/ProgressBarView.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutSheet.h"
@@ -22,10 +20,6 @@ class CheckoutPresentationTest : public testing::CheckoutScreenTest {
     auto controller = present(checkout, hostScreen(), std::move(host));
     drain();
     return controller;
-  }
-  static CheckoutWebViewController& page(const std::shared_ptr<CheckoutViewController>& sheet) {
-    const auto& container = dynamic_cast<CheckoutViewControllerImpl&>(*sheet);
-    return dynamic_cast<CheckoutWebViewController&>(*container.childControllers().at(0));
   }
   static fake::FakeScreen& fakeScreen(const std::shared_ptr<platform::Screen>& screen) {
     return dynamic_cast<fake::FakeScreen&>(*screen);

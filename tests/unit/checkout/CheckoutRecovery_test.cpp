@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "CheckoutScreenTestSupport.h"
-#include "checkout/CheckoutViewControllerImpl.h"
-#include "checkout/CheckoutWebViewController.h"
 #include "checkout/ProgressBarView.h"
 #include "platform/UrlErrorCode.h"
 #include "vemba/checkout/Checkout.h"
@@ -15,10 +13,6 @@ using testing::url;
 
 class CheckoutRecoveryTest : public testing::CheckoutScreenTest {
  protected:
-  static CheckoutWebViewController& page(const std::shared_ptr<CheckoutViewController>& sheet) {
-    const auto& container = dynamic_cast<CheckoutViewControllerImpl&>(*sheet);
-    return dynamic_cast<CheckoutWebViewController&>(*container.childControllers().at(0));
-  }
   bool sheetGoneAfterTransition() {
     advance(fake::kTransitionDuration);
     return hostScreen()->presentedScreen() == nullptr;

@@ -12,7 +12,9 @@
 
 #include "CheckoutTestSupport.h"
 #include "checkout/CheckoutBridge.h"
+#include "checkout/CheckoutViewControllerImpl.h"
 #include "checkout/CheckoutWebView.h"
+#include "checkout/CheckoutWebViewController.h"
 #include "checkout/OSLogger.h"
 #include "vemba/checkout/CheckoutDelegate.h"
 
@@ -94,6 +96,11 @@ class CheckoutScreenTest : public CheckoutTest {
   }
   static bool hasBridge(const CheckoutWebView& view) {
     return contentOf(view).hasHandler(CheckoutBridge::kMessageHandlerName);
+  }
+  // The checkout page controller inside a presented sheet.
+  static CheckoutWebViewController& page(const std::shared_ptr<CheckoutViewController>& sheet) {
+    const auto& container = dynamic_cast<CheckoutViewControllerImpl&>(*sheet);
+    return dynamic_cast<CheckoutWebViewController&>(*container.childControllers().at(0));
   }
 
   // Runs everything due now, including work posted while running.
