@@ -34,7 +34,7 @@ using Clock = std::chrono::steady_clock;
 using exchange::LocalExchange;
 using Strings = std::vector<std::string>;
 
-constexpr int kCycles = 20;
+constexpr std::size_t kCycles = 20;
 constexpr auto kStepDeadline = 20s;    // one load, show, page load or dismissal
 constexpr auto kSettleDeadline = 15s;  // everything released after the last cycle
 constexpr guint kPollMillis = 20;      // how often a wait looks at its condition
@@ -163,7 +163,7 @@ class AdCyclesTest : public ::testing::Test {
 
   // One load, show and close of a new ad of type `Ad`; the trace of its host callbacks.
   template <typename Ad, typename Delegate>
-  Strings cycle(int index, CloseBy closeBy) {
+  Strings cycle(std::size_t index, CloseBy closeBy) {
     const auto delegate = std::make_shared<RecordingDelegate>();
     std::shared_ptr<Ad> ad = Ad::create("cycles-unit");
     ad->setDelegate(std::static_pointer_cast<Delegate>(delegate));
@@ -219,7 +219,8 @@ TEST_F(AdCyclesTest, TwentyShowCloseCyclesLeaveNoWebViewScreenOrWebProcessBehind
 
   const CloseBy closings[] = {CloseBy::buttonAtOnce, CloseBy::buttonAfterLoad,
                               CloseBy::pageAfterLoad};
-  for (int i = 0; i < kCycles; ++i) {
+  // One broken cycle says enough; the census below runs all the same.
+  for (std::size_t i = 0; i < kCycles && !HasFailure(); ++i) {
     const CloseBy closeBy = closings[i % 3];
     if (i % 2 == 0) {
       EXPECT_EQ((cycle<VembaInterstitialAd, VembaInterstitialAdDelegate>(i, closeBy)),
@@ -230,10 +231,9 @@ TEST_F(AdCyclesTest, TwentyShowCloseCyclesLeaveNoWebViewScreenOrWebProcessBehind
                 (Strings{"adDidLoad", "adDidShow", "adDidEarnReward", "adDidDismiss"}))
           << "cycle " << i;
     }
-    if (HasFailure()) {
-      break;  // one broken cycle says enough; the census below still runs
-    }
   }
+
+  const bool allCyclesRan = !HasFailure();
 
   // Web processes end asynchronously: wait (bounded) for everything to be released.
   pumpUntil(
@@ -247,9 +247,10 @@ TEST_F(AdCyclesTest, TwentyShowCloseCyclesLeaveNoWebViewScreenOrWebProcessBehind
   EXPECT_EQ(linux_platform::liveScreenCount(), screensBefore);
   EXPECT_EQ(screen_->presentedScreen(), nullptr);
   EXPECT_EQ(webProcessesOf(getpid()), 0U);
-  // Each show was billed once.
-  EXPECT_EQ(exchange_->waitForLog("billing", kCycles, 5s).size(),
-            static_cast<std::size_t>(kCycles));
+  if (allCyclesRan) {
+    // Each show was billed once.
+    EXPECT_EQ(exchange_->waitForLog("billing", kCycles, 5s).size(), std::size_t{kCycles});
+  }
 }
 
 }  // namespace
