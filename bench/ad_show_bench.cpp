@@ -111,12 +111,16 @@ class LoadWatch {
 
   bool finished() const { return finished_; }
   Clock::time_point at() const { return at_; }
+  // When the load that finished was committed (its first response bytes reached the page).
+  Clock::time_point committedAt() const { return committedAt_; }
 
  private:
   static void onChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer data) {
     auto* self = static_cast<LoadWatch*>(data);
     if (event == WEBKIT_LOAD_STARTED) {
       self->attemptFailed_ = false;
+    } else if (event == WEBKIT_LOAD_COMMITTED) {
+      self->committedAt_ = Clock::now();
     } else if (event == WEBKIT_LOAD_FINISHED && !self->attemptFailed_ && !self->finished_) {
       const char* uri = webkit_web_view_get_uri(view);
       if (uri != nullptr && self->uri_ == uri) {
@@ -143,6 +147,7 @@ class LoadWatch {
   bool attemptFailed_ = false;
   bool finished_ = false;
   Clock::time_point at_;
+  Clock::time_point committedAt_;
 };
 
 class Delegate final : public vemba::VembaInterstitialAdDelegate {
@@ -165,9 +170,11 @@ class Delegate final : public vemba::VembaInterstitialAdDelegate {
   void adDidClick(vemba::VembaInterstitialAd&) override {}
 };
 
-struct ShowTiming {
-  double toLoaded = 0;  // ms from show() to the page's load finished
-  double toShown = 0;   // ms from show() to adDidShow
+// Milliseconds from the start (show(), or the bare view's creation) to each point.
+struct Timing {
+  double toCommitted = 0;  // the page's load committed
+  double toLoaded = 0;     // the page's load finished
+  double toShown = 0;      // adDidShow (shows only)
 };
 
 class Bench {
@@ -177,7 +184,7 @@ class Bench {
 
   // One interstitial loaded, shown from the window until its page has loaded and adDidShow has
   // come (timed from show()), then closed with its close button until adDidDismiss.
-  ShowTiming showAndClose() {
+  Timing showAndClose() {
     auto delegate = std::make_shared<Delegate>();
     auto ad = vemba::VembaInterstitialAd::create("bench-show-unit");
     ad->setDelegate(delegate);
@@ -194,8 +201,9 @@ class Bench {
     LoadWatch watch(WEBKIT_WEB_VIEW(vemba::linux_platform::gtkWidgetOf(*webView)), pageUri_);
     require(pumpUntil([&] { return watch.finished() && delegate->shown; }, kStepDeadline),
             "the ad page did not load");
-    const ShowTiming timing{Millis(watch.at() - start).count(),
-                            Millis(delegate->shownAt - start).count()};
+    const Timing timing{Millis(watch.committedAt() - start).count(),
+                        Millis(watch.at() - start).count(),
+                        Millis(delegate->shownAt - start).count()};
 
     const std::shared_ptr<vemba::platform::View> button = adSubview(1);
     require(button != nullptr, "the ad's screen has no close button");
@@ -208,7 +216,7 @@ class Bench {
   // sets that touches loading (the default network session, inline media, a content manager
   // with the "vemba" channel, a request that skips the local cache), timed from the view's
   // creation to its load finished. The view and its web process are gone when this returns.
-  double bareLoad() {
+  Timing bareLoad() {
     const Clock::time_point start = Clock::now();
     WebKitSettings* settings = webkit_settings_new();
     webkit_settings_set_media_playback_allows_inline(settings, TRUE);
@@ -224,7 +232,7 @@ class Bench {
     require(GTK_IS_OVERLAY(overlay), "the window has no overlay (show an ad first)");
     gtk_overlay_add_overlay(GTK_OVERLAY(overlay), GTK_WIDGET(view));
 
-    double elapsed = 0;
+    Timing timing;
     {
       LoadWatch watch(view, pageUri_);
       WebKitURIRequest* request = webkit_uri_request_new(pageUri_.c_str());
@@ -234,23 +242,27 @@ class Bench {
       webkit_web_view_load_request(view, request);
       g_object_unref(request);
       require(pumpUntil([&] { return watch.finished(); }, kStepDeadline), "bare load failed");
-      elapsed = Millis(watch.at() - start).count();
+      timing.toCommitted = Millis(watch.committedAt() - start).count();
+      timing.toLoaded = Millis(watch.at() - start).count();
     }
     gtk_overlay_remove_overlay(GTK_OVERLAY(overlay), GTK_WIDGET(view));
     webkit_web_view_terminate_web_process(view);
     g_object_unref(view);
-    return elapsed;
+    return timing;
   }
 
   // Lets everything released by the last dismissal go (web processes end asynchronously).
-  void settle() const {
-    pumpUntil(
+  // Counts the waits that ran out.
+  void settle() {
+    const bool settled = pumpUntil(
         [] {
           return vemba::linux_platform::liveWebViewCount() == 0 &&
                  vemba::testing::webProcessesOf(getpid()) == 0;
         },
         kSettleDeadline);
+    unsettled_ += settled ? 0 : 1;
   }
+  int unsettled() const { return unsettled_; }
 
  private:
   std::shared_ptr<vemba::platform::View> adSubview(std::size_t index) const {
@@ -265,6 +277,7 @@ class Bench {
   GtkWindow* window_;
   std::shared_ptr<vemba::platform::Screen> screen_;
   std::string pageUri_;
+  int unsettled_ = 0;
 };
 
 void printRow(const char* name, const std::vector<double>& values) {
@@ -315,28 +328,37 @@ int main(int argc, char** argv) {
     }
 
     std::vector<double> library;
-    std::vector<double> bare;
+    std::vector<double> libraryCommitted;
     std::vector<double> shown;
+    std::vector<double> bare;
+    std::vector<double> bareCommitted;
+    const auto runBare = [&] {
+      const Timing timing = bench.bareLoad();
+      bare.push_back(timing.toLoaded);
+      bareCommitted.push_back(timing.toCommitted);
+      bench.settle();
+    };
     for (int i = 0; i < pairs; ++i) {
       // Alternate which goes first so neither always follows the other.
       const bool libraryFirst = i % 2 == 0;
       if (!libraryFirst) {
-        bare.push_back(bench.bareLoad());
-        bench.settle();
+        runBare();
       }
-      const ShowTiming timing = bench.showAndClose();
+      const Timing timing = bench.showAndClose();
       library.push_back(timing.toLoaded);
+      libraryCommitted.push_back(timing.toCommitted);
       shown.push_back(timing.toShown);
       bench.settle();
       if (libraryFirst) {
-        bare.push_back(bench.bareLoad());
-        bench.settle();
+        runBare();
       }
     }
     std::printf("show() vs a bare WebKitWebView load of the same page, %d pairs\n", pairs);
     std::printf("%-34s %9s %9s %9s\n", "", "median ms", "p10 ms", "p90 ms");
     printRow("show() -> ad page loaded", library);
     printRow("bare new view -> page loaded", bare);
+    printRow("show() -> ad page committed", libraryCommitted);
+    printRow("bare new view -> page committed", bareCommitted);
     printRow("show() -> adDidShow", shown);
     std::printf("ratio of medians (show -> loaded / bare): %.3f (target <= 1.10)\n",
                 median(library) / median(bare));
