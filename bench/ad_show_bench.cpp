@@ -10,6 +10,7 @@
 // xvfb-run -a, and the exchange origin of the build to be 127.0.0.1:18443; starts and stops its
 // own local exchange; the web views' data and caches go to a temporary folder removed at the end)
 #include <gtk/gtk.h>
+#include <sys/types.h>
 #include <unistd.h>
 #include <webkit/webkit.h>
 
@@ -68,9 +69,9 @@ void require(bool condition, const char* what) {
   }
 }
 
-// VmRSS of this process, in KiB.
-long residentKiB() {
-  std::ifstream status("/proc/self/status");
+// VmRSS of a process (this one by default), in KiB.
+long residentKiB(const std::string& process = "self") {
+  std::ifstream status("/proc/" + process + "/status");
   std::string line;
   while (std::getline(status, line)) {
     if (line.rfind("VmRSS:", 0) == 0) {
@@ -216,18 +217,14 @@ class Bench {
   // sets that touches loading (the default network session, inline media, a content manager
   // with the "vemba" channel, a request that skips the local cache), timed from the view's
   // creation to its load finished. The view and its web process are gone when this returns.
-  Timing bareLoad() {
+  Timing bareLoad() { return bareLoad(nullptr); }
+
+  // The same, but the new view shares the web process of `related` (already running) instead of
+  // starting one: what a process kept warm ahead of time would give a show. The shared process
+  // stays when the view goes.
+  Timing bareLoad(WebKitWebView* related) {
     const Clock::time_point start = Clock::now();
-    WebKitSettings* settings = webkit_settings_new();
-    webkit_settings_set_media_playback_allows_inline(settings, TRUE);
-    WebKitUserContentManager* manager = webkit_user_content_manager_new();
-    webkit_user_content_manager_register_script_message_handler(manager, "vemba", nullptr);
-    auto* view = WEBKIT_WEB_VIEW(
-        g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", webkit_network_session_get_default(),
-                     "user-content-manager", manager, "settings", settings, nullptr));
-    g_object_ref_sink(view);
-    g_object_unref(settings);
-    g_object_unref(manager);
+    WebKitWebView* view = newBareView(related);
     GtkWidget* overlay = gtk_window_get_child(window_);
     require(GTK_IS_OVERLAY(overlay), "the window has no overlay (show an ad first)");
     gtk_overlay_add_overlay(GTK_OVERLAY(overlay), GTK_WIDGET(view));
@@ -246,18 +243,35 @@ class Bench {
       timing.toLoaded = Millis(watch.at() - start).count();
     }
     gtk_overlay_remove_overlay(GTK_OVERLAY(overlay), GTK_WIDGET(view));
-    webkit_web_view_terminate_web_process(view);
+    if (related == nullptr) {
+      webkit_web_view_terminate_web_process(view);
+    }
     g_object_unref(view);
     return timing;
   }
 
+  // A view that is never shown, with its web process started (an empty document loaded).
+  WebKitWebView* warmView() {
+    WebKitWebView* view = newBareView(nullptr);
+    bool loaded = false;
+    const gulong handler = g_signal_connect(
+        view, "load-changed", G_CALLBACK(+[](WebKitWebView*, WebKitLoadEvent event, gpointer flag) {
+          *static_cast<bool*>(flag) = *static_cast<bool*>(flag) || event == WEBKIT_LOAD_FINISHED;
+        }),
+        &loaded);
+    webkit_web_view_load_html(view, "<!DOCTYPE html><title>warm</title>", nullptr);
+    require(pumpUntil([&] { return loaded; }, kStepDeadline), "the warm view did not load");
+    g_signal_handler_disconnect(view, handler);
+    return view;
+  }
+
   // Lets everything released by the last dismissal go (web processes end asynchronously).
   // Counts the waits that ran out.
-  void settle() {
+  void settle(std::size_t webProcessesKept = 0) {
     const bool settled = pumpUntil(
-        [] {
+        [webProcessesKept] {
           return vemba::linux_platform::liveWebViewCount() == 0 &&
-                 vemba::testing::webProcessesOf(getpid()) == 0;
+                 vemba::testing::webProcessesOf(getpid()) == webProcessesKept;
         },
         kSettleDeadline);
     unsettled_ += settled ? 0 : 1;
@@ -265,6 +279,26 @@ class Bench {
   int unsettled() const { return unsettled_; }
 
  private:
+  // A WebKitWebView with what the ad's view sets that touches loading: the default network
+  // session, inline media, a content manager with the "vemba" channel.
+  static WebKitWebView* newBareView(WebKitWebView* related) {
+    WebKitSettings* settings = webkit_settings_new();
+    webkit_settings_set_media_playback_allows_inline(settings, TRUE);
+    WebKitUserContentManager* manager = webkit_user_content_manager_new();
+    webkit_user_content_manager_register_script_message_handler(manager, "vemba", nullptr);
+    auto* view = WEBKIT_WEB_VIEW(
+        related != nullptr
+            ? g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", related, "user-content-manager",
+                           manager, "settings", settings, nullptr)
+            : g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session",
+                           webkit_network_session_get_default(), "user-content-manager", manager,
+                           "settings", settings, nullptr));
+    g_object_ref_sink(view);
+    g_object_unref(settings);
+    g_object_unref(manager);
+    return view;
+  }
+
   std::shared_ptr<vemba::platform::View> adSubview(std::size_t index) const {
     const std::shared_ptr<vemba::platform::Screen> ad = screen_->presentedScreen();
     if (!ad || !ad->isViewLoaded()) {
@@ -362,6 +396,33 @@ int main(int argc, char** argv) {
     printRow("show() -> adDidShow", shown);
     std::printf("ratio of medians (show -> loaded / bare): %.3f (target <= 1.10)\n",
                 median(library) / median(bare));
+
+    // A web process kept warm (a hidden view), and new views that share it, beside new views
+    // that start their own; interleaved in the same way.
+    const long uiBeforeWarm = residentKiB();
+    WebKitWebView* warm = bench.warmView();
+    bench.settle(1);
+    long warmProcessKiB = 0;
+    for (const pid_t pid : vemba::testing::webProcessIdsOf(getpid())) {
+      warmProcessKiB += residentKiB(std::to_string(pid));
+    }
+    const long uiWithWarm = residentKiB();
+    std::vector<double> cold;
+    std::vector<double> shared;
+    for (int i = 0; i < pairs; ++i) {
+      for (const bool share : {i % 2 == 0, i % 2 != 0}) {
+        (share ? shared : cold).push_back(bench.bareLoad(share ? warm : nullptr).toLoaded);
+        bench.settle(1);
+      }
+    }
+    webkit_web_view_terminate_web_process(warm);
+    g_object_unref(warm);
+    bench.settle();
+    std::printf("a web process kept warm ahead of time, %d pairs\n", pairs);
+    printRow("bare new view -> page loaded", cold);
+    printRow("bare view sharing it -> page loaded", shared);
+    std::printf("its cost: web process VmRSS %ld KiB, this process %+ld KiB\n", warmProcessKiB,
+                uiWithWarm - uiBeforeWarm);
 
     long rssEarly = 0;
     for (int i = 1; i <= cycles; ++i) {

@@ -12,6 +12,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace vemba::testing {
 
@@ -56,7 +57,7 @@ inline std::map<pid_t, ProcessEntry> readProcessTable() {
 // The WebKit web processes among the descendants of `root` (children, grandchildren through
 // WebKit's sandbox launcher, ...), zombies included: a web process nobody reaped is left behind
 // too.
-inline std::size_t webProcessesOf(pid_t root) {
+inline std::vector<pid_t> webProcessIdsOf(pid_t root) {
   const std::map<pid_t, ProcessEntry> table = readProcessTable();
   std::set<pid_t> below{root};
   // Parents may have larger PIDs than their children, so sweep until nothing new is found.
@@ -68,12 +69,18 @@ inline std::size_t webProcessesOf(pid_t root) {
       }
     }
   }
-  std::size_t count = 0;
+  std::vector<pid_t> found;
   for (const pid_t pid : below) {
-    const auto found = table.find(pid);
-    count += found != table.end() && found->second.comm == kWebProcessComm ? 1U : 0U;
+    const auto entry = table.find(pid);
+    if (entry != table.end() && entry->second.comm == kWebProcessComm) {
+      found.push_back(pid);
+    }
   }
-  return count;
+  return found;
+}
+
+inline std::size_t webProcessesOf(pid_t root) {
+  return webProcessIdsOf(root).size();
 }
 
 }  // namespace vemba::testing
