@@ -26,6 +26,16 @@
 #include "vemba/Vemba.h"
 #include "vemba/linux/Screens.h"
 
+#if defined(VEMBA_CYCLES_UNDER_SANITIZERS)
+// Under AddressSanitizer, leak checking is off: each run that starts GTK leaks a few bytes from a
+// GL driver module unloaded before the check, which no suppression can name. What this test looks
+// for is counted below instead.
+extern "C" const char* __asan_default_options();
+extern "C" const char* __asan_default_options() {
+  return "detect_leaks=0";
+}
+#endif
+
 namespace vemba::testing {
 namespace {
 
@@ -96,6 +106,10 @@ class AdCyclesTest : public ::testing::Test {
       return;
     }
     setenv("GTK_A11Y", "none", 0);
+#if defined(VEMBA_CYCLES_UNDER_SANITIZERS)
+    // GSK draws with cairo: the GL driver is not instrumented (see tests/gui/CMakeLists.txt).
+    setenv("GDK_DEBUG", "gl-disable", 0);
+#endif
     // The ad views use the default network session, as a host's do: it trusts the exchange's
     // certificate once for all of them. What it stores goes to a folder of the test's own
     // (set before GLib first reads these variables).
@@ -120,7 +134,7 @@ class AdCyclesTest : public ::testing::Test {
 
   void SetUp() override {
     if (exchange_ == nullptr || platform::ui() == nullptr) {
-      GTEST_SKIP() << "needs a display (the test command runs under xvfb-run)";
+      GTEST_SKIP() << "needs a display (the test command runs under xvfb-run) and the exchange";
     }
     window_ = GTK_WINDOW(gtk_window_new());
     gtk_window_set_default_size(window_, 900, 760);
@@ -129,12 +143,12 @@ class AdCyclesTest : public ::testing::Test {
     screen_ = screenForWindow(window_);
     // The library's own lines (page loads, failures, retries, messages), shown when a cycle fails.
     VembaLogger::setDevelopmentSink(
-        [this](std::string_view line) { libraryLog_.emplace_back(line); });
+        [log = libraryLog_](std::string_view line) { log->emplace_back(line); });
   }
   void TearDown() override {
     VembaLogger::setDevelopmentSink(nullptr);
     if (HasFailure()) {
-      for (const std::string& line : libraryLog_) {
+      for (const std::string& line : *libraryLog_) {
         std::fprintf(stderr, "library: %s\n", line.c_str());
       }
     }
@@ -208,7 +222,7 @@ class AdCyclesTest : public ::testing::Test {
   static inline std::string home_;
   GtkWindow* window_ = nullptr;
   std::shared_ptr<platform::Screen> screen_;
-  Strings libraryLog_;
+  std::shared_ptr<Strings> libraryLog_ = std::make_shared<Strings>();
 };
 
 TEST_F(AdCyclesTest, TwentyShowCloseCyclesLeaveNoWebViewScreenOrWebProcessBehind) {
