@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "LiveObjects.h"
 #include "platform/Screen.h"
 #include "platform/View.h"
 
@@ -127,6 +128,8 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
   GtkWidget* backdrop_ = nullptr;
   GtkWidget* escapeWindow_ = nullptr;  // the window holding escapeController_
   void* escapeController_ = nullptr;
+
+  LiveCounter<GtkScreen> counted_;
 };
 
 }  // namespace vemba::linux_platform

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "GtkViewBase.h"
+#include "LiveObjects.h"
 #include "WebViewDriver.h"
 #include "platform/WebView.h"
 
@@ -58,6 +59,7 @@ class GtkWebView final : public GtkViewBase<platform::WebView> {
   explicit GtkWebView(std::shared_ptr<WebViewDriver> driver);
 
   std::shared_ptr<WebViewDriver> driver_;
+  LiveCounter<GtkWebView> counted_;
 };
 
 }  // namespace vemba::linux_platform

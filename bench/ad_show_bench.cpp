@@ -1,0 +1,459 @@
+// Showing an ad on the real Linux backend (GTK 4 + WebKitGTK), against the local exchange:
+// 1. show() until the ad page has finished loading, beside a bare WebKitGTK load of the same page
+//    URL in a new WebKitWebView in the same window, alternated and interleaved in one run;
+// 2. show() until adDidShow;
+// 3. many show/close cycles: the process's resident memory after cycle 10 and after the last one,
+//    and the web views and web processes left at the end.
+// It prints medians and the ratios of one run; nothing is asserted.
+//
+// usage: vemba_ad_show_bench [PAIRS] [CYCLES]   (defaults 30 and 100; needs a display, e.g.
+// xvfb-run -a, and the exchange origin of the build to be 127.0.0.1:18443; starts and stops its
+// own local exchange; the web views' data and caches go to a temporary folder removed at the end)
+#include <gtk/gtk.h>
+#include <sys/types.h>
+#include <unistd.h>
+#include <webkit/webkit.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "LiveObjects.h"
+#include "LocalExchange.h"
+#include "ProcessTree.h"
+#include "platform/Screen.h"
+#include "platform/Services.h"
+#include "platform/View.h"
+#include "platform/WebView.h"
+#include "ui/GtkViewBase.h"
+#include "vemba/Vemba.h"
+#include "vemba/linux/Screens.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Millis = std::chrono::duration<double, std::milli>;
+using namespace std::chrono_literals;
+
+constexpr int kExchangePort = 18443;
+constexpr int kWarmupPairs = 3;
+constexpr int kRssEarlyCycle = 10;
+constexpr auto kStepDeadline = 30s;
+constexpr auto kSettleDeadline = 15s;
+constexpr guint kPollMillis = 5;
+
+bool pumpUntil(const std::function<bool()>& done, std::chrono::milliseconds deadline) {
+  const guint tick = g_timeout_add(
+      kPollMillis, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+  const Clock::time_point end = Clock::now() + deadline;
+  bool held = done();
+  while (!held && Clock::now() < end) {
+    g_main_context_iteration(nullptr, TRUE);
+    held = done();
+  }
+  g_source_remove(tick);
+  return held;
+}
+
+void require(bool condition, const char* what) {
+  if (!condition) {
+    std::fprintf(stderr, "ad_show_bench: %s\n", what);
+    std::exit(1);
+  }
+}
+
+// VmRSS of a process (this one by default), in KiB.
+long residentKiB(const std::string& process = "self") {
+  std::ifstream status("/proc/" + process + "/status");
+  std::string line;
+  while (std::getline(status, line)) {
+    if (line.rfind("VmRSS:", 0) == 0) {
+      return std::atol(line.c_str() + 6);
+    }
+  }
+  return -1;
+}
+
+double median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  const std::size_t n = values.size();
+  return n % 2 == 1 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
+}
+
+double percentile(std::vector<double> values, double p) {
+  std::sort(values.begin(), values.end());
+  return values[static_cast<std::size_t>(p * static_cast<double>(values.size() - 1))];
+}
+
+// Watches one WebKitWebView until a load of `uri` finishes without failing. A load refused for
+// its certificate (then reissued by the backend once the certificate is trusted) does not count.
+class LoadWatch {
+ public:
+  LoadWatch(WebKitWebView* view, std::string uri) : view_(view), uri_(std::move(uri)) {
+    changed_ = g_signal_connect(view_, "load-changed", G_CALLBACK(onChanged), this);
+    failed_ = g_signal_connect(view_, "load-failed", G_CALLBACK(onFailed), this);
+    tlsFailed_ =
+        g_signal_connect(view_, "load-failed-with-tls-errors", G_CALLBACK(onTlsFailed), this);
+  }
+  ~LoadWatch() {
+    g_signal_handler_disconnect(view_, changed_);
+    g_signal_handler_disconnect(view_, failed_);
+    g_signal_handler_disconnect(view_, tlsFailed_);
+  }
+  LoadWatch(const LoadWatch&) = delete;
+  LoadWatch& operator=(const LoadWatch&) = delete;
+
+  bool finished() const { return finished_; }
+  Clock::time_point at() const { return at_; }
+  // When the load that finished was committed (its first response bytes reached the page).
+  Clock::time_point committedAt() const { return committedAt_; }
+
+ private:
+  static void onChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer data) {
+    auto* self = static_cast<LoadWatch*>(data);
+    if (event == WEBKIT_LOAD_STARTED) {
+      self->attemptFailed_ = false;
+    } else if (event == WEBKIT_LOAD_COMMITTED) {
+      self->committedAt_ = Clock::now();
+    } else if (event == WEBKIT_LOAD_FINISHED && !self->attemptFailed_ && !self->finished_) {
+      const char* uri = webkit_web_view_get_uri(view);
+      if (uri != nullptr && self->uri_ == uri) {
+        self->finished_ = true;
+        self->at_ = Clock::now();
+      }
+    }
+  }
+  static gboolean onFailed(WebKitWebView*, WebKitLoadEvent, char*, GError*, gpointer data) {
+    static_cast<LoadWatch*>(data)->attemptFailed_ = true;
+    return FALSE;
+  }
+  static gboolean onTlsFailed(WebKitWebView*, char*, GTlsCertificate*, GTlsCertificateFlags,
+                              gpointer data) {
+    static_cast<LoadWatch*>(data)->attemptFailed_ = true;
+    return FALSE;
+  }
+
+  WebKitWebView* view_;
+  std::string uri_;
+  gulong changed_ = 0;
+  gulong failed_ = 0;
+  gulong tlsFailed_ = 0;
+  bool attemptFailed_ = false;
+  bool finished_ = false;
+  Clock::time_point at_;
+  Clock::time_point committedAt_;
+};
+
+class Delegate final : public vemba::VembaInterstitialAdDelegate {
+ public:
+  bool loaded = false;
+  bool failed = false;
+  bool shown = false;
+  bool dismissed = false;
+  Clock::time_point shownAt;
+  void adDidLoad(vemba::VembaInterstitialAd&) override { loaded = true; }
+  void adDidFailToLoad(vemba::VembaInterstitialAd&, const vemba::Error& error) override {
+    std::fprintf(stderr, "load failed: %s\n", error.description.c_str());
+    failed = true;
+  }
+  void adDidShow(vemba::VembaInterstitialAd&) override {
+    shownAt = Clock::now();
+    shown = true;
+  }
+  void adDidDismiss(vemba::VembaInterstitialAd&) override { dismissed = true; }
+  void adDidClick(vemba::VembaInterstitialAd&) override {}
+};
+
+// Milliseconds from the start (show(), or the bare view's creation) to each point.
+struct Timing {
+  double toCommitted = 0;  // the page's load committed
+  double toLoaded = 0;     // the page's load finished
+  double toShown = 0;      // adDidShow (shows only)
+  double inShow = 0;       // the show() call itself (shows only)
+};
+
+class Bench {
+ public:
+  Bench(GtkWindow* window, std::string pageUri)
+      : window_(window), screen_(vemba::screenForWindow(window)), pageUri_(std::move(pageUri)) {}
+
+  // One interstitial loaded, shown from the window until its page has loaded and adDidShow has
+  // come (timed from show()), then closed with its close button until adDidDismiss.
+  Timing showAndClose() {
+    auto delegate = std::make_shared<Delegate>();
+    auto ad = vemba::VembaInterstitialAd::create("bench-show-unit");
+    ad->setDelegate(delegate);
+    ad->load();
+    require(pumpUntil([&] { return delegate->loaded || delegate->failed; }, kStepDeadline) &&
+                delegate->loaded,
+            "the ad did not load");
+
+    const Clock::time_point start = Clock::now();
+    ad->show(screen_);
+    const Clock::time_point returned = Clock::now();
+    // The ad's screen loads its view, and so starts the page load, inside show().
+    const std::shared_ptr<vemba::platform::View> webView = adSubview(0);
+    require(webView != nullptr, "the ad's screen has no web view");
+    LoadWatch watch(WEBKIT_WEB_VIEW(vemba::linux_platform::gtkWidgetOf(*webView)), pageUri_);
+    require(pumpUntil([&] { return watch.finished() && delegate->shown; }, kStepDeadline),
+            "the ad page did not load");
+    const Timing timing{
+        Millis(watch.committedAt() - start).count(), Millis(watch.at() - start).count(),
+        Millis(delegate->shownAt - start).count(), Millis(returned - start).count()};
+
+    const std::shared_ptr<vemba::platform::View> button = adSubview(1);
+    require(button != nullptr, "the ad's screen has no close button");
+    gtk_widget_activate(vemba::linux_platform::gtkWidgetOf(*button));
+    require(pumpUntil([&] { return delegate->dismissed; }, kStepDeadline), "not dismissed");
+    return timing;
+  }
+
+  // The same page in a new WebKitWebView over the window's content, with what the ad's view
+  // sets that touches loading (the default network session, inline media, a content manager
+  // with the "vemba" channel, a request that skips the local cache), timed from the view's
+  // creation to its load finished. The view and its web process are gone when this returns.
+  Timing bareLoad() { return bareLoad(nullptr); }
+
+  // The same, but the new view shares the web process of `related` (already running) instead of
+  // starting one: what a process kept warm ahead of time would give a show. The shared process
+  // stays when the view goes.
+  Timing bareLoad(WebKitWebView* related) {
+    const Clock::time_point start = Clock::now();
+    WebKitWebView* view = newBareView(related);
+    GtkWidget* overlay = gtk_window_get_child(window_);
+    require(GTK_IS_OVERLAY(overlay), "the window has no overlay (show an ad first)");
+    gtk_overlay_add_overlay(GTK_OVERLAY(overlay), GTK_WIDGET(view));
+
+    Timing timing;
+    {
+      LoadWatch watch(view, pageUri_);
+      WebKitURIRequest* request = webkit_uri_request_new(pageUri_.c_str());
+      SoupMessageHeaders* headers = webkit_uri_request_get_http_headers(request);
+      soup_message_headers_replace(headers, "Cache-Control", "no-cache");
+      soup_message_headers_replace(headers, "Pragma", "no-cache");
+      webkit_web_view_load_request(view, request);
+      g_object_unref(request);
+      require(pumpUntil([&] { return watch.finished(); }, kStepDeadline), "bare load failed");
+      timing.toCommitted = Millis(watch.committedAt() - start).count();
+      timing.toLoaded = Millis(watch.at() - start).count();
+    }
+    gtk_overlay_remove_overlay(GTK_OVERLAY(overlay), GTK_WIDGET(view));
+    if (related == nullptr) {
+      webkit_web_view_terminate_web_process(view);
+    }
+    g_object_unref(view);
+    return timing;
+  }
+
+  // A view that is never shown, with its web process started (an empty document loaded).
+  WebKitWebView* warmView() {
+    WebKitWebView* view = newBareView(nullptr);
+    bool loaded = false;
+    const gulong handler = g_signal_connect(
+        view, "load-changed", G_CALLBACK(+[](WebKitWebView*, WebKitLoadEvent event, gpointer flag) {
+          *static_cast<bool*>(flag) = *static_cast<bool*>(flag) || event == WEBKIT_LOAD_FINISHED;
+        }),
+        &loaded);
+    webkit_web_view_load_html(view, "<!DOCTYPE html><title>warm</title>", nullptr);
+    require(pumpUntil([&] { return loaded; }, kStepDeadline), "the warm view did not load");
+    g_signal_handler_disconnect(view, handler);
+    return view;
+  }
+
+  // Lets everything released by the last dismissal go (web processes end asynchronously).
+  // Counts the waits that ran out.
+  void settle(std::size_t webProcessesKept = 0) {
+    const bool settled = pumpUntil(
+        [webProcessesKept] {
+          return vemba::linux_platform::liveWebViewCount() == 0 &&
+                 vemba::testing::webProcessesOf(getpid()) == webProcessesKept;
+        },
+        kSettleDeadline);
+    unsettled_ += settled ? 0 : 1;
+  }
+  int unsettled() const { return unsettled_; }
+
+ private:
+  // A WebKitWebView with what the ad's view sets that touches loading: the default network
+  // session, inline media, a content manager with the "vemba" channel.
+  static WebKitWebView* newBareView(WebKitWebView* related) {
+    WebKitSettings* settings = webkit_settings_new();
+    webkit_settings_set_media_playback_allows_inline(settings, TRUE);
+    WebKitUserContentManager* manager = webkit_user_content_manager_new();
+    webkit_user_content_manager_register_script_message_handler(manager, "vemba", nullptr);
+    auto* view = WEBKIT_WEB_VIEW(
+        related != nullptr
+            ? g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", related, "user-content-manager",
+                           manager, "settings", settings, nullptr)
+            : g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session",
+                           webkit_network_session_get_default(), "user-content-manager", manager,
+                           "settings", settings, nullptr));
+    g_object_ref_sink(view);
+    g_object_unref(settings);
+    g_object_unref(manager);
+    return view;
+  }
+
+  std::shared_ptr<vemba::platform::View> adSubview(std::size_t index) const {
+    const std::shared_ptr<vemba::platform::Screen> ad = screen_->presentedScreen();
+    if (!ad || !ad->isViewLoaded()) {
+      return nullptr;
+    }
+    const auto subviews = ad->view().subviews();
+    return index < subviews.size() ? subviews[index] : nullptr;
+  }
+
+  GtkWindow* window_;
+  std::shared_ptr<vemba::platform::Screen> screen_;
+  std::string pageUri_;
+  int unsettled_ = 0;
+};
+
+void printRow(const char* name, const std::vector<double>& values) {
+  std::printf("%-34s %9.1f %9.1f %9.1f\n", name, median(values), percentile(values, 0.1),
+              percentile(values, 0.9));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int pairs = argc > 1 ? std::atoi(argv[1]) : 30;
+  const int cycles = argc > 2 ? std::atoi(argv[2]) : 100;
+  require(pairs > 0 && cycles > kRssEarlyCycle, "usage: vemba_ad_show_bench [PAIRS] [CYCLES>10]");
+
+  // The default network session keeps cookies and caches under these: a folder of our own.
+  std::string home = (std::filesystem::temp_directory_path() / "vemba-show-bench-XXXXXX").string();
+  require(mkdtemp(home.data()) != nullptr, "no temporary folder");
+  setenv("XDG_DATA_HOME", (home + "/data").c_str(), 1);
+  setenv("XDG_CACHE_HOME", (home + "/cache").c_str(), 1);
+  setenv("GTK_A11Y", "none", 0);
+  for (const char* name :
+       {"http_proxy", "https_proxy", "all_proxy", "HTTP_PROXY", "HTTPS_PROXY", "ALL_PROXY"}) {
+    unsetenv(name);
+  }
+
+  vemba::exchange::LocalExchange::Options options;
+  options.port = kExchangePort;
+  options.lifetime = 1800s;
+  vemba::exchange::LocalExchange exchange(options);
+  setenv("SSL_CERT_FILE", exchange.caFile().c_str(), 1);
+  require(vemba::platform::ui() != nullptr, "no display (run under xvfb-run -a)");
+  vemba::VembaSDK::shared().initialize(vemba::VembaConfiguration("bench-key", false));
+
+  GtkWindow* window = GTK_WINDOW(gtk_window_new());
+  gtk_window_set_default_size(window, 900, 760);
+  gtk_window_set_child(window, gtk_label_new("Host window"));
+  gtk_window_present(window);
+  {
+    Bench bench(window, exchange.origin() + "/ads/interstitial.html");
+
+    // Warm-up: the first show also trusts the exchange's certificate in the default session,
+    // which the bare views share.
+    for (int i = 0; i < kWarmupPairs; ++i) {
+      bench.showAndClose();
+      bench.settle();
+      bench.bareLoad();
+      bench.settle();
+    }
+
+    std::vector<double> library;
+    std::vector<double> libraryCommitted;
+    std::vector<double> shown;
+    std::vector<double> inShow;
+    std::vector<double> bare;
+    std::vector<double> bareCommitted;
+    const auto runBare = [&] {
+      const Timing timing = bench.bareLoad();
+      bare.push_back(timing.toLoaded);
+      bareCommitted.push_back(timing.toCommitted);
+      bench.settle();
+    };
+    for (int i = 0; i < pairs; ++i) {
+      // Alternate which goes first so neither always follows the other.
+      const bool libraryFirst = i % 2 == 0;
+      if (!libraryFirst) {
+        runBare();
+      }
+      const Timing timing = bench.showAndClose();
+      library.push_back(timing.toLoaded);
+      libraryCommitted.push_back(timing.toCommitted);
+      shown.push_back(timing.toShown);
+      inShow.push_back(timing.inShow);
+      bench.settle();
+      if (libraryFirst) {
+        runBare();
+      }
+    }
+    std::printf("show() vs a bare WebKitWebView load of the same page, %d pairs\n", pairs);
+    std::printf("%-34s %9s %9s %9s\n", "", "median ms", "p10 ms", "p90 ms");
+    printRow("show() -> ad page loaded", library);
+    printRow("bare new view -> page loaded", bare);
+    printRow("show() -> ad page committed", libraryCommitted);
+    printRow("bare new view -> page committed", bareCommitted);
+    printRow("show() -> adDidShow", shown);
+    printRow("the show() call itself", inShow);
+    std::printf("ratio of medians (show -> loaded / bare): %.3f (target <= 1.10)\n",
+                median(library) / median(bare));
+
+    // A web process kept warm (a hidden view), and new views that share it, beside new views
+    // that start their own; interleaved in the same way.
+    const long uiBeforeWarm = residentKiB();
+    WebKitWebView* warm = bench.warmView();
+    bench.settle(1);
+    long warmProcessKiB = 0;
+    for (const pid_t pid : vemba::testing::webProcessIdsOf(getpid())) {
+      warmProcessKiB += residentKiB(std::to_string(pid));
+    }
+    const long uiWithWarm = residentKiB();
+    std::vector<double> cold;
+    std::vector<double> shared;
+    for (int i = 0; i < pairs; ++i) {
+      for (const bool share : {i % 2 == 0, i % 2 != 0}) {
+        (share ? shared : cold).push_back(bench.bareLoad(share ? warm : nullptr).toLoaded);
+        bench.settle(1);
+      }
+    }
+    webkit_web_view_terminate_web_process(warm);
+    g_object_unref(warm);
+    bench.settle();
+    std::printf("a web process kept warm ahead of time, %d pairs\n", pairs);
+    printRow("bare new view -> page loaded", cold);
+    printRow("bare view sharing it -> page loaded", shared);
+    std::printf("its cost: web process VmRSS %ld KiB, this process %+ld KiB\n", warmProcessKiB,
+                uiWithWarm - uiBeforeWarm);
+
+    long rssEarly = 0;
+    for (int i = 1; i <= cycles; ++i) {
+      bench.showAndClose();
+      if (i == kRssEarlyCycle || i == cycles) {
+        bench.settle();
+      }
+      if (i == kRssEarlyCycle) {
+        rssEarly = residentKiB();
+      }
+    }
+    bench.settle();
+    const long rssLate = residentKiB();
+    std::printf(
+        "%d show/close cycles: VmRSS after cycle %d %ld KiB, after cycle %d %ld KiB "
+        "(%+.1f %%, target within 10 %%)\n",
+        cycles, kRssEarlyCycle, rssEarly, cycles, rssLate,
+        100.0 * static_cast<double>(rssLate - rssEarly) / static_cast<double>(rssEarly));
+    std::printf(
+        "at the end: %zu web views alive, %zu screens alive (the window's own is one), "
+        "%zu web processes\n",
+        vemba::linux_platform::liveWebViewCount(), vemba::linux_platform::liveScreenCount(),
+        vemba::testing::webProcessesOf(getpid()));
+  }
+  gtk_window_destroy(window);
+  std::error_code ignored;
+  std::filesystem::remove_all(home, ignored);
+  return 0;
+}
