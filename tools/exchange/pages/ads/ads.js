@@ -70,7 +70,9 @@
     "openURL-unparsable": function () { return [openUrl("not a url <with> spaces")]; },
     "openURL-javascript": function () { return [openUrl("javascript:alert('vemba')")]; },
     "openURL-file": function () { return [openUrl("file:///tmp/vemba-no-such-file.html")]; },
-    "openURL-data": function () { return [openUrl("data:text/html,<b>lumenmoss</b>")]; },
+    "openURL-data": function () {
+      return [openUrl("data:text/html,%3Cb%3Elumenmoss%3C%2Fb%3E")];
+    },
     "openURL-custom": function () { return [openUrl("lumenmoss-app://orders/7")]; },
     "openCheckout-nourl": function () { return [{ action: "openCheckout" }]; },
     "openCheckout-unparsable": function () { return [openCheckout("not a url <with> spaces")]; },
