@@ -4,8 +4,12 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <optional>
+#include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "InspectorRun.h"
@@ -131,6 +135,156 @@ TEST_F(AdShowTest, ARefusedConnectionIsNotRetried) {
   EXPECT_NE(run.errors.find("(Code: -1004)"), std::string::npos) << run.errors;
   EXPECT_EQ(run.errors.find("Retrying"), std::string::npos);
 }
+
+// Hostile and broken ad pages, each shown by vemba-inspect: whatever the page does, the ad shows,
+// the close button (pressed after `closeAfter` seconds) dismisses it promptly, the process exits
+// 0 after adDidDismiss, and the host hears only what the page may make it hear.
+struct HostilePage {
+  const char* name;
+  const char* page;  // under /ads/
+  double closeAfter;
+  Strings trace;  // the host's callbacks and opened URLs, in order
+  std::vector<std::pair<std::string, std::size_t>> logCounts;  // log text -> exact count
+  const char* format = "interstitial";
+  std::size_t minPageRequests = 1;  // requests of the ad's page path, redirects and reloads counted
+  bool closedByPage = false;        // the page's own close comes before the button's
+  std::size_t minOpenedLength = 0;  // of each URL opened outside
+};
+
+void PrintTo(const HostilePage& page, std::ostream* out) {
+  *out << page.name;
+}
+
+std::size_t occurrences(const std::string& text, const std::string& needle) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(needle); at != std::string::npos;
+       at = text.find(needle, at + needle.size())) {
+    ++count;
+  }
+  return count;
+}
+
+const Strings kShownAndClosed{"adDidLoad", "adDidShow", "adDidDismiss"};
+const Strings kClickedAndClosed{"adDidLoad", "adDidShow", "adDidClick", "adDidDismiss"};
+constexpr const char* kReceived = "vemba received message: vemba";
+constexpr const char* kRefused = "not opening a URL whose scheme is not allowed: ";
+
+const HostilePage kHostilePages[] = {
+    // Every malformed or unknown message is ignored, and URLs of schemes the opener refuses are
+    // logged and never opened; the bare "click" at the end still counts.
+    {"Ignored",
+     "interstitial.html?autoDelay=20&auto=dance,Close,dict-empty,dict-noaction,dict-emptyaction,"
+     "dict-numberaction,dict-close,dict-click,dict-unknown,dict-caseaction,openURL-nourl,"
+     "openURL-numberurl,openURL-unparsable,openCheckout-nourl,openCheckout-unparsable,number,"
+     "bool,null,array,openURL-javascript,openURL-file,openURL-data,openURL-custom,click",
+     2,
+     kClickedAndClosed,
+     {{kReceived, 24},
+      {"Presenting Checkout Sheet", 0},
+      {"Opening URL in Safari: ", 4},
+      {std::string(kRefused) + "javascript:", 1},
+      {std::string(kRefused) + "file:", 1},
+      {std::string(kRefused) + "data:", 1},
+      {std::string(kRefused) + "lumenmoss-app:", 1}}},
+    // A 4 MiB string body, then a 4 MiB https URL to open (a URL like any other: opened once,
+    // whole), then a click that must still arrive.
+    {"Huge",
+     "interstitial.html?autoDelay=300&hugeBytes=4194304&auto=huge-string,huge-dict,click",
+     2.5,
+     {"adDidLoad", "adDidShow", "opened", "adDidClick", "adDidDismiss"},
+     {{kReceived, 3}},
+     "interstitial",
+     1,
+     false,
+     4194304},
+    // Five thousand ignored messages in one burst, then a click: all are handled in order.
+    {"Flood",
+     "interstitial.html?autoDelay=300&floodCount=5000&auto=flood,click",
+     2.5,
+     kClickedAndClosed,
+     {{kReceived, 5001}}},
+    // Three thousand "close" messages in one burst: one reward, one dismissal. (Those still
+    // arriving once the ad is dismissed go unlogged: the run ends at adDidDismiss.)
+    {"FloodOfCloses",
+     "rewarded.html?autoDelay=300&floodCount=3000&auto=flood-close",
+     2.5,
+     {"adDidLoad", "adDidShow", "adDidEarnReward", "adDidDismiss"},
+     {},
+     "rewarded",
+     1,
+     true},
+    // Endless navigation by script (replace, reload) and by HTTP (a redirect to itself).
+    {"EndlessScriptNavigation",
+     "interstitial.html?autoDelay=30&auto=navigate",
+     2,
+     kShownAndClosed,
+     {},
+     "interstitial",
+     5},
+    {"EndlessReload",
+     "interstitial.html?autoDelay=30&auto=reload",
+     2,
+     kShownAndClosed,
+     {},
+     "interstitial",
+     5},
+    {"EndlessRedirect",
+     "redirect-loop/interstitial.html",
+     2,
+     kShownAndClosed,
+     {{"Retrying", 0}},
+     "interstitial",
+     5},
+    // A page that never answers: the close button works while it loads.
+    {"NeverLoads", "never/interstitial.html", 1.5, kShownAndClosed, {{"Retrying", 0}}},
+};
+
+class AdShowHostilePageTest : public AdShowTest,
+                              public ::testing::WithParamInterface<HostilePage> {};
+
+TEST_P(AdShowHostilePageTest, ShowsClosesAndTellsTheHostOnlyWhatItMay) {
+  const HostilePage& hostile = GetParam();
+  const std::string unit = std::string("itest-hostile-") + hostile.name;
+  using Clock = std::chrono::steady_clock;
+  std::optional<Clock::time_point> shown;
+  std::optional<Clock::time_point> dismissed;
+  exchange_->setBehaviour(unit, "bid", {{"page", hostile.page}});
+  const InspectorRun run =
+      runInspector(VEMBA_INSPECT_BINARY,
+                   {"show", "--ad-unit", unit, "--format", hostile.format, "--close-after",
+                    std::to_string(hostile.closeAfter), "--timeout", "30"},
+                   45s, [&](const nlohmann::json& line) {
+                     if (line.contains("callback") && line["callback"] == "adDidShow") {
+                       shown = Clock::now();
+                     } else if (line.contains("callback") && line["callback"] == "adDidDismiss") {
+                       dismissed = Clock::now();
+                     }
+                   });
+
+  EXPECT_EQ(run.exitCode, 0) << run.errors.substr(0, 2000);
+  EXPECT_EQ(run.trace(), hostile.trace) << run.errors.substr(0, 2000);
+  ASSERT_TRUE(shown && dismissed);
+  // The close button's press (or the page's close) was handled promptly: the main loop turned.
+  const double closedAfter = std::chrono::duration<double>(*dismissed - *shown).count();
+  EXPECT_LT(closedAfter, hostile.closedByPage ? hostile.closeAfter : hostile.closeAfter + 2.0);
+  for (const auto& [text, count] : hostile.logCounts) {
+    EXPECT_EQ(occurrences(run.errors, text), count) << text;
+  }
+  const std::string pagePath =
+      "/ads/" + std::string(hostile.page).substr(0, std::string(hostile.page).find('?'));
+  EXPECT_GE(requestsFor(pagePath), hostile.minPageRequests) << run.errors.substr(0, 2000);
+  // Whatever was opened outside is the page's own https landing page, never another scheme.
+  for (const nlohmann::json& line : run.lines) {
+    if (line.contains("opened")) {
+      const std::string& url = line["opened"].get_ref<const std::string&>();
+      EXPECT_EQ(url.rfind(exchange_->origin() + "/landing/", 0), 0U);
+      EXPECT_GE(url.size(), hostile.minOpenedLength);
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Pages, AdShowHostilePageTest, ::testing::ValuesIn(kHostilePages),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
 }  // namespace vemba::testing

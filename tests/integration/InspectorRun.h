@@ -103,15 +103,22 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
     if (poll(&fd, 1, static_cast<int>(left.count())) <= 0) {
       continue;
     }
-    char chunk[4096];
+    char chunk[65536];
     const ssize_t n = read(out[0], chunk, sizeof chunk);
     if (n <= 0) {
       break;  // the child closed its output: it has exited
     }
+    // Only the new bytes are searched for line ends: a line of many megabytes (a huge URL the ad
+    // opened) arrives in thousands of reads, and the child blocks while the pipe is full.
+    std::size_t searched = buffer.size();
     buffer.append(chunk, static_cast<std::size_t>(n));
-    for (std::size_t end = buffer.find('\n'); end != std::string::npos; end = buffer.find('\n')) {
-      nlohmann::json line = nlohmann::json::parse(buffer.substr(0, end), nullptr, false);
-      buffer.erase(0, end + 1);
+    std::size_t start = 0;
+    for (std::size_t end = buffer.find('\n', searched); end != std::string::npos;
+         end = buffer.find('\n', start)) {
+      nlohmann::json line =
+          nlohmann::json::parse(buffer.begin() + static_cast<std::ptrdiff_t>(start),
+                                buffer.begin() + static_cast<std::ptrdiff_t>(end), nullptr, false);
+      start = end + 1;
       if (!line.is_discarded()) {
         if (onLine) {
           onLine(line);
@@ -119,6 +126,7 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
         run.lines.push_back(std::move(line));
       }
     }
+    buffer.erase(0, start);
   }
   close(out[0]);
   int status = 0;

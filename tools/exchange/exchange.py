@@ -26,6 +26,7 @@ import uuid
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 from urllib.parse import parse_qsl, unquote, urlsplit
 
+import page_template
 from site_routes import SiteRoutes
 
 HOST = "127.0.0.1"
@@ -413,6 +414,8 @@ class ExchangeHandler(BaseHTTPRequestHandler):
         self.record("page", body)
         with open(target, "rb") as page:
             content = page.read()
+        if target.endswith(".html"):
+            content = page_template.render(content)
         types = {".html": "text/html; charset=utf-8", ".js": "text/javascript; charset=utf-8",
                  ".css": "text/css; charset=utf-8", ".json": "application/json",
                  ".png": "image/png", ".svg": "image/svg+xml"}

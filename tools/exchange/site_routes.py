@@ -13,7 +13,9 @@ import json
 import os
 import re
 import threading
-from urllib.parse import parse_qsl
+from urllib.parse import parse_qsl, urlencode
+
+import page_template
 
 # A request that "never answers" gives up after this long even if the server is still running.
 HANG_LIMIT_SECONDS = 3600.0
@@ -31,11 +33,7 @@ HTML = "text/html; charset=utf-8"
 # The sub-resource of /checkout/hang/resource: a request under /checkout/never/ never answers.
 NEVER_RESOURCE = "/checkout/never/resource.svg"
 
-STATUS_PAGE = """<!DOCTYPE html>
-<html lang="en"><head><meta charset="utf-8">
-<meta name="viewport" content="width=device-width, initial-scale=1">
-<title>%(status)d %(phrase)s</title>
-<link rel="stylesheet" href="/checkout/assets/site.css"></head>
+STATUS_BODY = """</head>
 <body class="status-page"><main class="status-card">
 <p class="status-code">%(status)d</p><h1>%(phrase)s</h1>
 <p>The Lumenmoss checkout answered this request with HTTP %(status)d on purpose.</p>
@@ -74,8 +72,9 @@ class SiteRoutes:
             return True
 
     def read_page(self, relative):
+        """The page's bytes, its shared head filled in."""
         with open(os.path.join(self.pages_dir, relative), "rb") as page:
-            return page.read()
+            return page_template.render(page.read())
 
     def wait(self, seconds):
         """Blocks this connection's thread; returns False when the server is stopping."""
@@ -168,7 +167,10 @@ class SiteRoutes:
 
     def send_status(self, handler, status):
         phrase = handler.responses.get(status, ("Error",))[0]
-        handler.send(status, (STATUS_PAGE % {"status": status, "phrase": phrase}).encode(), HTML)
+        title = "%d %s" % (status, phrase)
+        page = (page_template.head(title, "/checkout/assets/site.css")
+                + STATUS_BODY % {"status": status, "phrase": phrase})
+        handler.send(status, page.encode("utf-8"), HTML)
 
     def send_unfinished(self, handler, content):
         """Sends the whole page as one chunk and never the final chunk: the load never ends."""
@@ -191,12 +193,15 @@ class SiteRoutes:
     def ads(self, handler, body, rest, query):
         if len(rest) == 3 and rest[0] in ("slow-first", "drop-once"):
             mode, key, page = rest
-        elif len(rest) == 2 and rest[0] == "never":
-            mode, key, page = "never", None, rest[1]
+        elif len(rest) == 2 and rest[0] in ("never", "redirect-loop"):
+            mode, key, page = rest[0], None, rest[1]
         else:
             return False
         if not os.path.isfile(os.path.join(self.pages_dir, "ads", page)) or page.startswith("."):
             return False
+        if mode == "redirect-loop":
+            self.redirect_again(handler, body, page, query)
+            return True
         first = key is not None and self.first_request("ads-%s/%s" % (mode, key))
         handler.record("page", body, variant="ads-" + mode, key=key, first=first)
         if mode == "never":
@@ -212,3 +217,11 @@ class SiteRoutes:
                 return True
         handler.send(200, self.read_page(os.path.join("ads", page)), HTML)
         return True
+
+    def redirect_again(self, handler, body, page, query):
+        """Endless navigation by HTTP: every request is redirected to itself with hop=N+1."""
+        hop = int(query_number(query, "hop", 0, 0, 1e9))
+        handler.record("page", body, variant="ads-redirect-loop", hop=hop)
+        query["hop"] = str(hop + 1)
+        location = "/ads/redirect-loop/%s?%s" % (page, urlencode(query))
+        handler.send(302, b"", HTML, extra_headers=[("Location", location)])

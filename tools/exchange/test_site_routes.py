@@ -140,6 +140,45 @@ class SiteRoutesTest(unittest.TestCase):
                 with self.subTest(page=page, needle=needle):
                     self.assertIn(needle, text)
 
+    def test_every_page_is_served_with_the_one_shared_head(self):
+        pages = {"/ads/interstitial.html": "Lumenmoss · Tidepool Mug",
+                 "/ads/rewarded.html": "Lumenmoss · Ember Leaf Tea",
+                 "/ads/slow-first/head-a/rewarded.html?seconds=0": "Lumenmoss · Ember Leaf Tea",
+                 "/landing/rewarded": "Tidepool Mug · Lumenmoss",
+                 "/checkout/demo": "Checkout · Lumenmoss",
+                 "/checkout/error/expired": "Checkout · Lumenmoss",
+                 "/checkout/terms": "Terms of sale · Lumenmoss",
+                 "/checkout/demo/thank-you?order_id=1": "Thank you · Lumenmoss",
+                 "/checkout/status/503": "503 Service Unavailable"}
+        for path, title in pages.items():
+            with self.subTest(path=path):
+                _, text = self.get(path)
+                self.assertTrue(text.startswith('<!DOCTYPE html>\n<html lang="en">\n<head>\n'))
+                self.assertEqual(text.count("<title>"), 1)
+                self.assertIn("<title>%s</title>" % title, text)
+                self.assertEqual(text.count('<meta charset="utf-8">'), 1)
+                self.assertEqual(text.count("</head>"), 1)
+                self.assertNotIn("<!--head", text)
+        _, checkout = self.get("/checkout/demo")
+        self.assertLess(checkout.index("</title>"), checkout.index('id="site-config"'))
+        self.assertLess(checkout.index('id="site-config"'), checkout.index("</head>"))
+
+    def test_redirect_loop_sends_every_request_one_hop_further(self):
+        connection = http.client.HTTPSConnection("127.0.0.1", self.port, context=self.tls)
+        for hop in (0, 1, 7):
+            with self.subTest(hop=hop):
+                connection.request("GET", "/ads/redirect-loop/interstitial.html?auto=close&hop=%d"
+                                   % hop)
+                response = connection.getresponse()
+                response.read()
+                self.assertEqual(response.status, 302)
+                self.assertEqual(response.getheader("Location"),
+                                 "/ads/redirect-loop/interstitial.html?auto=close&hop=%d" % (hop + 1))
+        connection.close()
+        self.assertEqual(self.get("/ads/redirect-loop/missing.html")[0], 404)
+        entries = self.page_log("/ads/redirect-loop/")
+        self.assertEqual([e["hop"] for e in entries], [0, 1, 7])
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -1,5 +1,8 @@
 // Hears the ad's screen on behalf of one ad: forwards close and click to the ad while it exists,
-// and drops them once it is gone. Owned by the ad (the screen holds it weakly); main thread only.
+// and drops them once it is gone. One presentation has one close: after a screen's first close,
+// its later ones (a burst of "close" messages from the page, the button pressed while the screen
+// is being dismissed) are dropped, so the reward and the dismissal come once per show. Owned by
+// the ad (the screen holds it weakly); main thread only.
 #pragma once
 
 #include <memory>
@@ -16,6 +19,12 @@ class AdScreenListener final : public VembaWebViewControllerDelegate {
   explicit AdScreenListener(std::weak_ptr<Ad> ad) : ad_(std::move(ad)) {}
 
   void webViewControllerDidClose(VembaWebViewController& controller) override {
+    std::weak_ptr<VembaWebViewController> closing = controller.weak_from_this();
+    // The same control block (even once expired), so a new screen at a reused address is new.
+    if (!closing.owner_before(closed_) && !closed_.owner_before(closing)) {
+      return;
+    }
+    closed_ = std::move(closing);
     if (const std::shared_ptr<Ad> ad = ad_.lock()) {
       AdAccess::screenDidClose(*ad, controller);
     }
@@ -28,6 +37,7 @@ class AdScreenListener final : public VembaWebViewControllerDelegate {
 
  private:
   std::weak_ptr<Ad> ad_;
+  std::weak_ptr<VembaWebViewController> closed_;  // the screen that last closed
 };
 
 }  // namespace vemba::ads

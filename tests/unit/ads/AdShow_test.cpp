@@ -144,6 +144,32 @@ TYPED_TEST(AdShowTest, CloseButtonAndPageCloseDismissThenReport) {
   }
 }
 
+TYPED_TEST(AdShowTest, OnePresentationHasOneCloseHoweverManyArrive) {
+  for (const bool alsoAfterwards : {false, true}) {
+    SCOPED_TRACE(alsoAfterwards ? "a new show afterwards" : "first show");
+    this->load();
+    this->ad->show(this->host);
+    this->advance(fake::kTransitionDuration);
+    const std::weak_ptr<platform::Screen> adScreen = this->host->presentedScreen();
+    const std::shared_ptr<fake::FakeWebView> page = this->adWebView().shared_from_this();
+    this->delegate->calls.clear();
+
+    // A burst from the page and the button, all before the dismissal has finished.
+    for (int i = 0; i < 1000; ++i) {
+      this->pageSays("close");
+    }
+    this->closeButton().tap();
+    this->advance(fake::kTransitionDuration);
+    // The page outlives the screen for a moment: its last words reach nobody.
+    dynamic_cast<fake::FakeUserContentController&>(page->userContentController())
+        .post("vemba", std::string("close"));
+    this->advance(fake::kTransitionDuration);
+
+    EXPECT_EQ(this->delegate->names(), this->closeSequence());
+    EXPECT_TRUE(adScreen.expired());  // the screen, and the controller that owns it, are gone
+  }
+}
+
 TYPED_TEST(AdShowTest, ClickIsReportedAndTheScreenStays) {
   this->load();
   this->ad->show(this->host);

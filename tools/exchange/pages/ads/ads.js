@@ -19,6 +19,8 @@
   var checkoutUrl = origin + checkoutPath;
   var hugeBytes = Math.min(Math.max(parseInt(query.get("hugeBytes") || "1048576", 10) || 0, 1),
                            64 * 1048576);
+  var floodCount = Math.min(Math.max(parseInt(query.get("floodCount") || "5000", 10) || 0, 1),
+                            100000);
   var posted = [];
 
   function sameOriginPath(path) {
@@ -68,6 +70,10 @@
     "openURL-unparsable": function () { return [openUrl("not a url <with> spaces")]; },
     "openURL-javascript": function () { return [openUrl("javascript:alert('vemba')")]; },
     "openURL-file": function () { return [openUrl("file:///tmp/vemba-no-such-file.html")]; },
+    "openURL-data": function () {
+      return [openUrl("data:text/html,%3Cb%3Elumenmoss%3C%2Fb%3E")];
+    },
+    "openURL-custom": function () { return [openUrl("lumenmoss-app://orders/7")]; },
     "openCheckout-nourl": function () { return [{ action: "openCheckout" }]; },
     "openCheckout-unparsable": function () { return [openCheckout("not a url <with> spaces")]; },
     number: function () { return [42]; },
@@ -76,8 +82,22 @@
     array: function () { return [["close"]]; },
     "huge-string": function () { return ["x".repeat(hugeBytes)]; },
     "huge-dict": function () { return [openUrl(landingUrl + "&pad=" + "x".repeat(hugeBytes))]; },
-    navigate: function () { navigateAgain(); return []; }
+    navigate: function () { navigateAgain(); return []; },
+    // Endless reloading: the query keeps auto=reload, so every load reloads again.
+    reload: function () { window.location.reload(); return []; },
+    // One burst of floodCount messages, none of which the SDK acts on.
+    flood: function () { return repeat(FLOOD_JUNK, floodCount); },
+    // One burst of floodCount bare "close" messages.
+    "flood-close": function () { return repeat(["close"], floodCount); }
   };
+  var FLOOD_JUNK = ["dance", "Close", "", {}, { action: "close" }, { action: "openURL" },
+                    { action: "openurl", url: landingUrl }, 42, null, ["click"]];
+
+  function repeat(messages, count) {
+    var out = [];
+    for (var i = 0; i < count; i += 1) { out.push(messages[i % messages.length]); }
+    return out;
+  }
 
   // Endless navigation: every load replaces the page with itself and hop=N+1, forever.
   function navigateAgain() {
