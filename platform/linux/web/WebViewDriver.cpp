@@ -17,6 +17,7 @@ namespace {
 
 // The request headers that make WebKit's cache revalidate the page with the server instead of
 // using a stored copy (WebKitGTK has no per-request cache policy).
+constexpr int kMaxTrustReissues = 3;
 constexpr const char* kCacheControlHeader = "Cache-Control";
 constexpr const char* kPragmaHeader = "Pragma";
 constexpr const char* kNoCache = "no-cache";
@@ -242,7 +243,7 @@ void WebViewDriver::load(const platform::WebRequest& request) {
   requestStarted_ = false;
   timedOut_ = false;
   abandoned_ = false;
-  trustRetryUsed_ = false;
+  trustReissues_ = 0;
   prefetchFollowUp_ = std::any_of(request.headers.begin(), request.headers.end(), isPrefetchHeader);
   cancelTimeout();
   timeoutSource_ = g_timeout_add_full(
@@ -483,7 +484,7 @@ gboolean WebViewDriver::loadFailed(WebKitLoadEvent event, const char* uri, GErro
 
 gboolean WebViewDriver::loadFailedWithTlsErrors(const char* uri, GTlsCertificate* certificate,
                                                 GTlsCertificateFlags errors) {
-  if (!trustRetryUsed_ && reissueTrusted(uri, certificate)) {
+  if (trustReissues_ < kMaxTrustReissues && reissueTrusted(uri, certificate)) {
     return TRUE;
   }
   // Refused: the load-failed that follows carries these problems.
@@ -499,7 +500,7 @@ bool WebViewDriver::reissueTrusted(const char* uri, GTlsCertificate* certificate
   }
   webkit_network_session_allow_tls_certificate_for_host(session_, certificate,
                                                         failing->host().c_str());
-  trustRetryUsed_ = true;
+  ++trustReissues_;
   swallowFinish_ = true;
   swallowAction_ = true;
   swallowStart_ = started_;

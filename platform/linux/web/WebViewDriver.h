@@ -111,7 +111,11 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
 
   // A request reissued after its certificate was trusted: the refused attempt's FINISHED, and
   // the action decision and start of the reissue, are kept from the core.
-  bool trustRetryUsed_ = false;
+  // Reissues of the current load after a refused certificate that verified against the bundle.
+  // More than one, because the session's new trust reaches WebKit's network process on its own
+  // path, and a reissue that overtakes it would be refused again; the cap keeps a server whose
+  // certificate keeps changing from looping.
+  int trustReissues_ = 0;
   bool swallowFinish_ = false;
   bool swallowAction_ = false;
   bool swallowStart_ = false;
