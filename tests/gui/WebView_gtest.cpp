@@ -45,6 +45,7 @@ class WebViewTest : public ::testing::Test {
     if (!displayAvailable()) {
       GTEST_SKIP() << "no display";
     }
+    ASSERT_NE(exchange_, nullptr);  // its start failed (reported above)
     exchange_->clearLog();
   }
 

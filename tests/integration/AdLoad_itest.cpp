@@ -38,6 +38,7 @@ class AdLoadIntegrationTest : public ::testing::Test {
   }
   void SetUp() override {
     ads::resetVembaSdkForTesting();
+    ASSERT_NE(exchange_, nullptr);  // its start failed (reported above)
     exchange_->clearLog();
   }
 
