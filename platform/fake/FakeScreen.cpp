@@ -11,17 +11,17 @@ FakeScreen::FakeScreen(FakeUi& ui, Kind kind, std::vector<std::shared_ptr<FakeSc
     : ui_(&ui), kind_(kind), children_(std::move(children)) {
   if (kind_ == Kind::navigation) {
     if (children_.size() != 1 || !children_.front() ||
-        children_.front()->presentation_.container() != nullptr) {
+        children_.front()->stack_.container() != nullptr) {
       throw std::logic_error("a navigation container needs one root that has no container");
     }
-    children_.front()->presentation_.setContainer(presentation_);
+    children_.front()->stack_.setContainer(stack_);
   }
 }
 
 FakeScreen::~FakeScreen() = default;
 
 platform::Screen* FakeScreen::navigationContainer() const {
-  const platform::PresentationNode* container = presentation_.container();
+  const platform::PresentationNode* container = stack_.container();
   return container != nullptr ? &container->owner() : nullptr;
 }
 
@@ -68,13 +68,13 @@ void FakeScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool ani
   if (!fakeChild) {
     throw std::logic_error("a screen that the fake user interface did not make");
   }
-  if (!presentation_.canPresent(fakeChild->presentation_)) {
+  if (!stack_.canPresent(fakeChild->stack_)) {
     return;  // as on a phone: nothing happens and the completion never runs
   }
-  platform::PresentationNode& childNode = fakeChild->presentation_;
+  platform::PresentationNode& childNode = fakeChild->stack_;
   auto childDelegate = fakeChild->delegate_.lock();
-  auto finished = presentation_.beginPresentation(std::move(fakeChild), childNode,
-                                                  std::move(childDelegate), std::move(completion));
+  auto finished = stack_.beginPresentation(std::move(fakeChild), childNode,
+                                           std::move(childDelegate), std::move(completion));
   static_cast<FakeScreen&>(childNode.owner()).appear();
   if (finished) {
     later(animated, std::move(finished));
@@ -82,7 +82,7 @@ void FakeScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool ani
 }
 
 void FakeScreen::dismiss(bool animated, std::function<void()> completion) {
-  platform::PresentationNode* presenter = presentation_.dismissalPresenter();
+  platform::PresentationNode* presenter = stack_.dismissalPresenter();
   if (presenter == nullptr) {
     if (completion) {
       ui_->queue().post(std::move(completion));
@@ -94,14 +94,14 @@ void FakeScreen::dismiss(bool animated, std::function<void()> completion) {
     return;  // the completion runs when the dismissal under way ends
   }
   later(animated, [keep = static_cast<FakeScreen&>(presenter->owner()).shared_from_this(),
-                   id = dismissal->id] { keep->presentation_.endDismissal(id); });
+                   id = dismissal->id] { keep->stack_.endDismissal(id); });
 }
 
 std::shared_ptr<platform::Screen> FakeScreen::visibleScreen() const {
   if (kind_ != Kind::navigation) {
     return nullptr;
   }
-  if (const auto& presented = presentation_.presented()) {
+  if (const auto& presented = stack_.presented()) {
     return presented;
   }
   return children_.front();
@@ -132,14 +132,13 @@ bool FakeScreen::pressRightBarButtonItem() {
 }
 
 bool FakeScreen::userDismiss() {
-  const auto dismissal =
-      presentation_.beginUserDismissal(modalPresentationStyle, presentationDelegate_);
+  const auto dismissal = stack_.beginUserDismissal(modalPresentationStyle, presentationDelegate_);
   if (!dismissal) {
     return false;
   }
   // The gesture's own animation is over when a test plays it: the screen goes at once.
   const auto presenter = static_cast<FakeScreen&>(dismissal->presenter->owner()).shared_from_this();
-  presenter->presentation_.endDismissal(dismissal->id);
+  presenter->stack_.endDismissal(dismissal->id);
   return true;
 }
 

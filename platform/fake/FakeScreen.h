@@ -55,10 +55,8 @@ class FakeScreen final : public platform::Screen, public std::enable_shared_from
   void presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
                      std::function<void()> completion) override;
   void dismiss(bool animated, std::function<void()> completion) override;
-  std::shared_ptr<platform::Screen> presentedScreen() const override {
-    return presentation_.presented();
-  }
-  platform::Screen* presentingScreen() const override { return presentation_.presenting(); }
+  std::shared_ptr<platform::Screen> presentedScreen() const override { return stack_.presented(); }
+  platform::Screen* presentingScreen() const override { return stack_.presenting(); }
   std::shared_ptr<platform::Screen> visibleScreen() const override;
   std::shared_ptr<platform::Screen> selectedScreen() const override;
   platform::Screen* navigationContainer() const override;
@@ -94,7 +92,7 @@ class FakeScreen final : public platform::Screen, public std::enable_shared_from
   std::weak_ptr<platform::PresentationDelegate> presentationDelegate_;
   std::string title_;
   bool barHidden_ = false;
-  platform::PresentationNode presentation_{*this};
+  platform::PresentationNode stack_{*this};
 };
 
 }  // namespace vemba::fake

@@ -106,12 +106,12 @@ std::shared_ptr<GtkScreen> GtkScreen::createPlain() {
 
 std::shared_ptr<GtkScreen> GtkScreen::createNavigation(std::shared_ptr<platform::Screen> root) {
   auto gtkRoot = std::dynamic_pointer_cast<GtkScreen>(root);
-  if (!gtkRoot || gtkRoot->presentation_.container() != nullptr || gtkRoot->kind_ != Kind::plain) {
+  if (!gtkRoot || gtkRoot->stack_.container() != nullptr || gtkRoot->kind_ != Kind::plain) {
     return nullptr;
   }
   std::shared_ptr<GtkScreen> container(new GtkScreen(Kind::navigation));
   container->root_ = gtkRoot;
-  gtkRoot->presentation_.setContainer(container->presentation_);
+  gtkRoot->stack_.setContainer(container->stack_);
   return container;
 }
 
@@ -134,7 +134,7 @@ std::shared_ptr<GtkScreen> GtkScreen::forWindow(GtkWindow* window) {
 
 GtkScreen::~GtkScreen() {
   // A presenter that goes away (its window was destroyed) takes what it presents down quietly.
-  for (const platform::PresentationNode* node = presentation_.presentedNode(); node != nullptr;
+  for (const platform::PresentationNode* node = stack_.presentedNode(); node != nullptr;
        node = node->presentedNode()) {
     of(*node).tearDownPresentation();
   }
@@ -154,7 +154,7 @@ GtkScreen& GtkScreen::of(const platform::PresentationNode& node) {
 }
 
 GtkScreen* GtkScreen::container() const {
-  const platform::PresentationNode* container = presentation_.container();
+  const platform::PresentationNode* container = stack_.container();
   return container != nullptr ? &of(*container) : nullptr;
 }
 
@@ -162,7 +162,7 @@ GtkWindow* GtkScreen::window() const {
   if (windowOfOwn_ != nullptr) {
     return windowOfOwn_;
   }
-  if (const platform::PresentationNode* presenter = presentation_.presentingNode()) {
+  if (const platform::PresentationNode* presenter = stack_.presentingNode()) {
     return of(*presenter).window();
   }
   if (const GtkScreen* container = this->container()) {
@@ -271,7 +271,7 @@ std::shared_ptr<platform::Screen> GtkScreen::visibleScreen() const {
   if (kind_ != Kind::navigation) {
     return nullptr;
   }
-  if (const auto& presented = presentation_.presented()) {
+  if (const auto& presented = stack_.presented()) {
     return presented;
   }
   return root_;
@@ -377,8 +377,7 @@ void GtkScreen::tearDownPresentation() {
 void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
                               std::function<void()> completion) {
   auto gtkChild = std::dynamic_pointer_cast<GtkScreen>(child);
-  if (!gtkChild || gtkChild->windowOfOwn_ != nullptr ||
-      !presentation_.canPresent(gtkChild->presentation_)) {
+  if (!gtkChild || gtkChild->windowOfOwn_ != nullptr || !stack_.canPresent(gtkChild->stack_)) {
     return;  // as on a phone: nothing happens and the completion never runs
   }
   GtkWindow* target = window();
@@ -390,8 +389,8 @@ void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool anim
   }
   GtkWidget* overlay = windowOverlay(target);
   auto childDelegate = gtkChild->delegate_.lock();
-  auto finished = presentation_.beginPresentation(gtkChild, gtkChild->presentation_,
-                                                  std::move(childDelegate), std::move(completion));
+  auto finished = stack_.beginPresentation(gtkChild, gtkChild->stack_, std::move(childDelegate),
+                                           std::move(completion));
   gtkChild->appear();
   gtkChild->buildPresentation(overlay);
   GtkWidget* shown = gtkChild->presentation_;
@@ -414,7 +413,7 @@ void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool anim
 }
 
 void GtkScreen::dismiss(bool animated, std::function<void()> completion) {
-  platform::PresentationNode* presenter = presentation_.dismissalPresenter();
+  platform::PresentationNode* presenter = stack_.dismissalPresenter();
   if (presenter == nullptr) {
     if (completion) {
       postToMainLoop(std::move(completion));
@@ -430,7 +429,7 @@ void GtkScreen::dismiss(bool animated, std::function<void()> completion) {
 void GtkScreen::runDismissal(std::uint64_t id, bool animated) {
   const auto keep = shared_from_this();
   auto end = [keep, id] {
-    keep->presentation_.endDismissal(id, [](platform::Screen& screen) {
+    keep->stack_.endDismissal(id, [](platform::Screen& screen) {
       static_cast<GtkScreen&>(screen).tearDownPresentation();
     });
   };
@@ -438,7 +437,7 @@ void GtkScreen::runDismissal(std::uint64_t id, bool animated) {
     postToMainLoop(std::move(end));
     return;
   }
-  GtkWidget* shown = of(*presentation_.presentedNode()).presentation_;
+  GtkWidget* shown = of(*stack_.presentedNode()).presentation_;
   const WeakScreen weakPresenter = keep;
   runTween(
       shown, kTransitionTween, kTransitionDuration,
@@ -447,8 +446,8 @@ void GtkScreen::runDismissal(std::uint64_t id, bool animated) {
         if (!self) {
           return;
         }
-        for (const platform::PresentationNode* node = self->presentation_.presentedNode();
-             node != nullptr; node = node->presentedNode()) {
+        for (const platform::PresentationNode* node = self->stack_.presentedNode(); node != nullptr;
+             node = node->presentedNode()) {
           if (GtkWidget* widget = of(*node).presentation_) {
             gtk_widget_set_opacity(widget, 1.0 - t);
           }
@@ -458,7 +457,7 @@ void GtkScreen::runDismissal(std::uint64_t id, bool animated) {
 }
 
 bool GtkScreen::userDismiss() {
-  const auto dismissal = presentation_.beginUserDismissal(style_, presentationDelegate_);
+  const auto dismissal = stack_.beginUserDismissal(style_, presentationDelegate_);
   if (!dismissal) {
     return false;
   }

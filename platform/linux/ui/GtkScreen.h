@@ -62,10 +62,8 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
   void presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
                      std::function<void()> completion) override;
   void dismiss(bool animated, std::function<void()> completion) override;
-  std::shared_ptr<platform::Screen> presentedScreen() const override {
-    return presentation_.presented();
-  }
-  platform::Screen* presentingScreen() const override { return presentation_.presenting(); }
+  std::shared_ptr<platform::Screen> presentedScreen() const override { return stack_.presented(); }
+  platform::Screen* presentingScreen() const override { return stack_.presenting(); }
   std::shared_ptr<platform::Screen> visibleScreen() const override;
   std::shared_ptr<platform::Screen> selectedScreen() const override { return nullptr; }
   platform::Screen* navigationContainer() const override { return container(); }
@@ -128,7 +126,7 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
   void* escapeController_ = nullptr;
 
   // Its place in the window's presentation stack; goes first, while root_ still lives.
-  platform::PresentationNode presentation_{*this};
+  platform::PresentationNode stack_{*this};
 };
 
 }  // namespace vemba::linux_platform
