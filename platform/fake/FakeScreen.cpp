@@ -71,11 +71,10 @@ void FakeScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool ani
   if (!stack_.canPresent(fakeChild->stack_)) {
     return;  // as on a phone: nothing happens and the completion never runs
   }
-  platform::PresentationNode& childNode = fakeChild->stack_;
-  auto childDelegate = fakeChild->delegate_.lock();
-  auto finished = stack_.beginPresentation(std::move(fakeChild), childNode,
-                                           std::move(childDelegate), std::move(completion));
-  static_cast<FakeScreen&>(childNode.owner()).appear();
+  FakeScreen& shown = *fakeChild;
+  auto finished = stack_.beginPresentation(std::move(fakeChild), shown.stack_,
+                                           shown.delegate_.lock(), std::move(completion));
+  shown.appear();
   if (finished) {
     later(animated, std::move(finished));
   }

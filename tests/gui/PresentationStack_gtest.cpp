@@ -17,9 +17,6 @@ class PresentationStackGuiTest : public GuiTest {
  protected:
   void SetUp() override {
     GuiTest::SetUp();
-    if (window != nullptr) {
-      host = screenForWindow(window);
-    }
     // A widget torn down twice shows as a critical from GTK or GObject.
     for (const char* domain : {"Gtk", "GLib-GObject"}) {
       handlers.emplace_back(domain,
@@ -30,7 +27,6 @@ class PresentationStackGuiTest : public GuiTest {
     for (const auto& [domain, id] : handlers) {
       g_log_remove_handler(domain, id);
     }
-    host.reset();
     GuiTest::TearDown();
   }
   static void countCritical(const gchar* /*domain*/, GLogLevelFlags /*level*/,
@@ -41,13 +37,13 @@ class PresentationStackGuiTest : public GuiTest {
     return [this, text] { log.push_back(text); };
   }
 
-  std::shared_ptr<platform::Screen> host;
   std::vector<std::pair<const char*, guint>> handlers;
   int criticals = 0;
   std::vector<std::string> log;
 };
 
 TEST_F(PresentationStackGuiTest, ADismissalDuringTheTransitionCompletesThePresentationFirst) {
+  const auto host = screenForWindow(window);
   for (const bool animatedDismissal : {true, false}) {
     SCOPED_TRACE(animatedDismissal ? "animated dismissal" : "immediate dismissal");
     log.clear();
@@ -67,6 +63,7 @@ TEST_F(PresentationStackGuiTest, ADismissalDuringTheTransitionCompletesThePresen
 }
 
 TEST_F(PresentationStackGuiTest, ALowerDismissalTakesOverAnAnimatedOneHigherUp) {
+  const auto host = screenForWindow(window);
   auto middle = ui->createScreen();
   auto top = ui->createScreen();
   host->presentScreen(middle, false, {});

@@ -80,7 +80,8 @@ class PresentationStackTest : public ::testing::Test {
   Log log;
 };
 
-TEST_F(PresentationStackTest, RefusesWhatThePlatformRefuses) {
+// host presents middle, which presents a container whose root is `root`; `lone` stands apart.
+TEST_F(PresentationStackTest, RefusesWhatThePlatformRefusesAndFindsWhatADismissTakes) {
   auto host = screen("host");
   auto middle = screen("middle");
   auto root = screen("root");
@@ -108,19 +109,10 @@ TEST_F(PresentationStackTest, RefusesWhatThePlatformRefuses) {
   for (const Case& c : cases) {
     EXPECT_EQ(c.from->node.canPresent(c.child->node), c.allowed) << c.what;
   }
-}
 
-TEST_F(PresentationStackTest, DismissTakesThePresentedScreenOrTheOneThatPresentsIt) {
-  auto host = screen("host");
-  auto container = screen("container");
-  auto root = screen("root");
-  root->node.setContainer(container->node);
-  auto lone = screen("lone");
-  present(*host, container);
-
-  EXPECT_EQ(host->node.dismissalPresenter(), &host->node) << "a presenter dismisses its child";
-  EXPECT_EQ(container->node.dismissalPresenter(), &host->node) << "a presented screen goes";
-  EXPECT_EQ(root->node.dismissalPresenter(), &host->node) << "a root dismisses its container";
+  EXPECT_EQ(middle->node.dismissalPresenter(), &middle->node) << "a presenter dismisses its child";
+  EXPECT_EQ(container->node.dismissalPresenter(), &middle->node) << "a presented screen goes";
+  EXPECT_EQ(root->node.dismissalPresenter(), &middle->node) << "a root dismisses its container";
   EXPECT_EQ(lone->node.dismissalPresenter(), nullptr) << "nothing to dismiss";
 }
 
