@@ -433,11 +433,12 @@ void GtkScreen::runDismissal(std::uint64_t id, bool animated) {
       static_cast<GtkScreen&>(screen).tearDownPresentation();
     });
   };
-  if (!animated) {
+  // A screen whose window went away has no widgets left to fade.
+  GtkWidget* shown = of(*stack_.presentedNode()).presentation_;
+  if (!animated || shown == nullptr) {
     postToMainLoop(std::move(end));
     return;
   }
-  GtkWidget* shown = of(*stack_.presentedNode()).presentation_;
   const WeakScreen weakPresenter = keep;
   runTween(
       shown, kTransitionTween, kTransitionDuration,
