@@ -10,20 +10,19 @@ namespace vemba::fake {
 FakeScreen::FakeScreen(FakeUi& ui, Kind kind, std::vector<std::shared_ptr<FakeScreen>> children)
     : ui_(&ui), kind_(kind), children_(std::move(children)) {
   if (kind_ == Kind::navigation) {
-    if (children_.size() != 1 || !children_.front() || children_.front()->container_ != nullptr) {
+    if (children_.size() != 1 || !children_.front() ||
+        children_.front()->stack_.container() != nullptr) {
       throw std::logic_error("a navigation container needs one root that has no container");
     }
-    children_.front()->container_ = this;
+    children_.front()->stack_.setContainer(stack_);
   }
 }
 
-FakeScreen::~FakeScreen() {
-  if (kind_ == Kind::navigation && children_.front()->container_ == this) {
-    children_.front()->container_ = nullptr;
-  }
-  if (presented_ && presented_->presenting_ == this) {
-    presented_->presenting_ = nullptr;
-  }
+FakeScreen::~FakeScreen() = default;
+
+platform::Screen* FakeScreen::navigationContainer() const {
+  const platform::PresentationNode* container = stack_.container();
+  return container != nullptr ? &container->owner() : nullptr;
 }
 
 platform::View& FakeScreen::view() {
@@ -69,74 +68,40 @@ void FakeScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool ani
   if (!fakeChild) {
     throw std::logic_error("a screen that the fake user interface did not make");
   }
-  if (presented_ || fakeChild->presenting_ != nullptr || fakeChild.get() == this) {
+  if (!stack_.canPresent(fakeChild->stack_)) {
     return;  // as on a phone: nothing happens and the completion never runs
   }
-  presented_ = fakeChild;
-  presentedDelegate_ = fakeChild->delegate_.lock();
-  fakeChild->presenting_ = this;
-  fakeChild->appear();
-  if (completion) {
-    later(animated, std::move(completion));
+  FakeScreen& shown = *fakeChild;
+  auto finished = stack_.beginPresentation(std::move(fakeChild), shown.stack_,
+                                           shown.delegate_.lock(), std::move(completion));
+  shown.appear();
+  if (finished) {
+    later(animated, std::move(finished));
   }
 }
 
 void FakeScreen::dismiss(bool animated, std::function<void()> completion) {
-  // The screen to dismiss: the one this presents, else this one (or the navigation container
-  // it is the root of) when it is presented.
-  FakeScreen* presenter = presented_ ? this : nullptr;
-  if (presenter == nullptr) {
-    const FakeScreen* target = this;
-    while (target->presenting_ == nullptr && target->container_ != nullptr) {
-      target = target->container_;
-    }
-    presenter = target->presenting_;
-  }
+  platform::PresentationNode* presenter = stack_.dismissalPresenter();
   if (presenter == nullptr) {
     if (completion) {
       ui_->queue().post(std::move(completion));
     }
     return;
   }
-  if (completion) {
-    presenter->dismissCompletions_.push_back(std::move(completion));
-  }
-  if (presenter->dismissing_) {
+  const auto dismissal = presenter->beginDismissal(std::move(completion));
+  if (!dismissal) {
     return;  // the completion runs when the dismissal under way ends
   }
-  presenter->dismissing_ = true;
-  later(animated, [keep = presenter->shared_from_this()] { keep->endPresentation(); });
-}
-
-void FakeScreen::endPresentation() {
-  // Everything presented above the dismissed screen goes with it, top first.
-  std::vector<std::shared_ptr<FakeScreen>> chain;
-  for (auto screen = presented_; screen; screen = screen->presented_) {
-    chain.push_back(screen);
-  }
-  FakeScreen* presenter = this;
-  for (auto& screen : chain) {
-    screen->presenting_ = nullptr;
-    presenter->presented_.reset();
-    presenter->presentedDelegate_.reset();
-    presenter->dismissing_ = false;
-    presenter = screen.get();
-  }
-  dismissing_ = false;
-  std::vector<std::function<void()>> completions = std::move(dismissCompletions_);
-  dismissCompletions_.clear();
-  chain.clear();  // releases the dismissed screens before the completions run
-  for (auto& completion : completions) {
-    completion();
-  }
+  later(animated, [keep = static_cast<FakeScreen&>(presenter->owner()).shared_from_this(),
+                   id = dismissal->id] { keep->stack_.endDismissal(id); });
 }
 
 std::shared_ptr<platform::Screen> FakeScreen::visibleScreen() const {
   if (kind_ != Kind::navigation) {
     return nullptr;
   }
-  if (presented_) {
-    return presented_;
+  if (const auto& presented = stack_.presented()) {
+    return presented;
   }
   return children_.front();
 }
@@ -166,16 +131,13 @@ bool FakeScreen::pressRightBarButtonItem() {
 }
 
 bool FakeScreen::userDismiss() {
-  if (presenting_ == nullptr ||
-      modalPresentationStyle != platform::ModalPresentationStyle::automatic) {
+  const auto dismissal = stack_.beginUserDismissal(modalPresentationStyle, presentationDelegate_);
+  if (!dismissal) {
     return false;
   }
-  const auto keep = shared_from_this();
-  const auto delegate = presentationDelegate_.lock();
-  presenting_->endPresentation();
-  if (delegate) {
-    delegate->presentationControllerDidDismiss();
-  }
+  // The gesture's own animation is over when a test plays it: the screen goes at once.
+  const auto presenter = static_cast<FakeScreen&>(dismissal->presenter->owner()).shared_from_this();
+  presenter->stack_.endDismissal(dismissal->id);
   return true;
 }
 

@@ -1,9 +1,9 @@
 // A recording screen of the fake user interface: plain, navigation container or tab container.
 // It keeps the contract of platform::Screen: the root view is made on first access (running the
-// delegate's viewDidLoad), a screen presents at most one child, the presenter holds the child
-// and its delegate until the dismissal has completed, animated transitions end after
-// kTransitionDuration of virtual time and every completion runs on a later turn of the main
-// queue. A test plays the user with pressRightBarButtonItem() and userDismiss().
+// delegate's viewDidLoad); presentation and dismissal follow the shared PresentationNode rules;
+// animated transitions end after kTransitionDuration of virtual time and every completion runs on
+// a later turn of the main queue. A test plays the user with pressRightBarButtonItem() and
+// userDismiss().
 #pragma once
 
 #include <chrono>
@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/PresentationStack.h"
 #include "platform/Screen.h"
 
 namespace vemba::fake {
@@ -54,11 +55,11 @@ class FakeScreen final : public platform::Screen, public std::enable_shared_from
   void presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
                      std::function<void()> completion) override;
   void dismiss(bool animated, std::function<void()> completion) override;
-  std::shared_ptr<platform::Screen> presentedScreen() const override { return presented_; }
-  platform::Screen* presentingScreen() const override { return presenting_; }
+  std::shared_ptr<platform::Screen> presentedScreen() const override { return stack_.presented(); }
+  platform::Screen* presentingScreen() const override { return stack_.presenting(); }
   std::shared_ptr<platform::Screen> visibleScreen() const override;
   std::shared_ptr<platform::Screen> selectedScreen() const override;
-  platform::Screen* navigationContainer() const override { return container_; }
+  platform::Screen* navigationContainer() const override;
   void setNavigationBarHidden(bool hidden, bool animated) override;
   bool isNavigationBarHidden() const override { return barHidden_; }
 
@@ -66,7 +67,8 @@ class FakeScreen final : public platform::Screen, public std::enable_shared_from
   bool pressRightBarButtonItem();
   // The user dismisses this presented screen with the platform's gesture: it goes at once and
   // its presentation delegate is told. False (and nothing happens) when the screen is not
-  // presented or is presented full screen.
+  // presented, is presented full screen, presents another screen, or a dismissal that would take
+  // it is under way.
   bool userDismiss();
   // Tab containers: selects another tab.
   void selectTab(std::size_t index) { selected_ = index; }
@@ -80,8 +82,6 @@ class FakeScreen final : public platform::Screen, public std::enable_shared_from
  private:
   void appear();
   void later(bool animated, std::function<void()> work);
-  // Ends the presentation of `presented_` (and of everything above it), then runs `completions`.
-  void endPresentation();
 
   FakeUi* ui_;
   Kind kind_;
@@ -92,12 +92,7 @@ class FakeScreen final : public platform::Screen, public std::enable_shared_from
   std::weak_ptr<platform::PresentationDelegate> presentationDelegate_;
   std::string title_;
   bool barHidden_ = false;
-  FakeScreen* container_ = nullptr;  // the navigation container this is the root of
-  FakeScreen* presenting_ = nullptr;
-  std::shared_ptr<FakeScreen> presented_;
-  std::shared_ptr<platform::ScreenDelegate> presentedDelegate_;  // held while presented
-  bool dismissing_ = false;  // a dismissal of presented_ is under way
-  std::vector<std::function<void()>> dismissCompletions_;
+  platform::PresentationNode stack_{*this};
 };
 
 }  // namespace vemba::fake

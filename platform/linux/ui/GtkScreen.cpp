@@ -106,12 +106,12 @@ std::shared_ptr<GtkScreen> GtkScreen::createPlain() {
 
 std::shared_ptr<GtkScreen> GtkScreen::createNavigation(std::shared_ptr<platform::Screen> root) {
   auto gtkRoot = std::dynamic_pointer_cast<GtkScreen>(root);
-  if (!gtkRoot || gtkRoot->container_ != nullptr || gtkRoot->kind_ != Kind::plain) {
+  if (!gtkRoot || gtkRoot->stack_.container() != nullptr || gtkRoot->kind_ != Kind::plain) {
     return nullptr;
   }
   std::shared_ptr<GtkScreen> container(new GtkScreen(Kind::navigation));
   container->root_ = gtkRoot;
-  gtkRoot->container_ = container.get();
+  gtkRoot->stack_.setContainer(container->stack_);
   return container;
 }
 
@@ -134,17 +134,14 @@ std::shared_ptr<GtkScreen> GtkScreen::forWindow(GtkWindow* window) {
 
 GtkScreen::~GtkScreen() {
   // A presenter that goes away (its window was destroyed) takes what it presents down quietly.
-  for (auto screen = presented_; screen; screen = screen->presented_) {
-    screen->tearDownPresentation();
-    screen->presenting_ = nullptr;
+  for (const platform::PresentationNode* node = stack_.presentedNode(); node != nullptr;
+       node = node->presentedNode()) {
+    of(*node).tearDownPresentation();
   }
   tearDownPresentation();
   if (root_) {
     if (view_ != nullptr && root_->view_ != nullptr) {
       removeFromParent(gtkWidgetOf(*root_->view_));
-    }
-    if (root_->container_ == this) {
-      root_->container_ = nullptr;
     }
   }
   if (windowOfOwn_ != nullptr) {
@@ -152,15 +149,24 @@ GtkScreen::~GtkScreen() {
   }
 }
 
+GtkScreen& GtkScreen::of(const platform::PresentationNode& node) {
+  return static_cast<GtkScreen&>(node.owner());
+}
+
+GtkScreen* GtkScreen::container() const {
+  const platform::PresentationNode* container = stack_.container();
+  return container != nullptr ? &of(*container) : nullptr;
+}
+
 GtkWindow* GtkScreen::window() const {
   if (windowOfOwn_ != nullptr) {
     return windowOfOwn_;
   }
-  if (presenting_ != nullptr) {
-    return presenting_->window();
+  if (const platform::PresentationNode* presenter = stack_.presentingNode()) {
+    return of(*presenter).window();
   }
-  if (container_ != nullptr) {
-    return container_->window();
+  if (const GtkScreen* container = this->container()) {
+    return container->window();
   }
   if (view_ != nullptr) {
     GtkRoot* root = gtk_widget_get_root(gtkWidgetOf(*view_));
@@ -216,15 +222,15 @@ void GtkScreen::setPresentationDelegate(std::weak_ptr<platform::PresentationDele
 
 void GtkScreen::setTitle(std::string title) {
   title_ = std::move(title);
-  if (container_ != nullptr) {
-    container_->updateBar();
+  if (GtkScreen* container = this->container()) {
+    container->updateBar();
   }
 }
 
 void GtkScreen::setRightBarButtonItem(std::optional<platform::BarButtonItem> item) {
   rightItem_ = std::move(item);
-  if (container_ != nullptr) {
-    container_->updateBar();
+  if (GtkScreen* container = this->container()) {
+    container->updateBar();
   }
 }
 
@@ -265,8 +271,8 @@ std::shared_ptr<platform::Screen> GtkScreen::visibleScreen() const {
   if (kind_ != Kind::navigation) {
     return nullptr;
   }
-  if (presented_) {
-    return presented_;
+  if (const auto& presented = stack_.presented()) {
+    return presented;
   }
   return root_;
 }
@@ -331,7 +337,7 @@ void GtkScreen::buildPresentation(GtkWidget* overlay) {
                           G_CALLBACK(+[](GtkEventControllerKey* /*c*/, guint keyval, guint /*code*/,
                                          GdkModifierType /*state*/, gpointer data) -> gboolean {
                             const auto self = static_cast<WeakScreen*>(data)->lock();
-                            if (keyval != GDK_KEY_Escape || !self || self->presented_) {
+                            if (keyval != GDK_KEY_Escape || !self) {
                               return FALSE;
                             }
                             return self->userDismiss() ? TRUE : FALSE;
@@ -371,8 +377,7 @@ void GtkScreen::tearDownPresentation() {
 void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
                               std::function<void()> completion) {
   auto gtkChild = std::dynamic_pointer_cast<GtkScreen>(child);
-  if (!gtkChild || presented_ || gtkChild->presenting_ != nullptr || gtkChild.get() == this ||
-      gtkChild->windowOfOwn_ != nullptr || gtkChild->container_ != nullptr) {
+  if (!gtkChild || gtkChild->windowOfOwn_ != nullptr || !stack_.canPresent(gtkChild->stack_)) {
     return;  // as on a phone: nothing happens and the completion never runs
   }
   GtkWindow* target = window();
@@ -383,15 +388,15 @@ void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool anim
     return;
   }
   GtkWidget* overlay = windowOverlay(target);
-  presented_ = gtkChild;
-  presentedDelegate_ = gtkChild->delegate_.lock();
-  gtkChild->presenting_ = this;
+  auto childDelegate = gtkChild->delegate_.lock();
+  auto finished = stack_.beginPresentation(gtkChild, gtkChild->stack_, std::move(childDelegate),
+                                           std::move(completion));
   gtkChild->appear();
   gtkChild->buildPresentation(overlay);
   GtkWidget* shown = gtkChild->presentation_;
   if (!animated) {
-    if (completion) {
-      postToMainLoop(std::move(completion));
+    if (finished) {
+      postToMainLoop(std::move(finished));
     }
     return;
   }
@@ -399,98 +404,66 @@ void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool anim
   runTween(
       shown, kTransitionTween, kTransitionDuration,
       [shown](double t) { gtk_widget_set_opacity(shown, t); },
-      [shown, completion = std::move(completion)](bool /*finished*/) {
+      [shown, finished = std::move(finished)](bool /*finished*/) {
         gtk_widget_set_opacity(shown, 1.0);
-        if (completion) {
-          completion();
+        if (finished) {
+          finished();
         }
       });
 }
 
 void GtkScreen::dismiss(bool animated, std::function<void()> completion) {
-  // The screen to dismiss: the one this presents, else this one (or the navigation container it
-  // is the root of) when it is presented.
-  GtkScreen* presenter = presented_ ? this : nullptr;
-  if (presenter == nullptr) {
-    const GtkScreen* target = this;
-    while (target->presenting_ == nullptr && target->container_ != nullptr) {
-      target = target->container_;
-    }
-    presenter = target->presenting_;
-  }
+  platform::PresentationNode* presenter = stack_.dismissalPresenter();
   if (presenter == nullptr) {
     if (completion) {
       postToMainLoop(std::move(completion));
     }
     return;
   }
-  if (completion) {
-    presenter->dismissCompletions_.push_back(std::move(completion));
+  if (const auto dismissal = presenter->beginDismissal(std::move(completion))) {
+    of(*presenter).runDismissal(dismissal->id, animated);
   }
-  if (presenter->dismissing_) {
-    return;  // the completion runs when the dismissal under way ends
-  }
-  presenter->dismissing_ = true;
-  const auto keep = presenter->shared_from_this();
-  if (!animated) {
-    postToMainLoop([keep] { keep->endPresentation(); });
+}
+
+// Runs the transition of dismissal `id` of what this screen presents, then ends it.
+void GtkScreen::runDismissal(std::uint64_t id, bool animated) {
+  const auto keep = shared_from_this();
+  auto end = [keep, id] {
+    keep->stack_.endDismissal(id, [](platform::Screen& screen) {
+      static_cast<GtkScreen&>(screen).tearDownPresentation();
+    });
+  };
+  // A screen whose window went away has no widgets left to fade.
+  GtkWidget* shown = of(*stack_.presentedNode()).presentation_;
+  if (!animated || shown == nullptr) {
+    postToMainLoop(std::move(end));
     return;
   }
-  GtkWidget* shown = presenter->presented_->presentation_;
   const WeakScreen weakPresenter = keep;
   runTween(
       shown, kTransitionTween, kTransitionDuration,
       [weakPresenter](double t) {
-        if (const auto self = weakPresenter.lock()) {
-          for (auto screen = self->presented_; screen; screen = screen->presented_) {
-            if (screen->presentation_ != nullptr) {
-              gtk_widget_set_opacity(screen->presentation_, 1.0 - t);
-            }
+        const auto self = weakPresenter.lock();
+        if (!self) {
+          return;
+        }
+        for (const platform::PresentationNode* node = self->stack_.presentedNode(); node != nullptr;
+             node = node->presentedNode()) {
+          if (GtkWidget* widget = of(*node).presentation_) {
+            gtk_widget_set_opacity(widget, 1.0 - t);
           }
         }
       },
-      [keep](bool /*finished*/) { keep->endPresentation(); });
+      [end = std::move(end)](bool /*finished*/) { end(); });
 }
 
 bool GtkScreen::userDismiss() {
-  if (presenting_ == nullptr || style_ != platform::ModalPresentationStyle::automatic ||
-      presenting_->dismissing_) {
+  const auto dismissal = stack_.beginUserDismissal(style_, presentationDelegate_);
+  if (!dismissal) {
     return false;
   }
-  const auto delegate = presentationDelegate_.lock();
-  const auto presenter = presenting_->shared_from_this();
-  presenter->dismiss(/*animated=*/true, [delegate] {
-    if (delegate) {
-      delegate->presentationControllerDidDismiss();
-    }
-  });
+  of(*dismissal->presenter).runDismissal(dismissal->id, /*animated=*/true);
   return true;
-}
-
-void GtkScreen::endPresentation() {
-  // Everything presented above the dismissed screen goes with it, top first.
-  std::vector<std::shared_ptr<GtkScreen>> chain;
-  for (auto screen = presented_; screen; screen = screen->presented_) {
-    chain.push_back(screen);
-  }
-  for (auto it = chain.rbegin(); it != chain.rend(); ++it) {
-    (*it)->tearDownPresentation();
-  }
-  GtkScreen* presenter = this;
-  for (auto& screen : chain) {
-    screen->presenting_ = nullptr;
-    presenter->presented_.reset();
-    presenter->presentedDelegate_.reset();
-    presenter->dismissing_ = false;
-    presenter = screen.get();
-  }
-  dismissing_ = false;
-  std::vector<std::function<void()>> completions = std::move(dismissCompletions_);
-  dismissCompletions_.clear();
-  chain.clear();  // releases the dismissed screens before the completions run
-  for (auto& completion : completions) {
-    completion();
-  }
 }
 
 }  // namespace vemba::linux_platform

@@ -15,13 +15,14 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "LiveObjects.h"
+#include "platform/PresentationStack.h"
 #include "platform/Screen.h"
 #include "platform/View.h"
 
@@ -62,16 +63,17 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
   void presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
                      std::function<void()> completion) override;
   void dismiss(bool animated, std::function<void()> completion) override;
-  std::shared_ptr<platform::Screen> presentedScreen() const override { return presented_; }
-  platform::Screen* presentingScreen() const override { return presenting_; }
+  std::shared_ptr<platform::Screen> presentedScreen() const override { return stack_.presented(); }
+  platform::Screen* presentingScreen() const override { return stack_.presenting(); }
   std::shared_ptr<platform::Screen> visibleScreen() const override;
   std::shared_ptr<platform::Screen> selectedScreen() const override { return nullptr; }
-  platform::Screen* navigationContainer() const override { return container_; }
+  platform::Screen* navigationContainer() const override { return container(); }
   void setNavigationBarHidden(bool hidden, bool animated) override;
   bool isNavigationBarHidden() const override { return barHidden_; }
 
   // The user's dismissal of this presented sheet (Escape, a backdrop click); false when this
-  // screen is not a presented sheet or a dismissal is under way. Tests call it directly too.
+  // screen is not the top presented sheet or a dismissal that would take it is under way. Tests
+  // call it directly too.
   bool userDismiss();
 
   // Tests and tools: the window this screen is shown in (or would present into), the widgets
@@ -89,11 +91,14 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
 
  private:
   explicit GtkScreen(Kind kind);
+  // The screen that owns `node`: every screen in a GTK presentation stack is a GtkScreen.
+  static GtkScreen& of(const platform::PresentationNode& node);
 
+  GtkScreen* container() const;
   void appear();
   void buildPresentation(GtkWidget* overlay);
   void tearDownPresentation();
-  void endPresentation();
+  void runDismissal(std::uint64_t id, bool animated);
   void updateBar();
   GtkWidget* contentWidget();
 
@@ -108,19 +113,11 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
 
   // Navigation containers.
   std::shared_ptr<GtkScreen> root_;
-  GtkScreen* container_ = nullptr;
   GtkWidget* revealer_ = nullptr;
   GtkWidget* headerBar_ = nullptr;
   GtkWidget* titleLabel_ = nullptr;
   GtkWidget* rightButton_ = nullptr;
   bool barHidden_ = false;
-
-  // Presentation (this screen presenting a child).
-  std::shared_ptr<GtkScreen> presented_;
-  std::shared_ptr<platform::ScreenDelegate> presentedDelegate_;
-  GtkScreen* presenting_ = nullptr;
-  bool dismissing_ = false;
-  std::vector<std::function<void()>> dismissCompletions_;
 
   // This screen's own presentation widgets while it is presented.
   GtkWidget* presentation_ = nullptr;
@@ -130,6 +127,8 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
   void* escapeController_ = nullptr;
 
   LiveCounter<GtkScreen> counted_;
+  // Its place in the window's presentation stack; goes first, while root_ still lives.
+  platform::PresentationNode stack_{*this};
 };
 
 }  // namespace vemba::linux_platform
