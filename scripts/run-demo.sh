@@ -36,7 +36,8 @@ run=("$demo" --script "$script" --screenshots "$shots")
 if [[ -z ${DISPLAY:-} && -z ${WAYLAND_DISPLAY:-} ]]; then
   # A virtual display has no accessibility bus: do not look for one (nor warn about it).
   export GTK_A11Y=none NO_AT_BRIDGE=1
-  run=(xvfb-run -a -s "-screen 0 1280x900x24" "${run[@]}")
+  # -noreset: the server stays up between clients (see scripts/test.sh).
+  run=(xvfb-run -a -s "-noreset -screen 0 1280x900x24" "${run[@]}")
 fi
 status=0
 "${run[@]}" || status=$?

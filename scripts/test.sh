@@ -21,7 +21,11 @@ for preset in ci asan-ubsan tsan; do
   cmake --build --preset "$preset" -j "$jobs"
   section "test ($preset)"
   # The GUI tests need a display: every preset's tests run under a private Xvfb server.
-  GTK_A11Y=none NO_AT_BRIDGE=1 xvfb-run -a ctest --preset "$preset" -j "$jobs" --timeout 300
+  # -noreset: by default the server resets when its last client leaves and drops the connections
+  # that arrive meanwhile (measured: about 2 % of connections under quick connect/disconnect), so
+  # a test starting just as another ends would find no display.
+  GTK_A11Y=none NO_AT_BRIDGE=1 xvfb-run -a -s "-noreset -screen 0 1280x1024x24" \
+    ctest --preset "$preset" -j "$jobs" --timeout 300
 done
 
 section "fuzz (${fuzz_seconds}s each)"
