@@ -27,6 +27,7 @@
 
 #include "LiveObjects.h"
 #include "LocalExchange.h"
+#include "MainLoop.h"
 #include "ProcessTree.h"
 #include "platform/Screen.h"
 #include "platform/Services.h"
@@ -41,26 +42,13 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Millis = std::chrono::duration<double, std::milli>;
 using namespace std::chrono_literals;
+using vemba::testing::runMainLoopUntil;
 
 constexpr int kExchangePort = 18443;
 constexpr int kWarmupPairs = 3;
 constexpr int kRssEarlyCycle = 10;
 constexpr auto kStepDeadline = 30s;
 constexpr auto kSettleDeadline = 15s;
-constexpr guint kPollMillis = 5;
-
-bool pumpUntil(const std::function<bool()>& done, std::chrono::milliseconds deadline) {
-  const guint tick = g_timeout_add(
-      kPollMillis, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
-  const Clock::time_point end = Clock::now() + deadline;
-  bool held = done();
-  while (!held && Clock::now() < end) {
-    g_main_context_iteration(nullptr, TRUE);
-    held = done();
-  }
-  g_source_remove(tick);
-  return held;
-}
 
 void require(bool condition, const char* what) {
   if (!condition) {
@@ -191,7 +179,7 @@ class Bench {
     auto ad = vemba::VembaInterstitialAd::create("bench-show-unit");
     ad->setDelegate(delegate);
     ad->load();
-    require(pumpUntil([&] { return delegate->loaded || delegate->failed; }, kStepDeadline) &&
+    require(runMainLoopUntil([&] { return delegate->loaded || delegate->failed; }, kStepDeadline) &&
                 delegate->loaded,
             "the ad did not load");
 
@@ -202,7 +190,7 @@ class Bench {
     const std::shared_ptr<vemba::platform::View> webView = adSubview(0);
     require(webView != nullptr, "the ad's screen has no web view");
     LoadWatch watch(WEBKIT_WEB_VIEW(vemba::linux_platform::gtkWidgetOf(*webView)), pageUri_);
-    require(pumpUntil([&] { return watch.finished() && delegate->shown; }, kStepDeadline),
+    require(runMainLoopUntil([&] { return watch.finished() && delegate->shown; }, kStepDeadline),
             "the ad page did not load");
     const Timing timing{
         Millis(watch.committedAt() - start).count(), Millis(watch.at() - start).count(),
@@ -211,7 +199,7 @@ class Bench {
     const std::shared_ptr<vemba::platform::View> button = adSubview(1);
     require(button != nullptr, "the ad's screen has no close button");
     gtk_widget_activate(vemba::linux_platform::gtkWidgetOf(*button));
-    require(pumpUntil([&] { return delegate->dismissed; }, kStepDeadline), "not dismissed");
+    require(runMainLoopUntil([&] { return delegate->dismissed; }, kStepDeadline), "not dismissed");
     return timing;
   }
 
@@ -240,7 +228,8 @@ class Bench {
       soup_message_headers_replace(headers, "Pragma", "no-cache");
       webkit_web_view_load_request(view, request);
       g_object_unref(request);
-      require(pumpUntil([&] { return watch.finished(); }, kStepDeadline), "bare load failed");
+      require(runMainLoopUntil([&] { return watch.finished(); }, kStepDeadline),
+              "bare load failed");
       timing.toCommitted = Millis(watch.committedAt() - start).count();
       timing.toLoaded = Millis(watch.at() - start).count();
     }
@@ -262,7 +251,7 @@ class Bench {
         }),
         &loaded);
     webkit_web_view_load_html(view, "<!DOCTYPE html><title>warm</title>", nullptr);
-    require(pumpUntil([&] { return loaded; }, kStepDeadline), "the warm view did not load");
+    require(runMainLoopUntil([&] { return loaded; }, kStepDeadline), "the warm view did not load");
     g_signal_handler_disconnect(view, handler);
     return view;
   }
@@ -270,7 +259,7 @@ class Bench {
   // Lets everything released by the last dismissal go (web processes end asynchronously).
   // Counts the waits that ran out.
   void settle(std::size_t webProcessesKept = 0) {
-    const bool settled = pumpUntil(
+    const bool settled = runMainLoopUntil(
         [webProcessesKept] {
           return vemba::linux_platform::liveWebViewCount() == 0 &&
                  vemba::testing::webProcessesOf(getpid()) == webProcessesKept;

@@ -16,6 +16,7 @@
 
 #include "LiveObjects.h"
 #include "LocalExchange.h"
+#include "MainLoop.h"
 #include "ProcessTree.h"
 #include "ads/core/VembaLogger.h"
 #include "platform/Screen.h"
@@ -47,22 +48,6 @@ using Strings = std::vector<std::string>;
 constexpr std::size_t kCycles = 20;
 constexpr auto kStepDeadline = 20s;    // one load, show, page load or dismissal
 constexpr auto kSettleDeadline = 15s;  // everything released after the last cycle
-constexpr guint kPollMillis = 20;      // how often a wait looks at its condition
-
-// Runs the main loop until `done` holds or `deadline` passes; true when it holds.
-bool pumpUntil(const std::function<bool()>& done, std::chrono::milliseconds deadline) {
-  // A ticking source wakes the loop so that the deadline is seen even when nothing happens.
-  const guint tick = g_timeout_add(
-      kPollMillis, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
-  const Clock::time_point end = Clock::now() + deadline;
-  bool held = done();
-  while (!held && Clock::now() < end) {
-    g_main_context_iteration(nullptr, TRUE);
-    held = done();
-  }
-  g_source_remove(tick);
-  return held;
-}
 
 // Records the host callbacks of either format, in order.
 class RecordingDelegate final : public VembaInterstitialAdDelegate, public VembaRewardedAdDelegate {
@@ -185,13 +170,13 @@ class AdCyclesTest : public ::testing::Test {
     std::shared_ptr<Ad> ad = Ad::create("cycles-unit");
     ad->setDelegate(std::static_pointer_cast<Delegate>(delegate));
     ad->load();
-    const bool loaded = pumpUntil([&] { return !delegate->trace.empty(); }, kStepDeadline);
+    const bool loaded = runMainLoopUntil([&] { return !delegate->trace.empty(); }, kStepDeadline);
     if (!loaded || !delegate->has("adDidLoad")) {
       ADD_FAILURE() << "cycle " << index << ": no load";
       return delegate->trace;
     }
     ad->show(screen_);
-    if (!pumpUntil([&] { return delegate->has("adDidShow"); }, kStepDeadline)) {
+    if (!runMainLoopUntil([&] { return delegate->has("adDidShow"); }, kStepDeadline)) {
       ADD_FAILURE() << "cycle " << index << ": not shown";
       return delegate->trace;
     }
@@ -201,7 +186,7 @@ class AdCyclesTest : public ::testing::Test {
     EXPECT_GE(webProcessesOf(getpid()), 1U) << "cycle " << index;
 
     if (closeBy != CloseBy::buttonAtOnce) {
-      if (!pumpUntil([&] { return pageLoaded(); }, kStepDeadline)) {
+      if (!runMainLoopUntil([&] { return pageLoaded(); }, kStepDeadline)) {
         const std::shared_ptr<platform::WebView> webView = adWebView();
         ADD_FAILURE() << "cycle " << index << ": the page did not load (url "
                       << (webView && webView->url() ? webView->url()->absoluteString() : "none")
@@ -216,7 +201,7 @@ class AdCyclesTest : public ::testing::Test {
     } else {
       ADD_FAILURE() << "cycle " << index << ": no close button";
     }
-    EXPECT_TRUE(pumpUntil([&] { return delegate->has("adDidDismiss"); }, kStepDeadline))
+    EXPECT_TRUE(runMainLoopUntil([&] { return delegate->has("adDidDismiss"); }, kStepDeadline))
         << "cycle " << index << ": not dismissed";
     return delegate->trace;
   }
@@ -253,7 +238,7 @@ TEST_F(AdCyclesTest, TwentyShowCloseCyclesLeaveNoWebViewScreenOrWebProcessBehind
   const bool allCyclesRan = !HasFailure();
 
   // Web processes end asynchronously: wait (bounded) for everything to be released.
-  pumpUntil(
+  runMainLoopUntil(
       [&] {
         return linux_platform::liveWebViewCount() == 0 &&
                linux_platform::liveScreenCount() == screensBefore &&
