@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "DisplayExchangeTest.h"
 #include "InspectorRun.h"
 #include "LocalExchange.h"
 
@@ -35,30 +36,9 @@ int closedPort() {
   return ntohs(address.sin_port);
 }
 
-class AdShowTest : public ::testing::Test {
+// Port 18443: the exchange origin the library is built against.
+class AdShowTest : public DisplayExchangeTest<18443> {
  protected:
-  static void SetUpTestSuite() {
-    if (std::getenv("DISPLAY") == nullptr) {
-      return;
-    }
-    LocalExchange::Options options;
-    options.port = 18443;  // the origin the library is built against
-    exchange_ = new LocalExchange(options);
-    setenv("SSL_CERT_FILE", exchange_->caFile().c_str(), 1);
-  }
-  static void TearDownTestSuite() {
-    delete exchange_;
-    exchange_ = nullptr;
-  }
-  void SetUp() override {
-    if (std::getenv("DISPLAY") == nullptr) {
-      GTEST_SKIP() << "needs a display (the test command runs under xvfb-run)";
-    }
-    // A display but no exchange: its start failed (reported above), which must not pass as a skip.
-    ASSERT_NE(exchange_, nullptr);
-    exchange_->clearLog();
-  }
-
   // Shows an ad of `unit` whose bid serves `page` (under /ads/), with `extra` options.
   static InspectorRun show(const std::string& unit, const std::string& page, Strings extra = {}) {
     exchange_->setBehaviour(unit, "bid", {{"page", page}});
@@ -73,8 +53,6 @@ class AdShowTest : public ::testing::Test {
     }
     return count;
   }
-
-  static inline LocalExchange* exchange_ = nullptr;
 };
 
 TEST_F(AdShowTest, InterstitialShowsIsBilledAndIsDismissedByItsCloseButton) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "DisplayExchangeTest.h"
 #include "InspectorRun.h"
 #include "LocalExchange.h"
 
@@ -22,28 +23,8 @@ constexpr const char* kStandardAgent = "VembaCheckoutKit/3.4.0 (8.1;automatic;st
 constexpr const char* kRecoveryAgent =
     "VembaCheckoutKit/3.4.0 (noconnect;automatic;standard_recovery)";
 
-class CheckoutSheetTest : public ::testing::Test {
+class CheckoutSheetTest : public DisplayExchangeTest<> {
  protected:
-  static void SetUpTestSuite() {
-    if (std::getenv("DISPLAY") == nullptr) {
-      return;
-    }
-    exchange_ = new LocalExchange();
-    // The library's HTTP client and web views trust the exchange's own authority.
-    setenv("SSL_CERT_FILE", exchange_->caFile().c_str(), 1);
-  }
-  static void TearDownTestSuite() {
-    delete exchange_;
-    exchange_ = nullptr;
-  }
-  void SetUp() override {
-    if (std::getenv("DISPLAY") == nullptr) {
-      GTEST_SKIP() << "needs a display (the test command runs under xvfb-run)";
-    }
-    // A display but no exchange: its start failed (reported above), which must not pass as a skip.
-    ASSERT_NE(exchange_, nullptr);
-  }
-
   static std::string url(const std::string& pathAndQuery) {
     return exchange_->origin() + pathAndQuery;
   }
@@ -82,8 +63,6 @@ class CheckoutSheetTest : public ::testing::Test {
     }
     return out;
   }
-
-  static inline LocalExchange* exchange_ = nullptr;
 };
 
 TEST_F(CheckoutSheetTest, ColdPresentationCompletesWithPixelsAndTheHandshake) {

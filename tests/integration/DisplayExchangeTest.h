@@ -1,0 +1,43 @@
+// The fixture of the end-to-end suites that draw on the display: one local exchange for the whole
+// suite, trusted by the library's HTTP client and web views through SSL_CERT_FILE. Without a
+// display every test skips; with one, an exchange that failed to start (the suite set-up reports
+// why) fails every test instead of passing as a skip.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "LocalExchange.h"
+
+namespace vemba::testing {
+
+// `Port`: the exchange's port; 0 for any free one.
+template <int Port = 0>
+class DisplayExchangeTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    if (std::getenv("DISPLAY") == nullptr) {
+      return;
+    }
+    exchange::LocalExchange::Options options;
+    options.port = Port;
+    exchange_ = new exchange::LocalExchange(options);
+    setenv("SSL_CERT_FILE", exchange_->caFile().c_str(), 1);
+  }
+  static void TearDownTestSuite() {
+    delete exchange_;
+    exchange_ = nullptr;
+  }
+  void SetUp() override {
+    if (std::getenv("DISPLAY") == nullptr) {
+      GTEST_SKIP() << "needs a display (the test command runs under xvfb-run)";
+    }
+    ASSERT_NE(exchange_, nullptr);
+    exchange_->clearLog();
+  }
+
+  static inline exchange::LocalExchange* exchange_ = nullptr;
+};
+
+}  // namespace vemba::testing
