@@ -142,48 +142,4 @@ platform::WebRequest requestFor(const std::string& url, std::chrono::millisecond
   return request;
 }
 
-std::vector<int> descendantProcesses(const std::string& prefix) {
-  // Parent of every process, then a walk down from this one.
-  std::multimap<int, int> children;
-  std::map<int, std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-    const std::string name = entry.path().filename();
-    if (name.find_first_not_of("0123456789") != std::string::npos) {
-      continue;
-    }
-    std::ifstream stat(entry.path() / "stat");
-    std::string line;
-    if (!std::getline(stat, line)) {
-      continue;
-    }
-    // pid (comm) state ppid ...: comm may hold spaces, so read from the last ')'.
-    const auto open = line.find('(');
-    const auto close = line.rfind(')');
-    if (open == std::string::npos || close == std::string::npos) {
-      continue;
-    }
-    const int pid = std::stoi(name);
-    names[pid] = line.substr(open + 1, close - open - 1);
-    int ppid = 0;
-    char state = 0;
-    std::istringstream rest(line.substr(close + 2));
-    rest >> state >> ppid;
-    children.emplace(ppid, pid);
-  }
-  std::vector<int> found;
-  std::vector<int> pending{static_cast<int>(getpid())};
-  while (!pending.empty()) {
-    const int parent = pending.back();
-    pending.pop_back();
-    const auto [first, last] = children.equal_range(parent);
-    for (auto it = first; it != last; ++it) {
-      pending.push_back(it->second);
-      if (names[it->second].rfind(prefix, 0) == 0) {
-        found.push_back(it->second);
-      }
-    }
-  }
-  return found;
-}
-
 }  // namespace vemba::testing

@@ -88,7 +88,4 @@ TestWebView makeWebView(std::optional<std::string> applicationName = std::nullop
 platform::WebRequest requestFor(const std::string& url,
                                 std::chrono::milliseconds timeout = std::chrono::seconds(20));
 
-// The process ids of this process's descendants whose name starts with `prefix`.
-std::vector<int> descendantProcesses(const std::string& prefix);
-
 }  // namespace vemba::testing

@@ -4,6 +4,7 @@
 // storage, and the web process ending with the view.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 #include <webkit/webkit.h>
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 
 #include "LocalExchange.h"
 #include "LoopbackPorts.h"
+#include "ProcessTree.h"
 #include "WebTestSupport.h"
 #include "WindowSnapshot.h"
 #include "platform/UrlErrorCode.h"
@@ -289,8 +291,7 @@ TEST_F(WebViewTest, SurvivesAPageThatNeverStopsNavigating) {
 }
 
 TEST_F(WebViewTest, TheWebProcessEndsWithTheView) {
-  const std::string name = "WebKitWebProces";  // the kernel keeps 15 characters of a name
-  const auto count = [&] { return descendantProcesses(name).size(); };
+  const auto count = [] { return webProcessesOf(getpid()); };
   // The views of earlier tests are gone; their processes end shortly after them.
   ASSERT_TRUE(runMainLoopUntil([&] { return count() == 0; }, std::chrono::seconds(10)));
   {
