@@ -52,6 +52,8 @@ constexpr int kRssEarlyCycle = 10;
 // How long after adDidLoad (and its web process appearing) the bench shows the ad; longer than a
 // warm view takes to finish about:blank (printed as "warm view ready").
 constexpr auto kShowAfterLoad = std::chrono::milliseconds(500);
+// How long the bench lets a readied web process run before reading what it costs.
+constexpr auto kWarmSettle = std::chrono::milliseconds(2000);
 constexpr auto kStepDeadline = 30s;
 constexpr auto kSettleDeadline = 15s;
 constexpr guint kPollMillis = 5;
@@ -460,6 +462,8 @@ int main(int argc, char** argv) {
     {
       const std::shared_ptr<vemba::VembaInterstitialAd> waiting = bench.loadOnly();
       bench.settle(1);
+      // Read once the process has started and loaded its blank page, not while it is starting.
+      pumpUntil([] { return false; }, kWarmSettle);
       long warmProcessKiB = 0;
       for (const pid_t pid : vemba::testing::webProcessIdsOf(getpid())) {
         warmProcessKiB += residentKiB(std::to_string(pid));
