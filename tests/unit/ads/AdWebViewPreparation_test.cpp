@@ -89,8 +89,8 @@ TYPED_TEST(AdWebViewPreparationTest, AShowFromInsideAdDidLoadFindsItAsked) {
   auto host = this->platform.ui.createScreen();
   auto ad = TypeParam::create("u");
   struct ShowingDelegate : HintWatchingDelegate {
-    using HintWatchingDelegate::HintWatchingDelegate;
     using HintWatchingDelegate::adDidLoad;
+    using HintWatchingDelegate::HintWatchingDelegate;
     void adDidLoad(TypeParam& loaded) override {
       HintWatchingDelegate::adDidLoad(loaded);
       loaded.show(from);
