@@ -1,8 +1,12 @@
 // Showing an ad on the real Linux backend (GTK 4 + WebKitGTK), against the local exchange:
-// 1. show() until the ad page has finished loading, beside a bare WebKitGTK load of the same page
-//    URL in a new WebKitWebView in the same window, alternated and interleaved in one run;
+// 1. show() until the ad page has finished loading (the ad's web view starts in the web process the
+//    library readied when the ad loaded), beside two bare WebKitGTK loads of the same page URL in a
+//    new WebKitWebView in the same window: one that starts its own web process, and one that
+//    shares a web process started ahead of time (untimed) as the library's is; interleaved, the
+//    order rotating, in one run;
 // 2. show() until adDidShow;
-// 3. many show/close cycles: the process's resident memory after cycle 10 and after the last one,
+// 3. what an ad loaded and not yet shown costs: the VmRSS of its readied web process and of ours;
+// 4. many show/close cycles: the process's resident memory after cycle 10 and after the last one,
 //    and the web views and web processes left at the end.
 // It prints medians and the ratios of one run; nothing is asserted.
 //
@@ -47,6 +51,11 @@ using vemba::testing::runMainLoopUntil;
 constexpr int kExchangePort = 18443;
 constexpr int kWarmupPairs = 3;
 constexpr int kRssEarlyCycle = 10;
+// How long after adDidLoad (and its web process appearing) the bench shows the ad; longer than a
+// warm view takes to finish about:blank (printed as "warm view ready").
+constexpr auto kShowAfterLoad = std::chrono::milliseconds(500);
+// How long the bench lets a readied web process run before reading what it costs.
+constexpr auto kWarmSettle = std::chrono::milliseconds(2000);
 constexpr auto kStepDeadline = 30s;
 constexpr auto kSettleDeadline = 15s;
 
@@ -182,6 +191,10 @@ class Bench {
     require(runMainLoopUntil([&] { return delegate->loaded || delegate->failed; }, kStepDeadline) &&
                 delegate->loaded,
             "the ad did not load");
+    // A host shows an ad some time after it loaded: by then the web process readied for it runs.
+    require(runMainLoopUntil([] { return vemba::testing::webProcessesOf(getpid()) == 1; }, kStepDeadline),
+            "no web process readied for the loaded ad");
+    runMainLoopUntil([] { return false; }, kShowAfterLoad);
 
     const Clock::time_point start = Clock::now();
     ad->show(screen_);
@@ -241,8 +254,10 @@ class Bench {
     return timing;
   }
 
-  // A view that is never shown, with its web process started (an empty document loaded).
+  // A view that is never shown, with its web process started (about:blank loaded, as the
+  // library's own warm view does).
   WebKitWebView* warmView() {
+    const Clock::time_point start = Clock::now();
     WebKitWebView* view = newBareView(nullptr);
     bool loaded = false;
     const gulong handler = g_signal_connect(
@@ -250,10 +265,34 @@ class Bench {
           *static_cast<bool*>(flag) = *static_cast<bool*>(flag) || event == WEBKIT_LOAD_FINISHED;
         }),
         &loaded);
-    webkit_web_view_load_html(view, "<!DOCTYPE html><title>warm</title>", nullptr);
+    webkit_web_view_load_uri(view, "about:blank");
     require(runMainLoopUntil([&] { return loaded; }, kStepDeadline), "the warm view did not load");
+    warmReady_.push_back(Millis(Clock::now() - start).count());
     g_signal_handler_disconnect(view, handler);
     return view;
+  }
+
+  // A bare load in a new view that shares a web process started ahead of time (untimed); the
+  // process is ended afterwards, as the library ends the one its ad view used.
+  Timing warmBareLoad() {
+    WebKitWebView* warm = warmView();
+    const Timing timing = bareLoad(warm);
+    webkit_web_view_terminate_web_process(warm);
+    g_object_unref(warm);
+    return timing;
+  }
+
+  // An interstitial loaded and left unshown: the library keeps a web process ready for it.
+  std::shared_ptr<vemba::VembaInterstitialAd> loadOnly() {
+    auto delegate = std::make_shared<Delegate>();
+    auto ad = vemba::VembaInterstitialAd::create("bench-show-unit");
+    ad->setDelegate(delegate);
+    ad->load();
+    require(runMainLoopUntil([&] { return delegate->loaded || delegate->failed; }, kStepDeadline) &&
+                delegate->loaded,
+            "the ad did not load");
+    ad->setDelegate({});
+    return ad;
   }
 
   // Lets everything released by the last dismissal go (web processes end asynchronously).
@@ -268,6 +307,8 @@ class Bench {
     unsettled_ += settled ? 0 : 1;
   }
   int unsettled() const { return unsettled_; }
+  // How long each warm view took from creation to about:blank finished.
+  const std::vector<double>& warmReady() const { return warmReady_; }
 
  private:
   // A WebKitWebView with what the ad's view sets that touches loading: the default network
@@ -303,10 +344,11 @@ class Bench {
   std::shared_ptr<vemba::platform::Screen> screen_;
   std::string pageUri_;
   int unsettled_ = 0;
+  std::vector<double> warmReady_;
 };
 
 void printRow(const char* name, const std::vector<double>& values) {
-  std::printf("%-34s %9.1f %9.1f %9.1f\n", name, median(values), percentile(values, 0.1),
+  std::printf("%-38s %9.1f %9.1f %9.1f\n", name, median(values), percentile(values, 0.1),
               percentile(values, 0.9));
 }
 
@@ -358,65 +400,69 @@ int main(int argc, char** argv) {
     std::vector<double> inShow;
     std::vector<double> bare;
     std::vector<double> bareCommitted;
-    const auto runBare = [&] {
-      const Timing timing = bench.bareLoad();
-      bare.push_back(timing.toLoaded);
-      bareCommitted.push_back(timing.toCommitted);
-      bench.settle();
+    std::vector<double> warmBare;
+    std::vector<double> warmBareCommitted;
+    const std::function<void()> steps[] = {
+        [&] {
+          const Timing timing = bench.showAndClose();
+          library.push_back(timing.toLoaded);
+          libraryCommitted.push_back(timing.toCommitted);
+          shown.push_back(timing.toShown);
+          inShow.push_back(timing.inShow);
+          bench.settle();
+        },
+        [&] {
+          const Timing timing = bench.bareLoad();
+          bare.push_back(timing.toLoaded);
+          bareCommitted.push_back(timing.toCommitted);
+          bench.settle();
+        },
+        [&] {
+          const Timing timing = bench.warmBareLoad();
+          warmBare.push_back(timing.toLoaded);
+          warmBareCommitted.push_back(timing.toCommitted);
+          bench.settle();
+        },
     };
     for (int i = 0; i < pairs; ++i) {
-      // Alternate which goes first so neither always follows the other.
-      const bool libraryFirst = i % 2 == 0;
-      if (!libraryFirst) {
-        runBare();
-      }
-      const Timing timing = bench.showAndClose();
-      library.push_back(timing.toLoaded);
-      libraryCommitted.push_back(timing.toCommitted);
-      shown.push_back(timing.toShown);
-      inShow.push_back(timing.inShow);
-      bench.settle();
-      if (libraryFirst) {
-        runBare();
+      // Rotate the order so that none always follows another.
+      for (int k = 0; k < 3; ++k) {
+        steps[(i + k) % 3]();
       }
     }
-    std::printf("show() vs a bare WebKitWebView load of the same page, %d pairs\n", pairs);
-    std::printf("%-34s %9s %9s %9s\n", "", "median ms", "p10 ms", "p90 ms");
+    std::printf("show() vs bare WebKitWebView loads of the same page, %d rounds\n", pairs);
+    std::printf("%-38s %9s %9s %9s\n", "", "median ms", "p10 ms", "p90 ms");
     printRow("show() -> ad page loaded", library);
     printRow("bare new view -> page loaded", bare);
+    printRow("bare view, warm process -> loaded", warmBare);
     printRow("show() -> ad page committed", libraryCommitted);
     printRow("bare new view -> page committed", bareCommitted);
+    printRow("bare view, warm process -> committed", warmBareCommitted);
     printRow("show() -> adDidShow", shown);
     printRow("the show() call itself", inShow);
-    std::printf("ratio of medians (show -> loaded / bare): %.3f (target <= 1.10)\n",
+    printRow("warm view ready (untimed above)", bench.warmReady());
+    std::printf("ratio of medians (show -> loaded / bare, own process): %.3f (target <= 1.10)\n",
                 median(library) / median(bare));
+    std::printf("ratio of medians (show -> loaded / bare, warm process): %.3f\n",
+                median(library) / median(warmBare));
 
-    // A web process kept warm (a hidden view), and new views that share it, beside new views
-    // that start their own; interleaved in the same way.
-    const long uiBeforeWarm = residentKiB();
-    WebKitWebView* warm = bench.warmView();
-    bench.settle(1);
-    long warmProcessKiB = 0;
-    for (const pid_t pid : vemba::testing::webProcessIdsOf(getpid())) {
-      warmProcessKiB += residentKiB(std::to_string(pid));
-    }
-    const long uiWithWarm = residentKiB();
-    std::vector<double> cold;
-    std::vector<double> shared;
-    for (int i = 0; i < pairs; ++i) {
-      for (const bool share : {i % 2 == 0, i % 2 != 0}) {
-        (share ? shared : cold).push_back(bench.bareLoad(share ? warm : nullptr).toLoaded);
-        bench.settle(1);
+    // An ad loaded and not shown: what the web process readied for it costs.
+    const long uiBeforeLoad = residentKiB();
+    {
+      const std::shared_ptr<vemba::VembaInterstitialAd> waiting = bench.loadOnly();
+      bench.settle(1);
+      // Read once the process has started and loaded its blank page, not while it is starting.
+      runMainLoopUntil([] { return false; }, kWarmSettle);
+      long warmProcessKiB = 0;
+      for (const pid_t pid : vemba::testing::webProcessIdsOf(getpid())) {
+        warmProcessKiB += residentKiB(std::to_string(pid));
       }
+      std::printf(
+          "an ad waiting to be shown: %zu web process(es), VmRSS %ld KiB; this process %+ld KiB\n",
+          vemba::testing::webProcessesOf(getpid()), warmProcessKiB, residentKiB() - uiBeforeLoad);
     }
-    webkit_web_view_terminate_web_process(warm);
-    g_object_unref(warm);
-    bench.settle();
-    std::printf("a web process kept warm ahead of time, %d pairs\n", pairs);
-    printRow("bare new view -> page loaded", cold);
-    printRow("bare view sharing it -> page loaded", shared);
-    std::printf("its cost: web process VmRSS %ld KiB, this process %+ld KiB\n", warmProcessKiB,
-                uiWithWarm - uiBeforeWarm);
+    // The unshown ad is gone, but its readied web process is kept for the next ad's view, which
+    // the first cycle below makes.
 
     long rssEarly = 0;
     for (int i = 1; i <= cycles; ++i) {
@@ -440,6 +486,7 @@ int main(int argc, char** argv) {
         "%zu web processes\n",
         vemba::linux_platform::liveWebViewCount(), vemba::linux_platform::liveScreenCount(),
         vemba::testing::webProcessesOf(getpid()));
+    std::printf("waits for views and web processes to go that ran out: %d\n", bench.unsettled());
   }
   gtk_window_destroy(window);
   std::error_code ignored;

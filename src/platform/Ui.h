@@ -35,6 +35,11 @@ class Ui {
                                                  const WebViewConfiguration& configuration) = 0;
   virtual std::shared_ptr<EmitterLayer> createEmitterLayer() = 0;
 
+  // A hint that a web view configured with usesPreparedWebView will be made soon: the backend may
+  // ready what such a view needs ahead of time (at most one readied set in the whole process,
+  // consumed by the next such view). It must change nothing a view, a page or the network sees.
+  virtual void prepareWebView() {}
+
   // Activates the constraints together. Every view they name must be in one view tree.
   virtual void activate(const std::vector<LayoutConstraint>& constraints) = 0;
 

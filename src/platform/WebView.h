@@ -38,6 +38,9 @@ struct WebViewConfiguration {
   bool nonPersistentDataStore = false;
   // Appended to the engine's own user agent (after one space).
   std::optional<std::string> applicationNameForUserAgent;
+  // May start in what the last Ui::prepareWebView() readied, if the backend readied anything.
+  // Changes how fast the view's first load can start, nothing the view or its pages show.
+  bool usesPreparedWebView = false;
 };
 
 struct WebRequest {

@@ -1,6 +1,7 @@
 // Many show/close cycles of both ad formats in one process on the real Linux backend (GTK 4 +
 // WebKitGTK under a virtual display), against the local exchange on the library's own origin:
-// every cycle must give back its web view, its screen and its web process.
+// every cycle must give back its web view, its screen and its web process, and an ad loaded but
+// not yet shown keeps exactly one web process running, which its show then uses.
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
@@ -253,6 +254,44 @@ TEST_F(AdCyclesTest, TwentyShowCloseCyclesLeaveNoWebViewScreenOrWebProcessBehind
     // Each show was billed once.
     EXPECT_EQ(exchange_->waitForLog("billing", kCycles, 5s).size(), std::size_t{kCycles});
   }
+}
+
+TEST_F(AdCyclesTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowThenUses) {
+  // Nothing left from earlier tests: no ad loaded, no web process.
+  ASSERT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 0; }, kSettleDeadline));
+
+  const auto delegate = std::make_shared<RecordingDelegate>();
+  const std::shared_ptr<VembaInterstitialAd> ad = VembaInterstitialAd::create("cycles-unit");
+  ad->setDelegate(std::static_pointer_cast<VembaInterstitialAdDelegate>(delegate));
+  exchange_->clearLog();
+  ad->load();
+  ASSERT_TRUE(runMainLoopUntil([&] { return delegate->has("adDidLoad"); }, kStepDeadline));
+
+  // Loaded and not shown: exactly one web process, running ahead of the show.
+  ASSERT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 1; }, kStepDeadline));
+  const std::vector<pid_t> warm = webProcessIdsOf(getpid());
+  EXPECT_EQ(linux_platform::liveWebViewCount(), 0U);  // the core holds no web view yet
+  // Readying it asked the network for nothing: only the bid so far.
+  EXPECT_TRUE(exchange_->waitForLog("page", 1, 300ms).empty());
+  EXPECT_TRUE(exchange_->log("other").empty());
+  EXPECT_EQ(exchange_->log("bid").size(), 1U);
+
+  // The show starts in that very process and starts no other.
+  ad->show(screen_);
+  ASSERT_TRUE(runMainLoopUntil([&] { return delegate->has("adDidShow") && pageLoaded(); }, kStepDeadline));
+  EXPECT_EQ(webProcessIdsOf(getpid()), warm);
+  EXPECT_FALSE(exchange_->log("page").empty());  // the census of requests above does count
+
+  const std::shared_ptr<platform::View> button = adSubview(1);
+  ASSERT_NE(button, nullptr);
+  gtk_widget_activate(linux_platform::gtkWidgetOf(*button));
+  ASSERT_TRUE(runMainLoopUntil([&] { return delegate->has("adDidDismiss"); }, kStepDeadline));
+  EXPECT_EQ(delegate->trace, (Strings{"adDidLoad", "adDidShow", "adDidDismiss"}));
+
+  // Closed, with no other ad loaded: the process ended with the ad's view.
+  runMainLoopUntil([] { return webProcessesOf(getpid()) == 0; }, kSettleDeadline);
+  EXPECT_EQ(webProcessesOf(getpid()), 0U);
+  EXPECT_EQ(linux_platform::liveWebViewCount(), 0U);
 }
 
 }  // namespace

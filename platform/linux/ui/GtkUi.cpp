@@ -147,6 +147,10 @@ std::shared_ptr<platform::WebView> GtkUi::createWebView(
   return linux_platform::createWebView(frame, configuration);
 }
 
+void GtkUi::prepareWebView() {
+  linux_platform::prepareWebView();
+}
+
 std::shared_ptr<platform::EmitterLayer> GtkUi::createEmitterLayer() {
   return std::make_shared<GtkEmitterLayer>();
 }

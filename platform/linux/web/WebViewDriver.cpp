@@ -8,6 +8,7 @@
 
 #include "GtkUserContentController.h"
 #include "TlsTrust.h"
+#include "WarmWebView.h"
 #include "WebErrorMap.h"
 #include "platform/UrlErrorCode.h"
 #include "vemba/linux/WebViews.h"
@@ -172,27 +173,44 @@ std::shared_ptr<WebViewDriver> WebViewDriver::create(
 
   // A non-persistent view gets a session of its own that ends with it.
   const bool ephemeral = configuration.nonPersistentDataStore || ephemeralWebViews();
-  WebKitNetworkSession* session =
-      ephemeral ? webkit_network_session_new_ephemeral()
-                : WEBKIT_NETWORK_SESSION(g_object_ref(webkit_network_session_get_default()));
+  WebKitWebView* warm = configuration.usesPreparedWebView ? takeWarmWebView(ephemeral) : nullptr;
 
-  auto* view = WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session,
-                                            "user-content-manager", controller->manager(),
-                                            "settings", settings, nullptr));
+  WebKitWebView* view = nullptr;
+  WebKitNetworkSession* session = nullptr;
+  if (warm != nullptr) {
+    // Starts in the warm view's running web process, in its session (one of the same kind).
+    view = WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", warm,
+                                        "user-content-manager", controller->manager(), "settings",
+                                        settings, nullptr));
+    session = WEBKIT_NETWORK_SESSION(g_object_ref(webkit_web_view_get_network_session(view)));
+  } else {
+    session = ephemeral
+                  ? webkit_network_session_new_ephemeral()
+                  : WEBKIT_NETWORK_SESSION(g_object_ref(webkit_network_session_get_default()));
+    view = WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session,
+                                        "user-content-manager", controller->manager(), "settings",
+                                        settings, nullptr));
+  }
   g_object_ref_sink(view);
   g_object_unref(settings);
   return std::shared_ptr<WebViewDriver>(
-      new WebViewDriver(view, session, configuration.userContentController));
+      new WebViewDriver(view, session, configuration.userContentController, warm));
 }
 
 WebViewDriver::WebViewDriver(WebKitWebView* view, WebKitNetworkSession* session,
-                             std::shared_ptr<platform::UserContentController> controller)
-    : view_(view), session_(session), controller_(std::move(controller)) {}
+                             std::shared_ptr<platform::UserContentController> controller,
+                             WebKitWebView* warm)
+    : view_(view), session_(session), controller_(std::move(controller)), warm_(warm) {}
 
 WebViewDriver::~WebViewDriver() {
   shutdown();
   g_object_unref(view_);
   g_object_unref(session_);
+}
+
+void WebViewDriver::releaseWarmView() {
+  // The process stays while this view uses it; ending it is this view's alone from now on.
+  g_clear_object(&warm_);
 }
 
 void WebViewDriver::connect(const char* signal, GCallback callback) {
@@ -234,7 +252,9 @@ void WebViewDriver::shutdown() {
     gtk_widget_remove_controller(GTK_WIDGET(view_), scrollBlocker_);
     scrollBlocker_ = nullptr;
   }
-  // Without this the view's web process outlives the view.
+  // Without this the view's web process outlives the view. A warm view still sharing the process
+  // goes first: the process would end under it too, and it is of no use to anyone else.
+  releaseWarmView();
   webkit_web_view_terminate_web_process(view_);
 }
 
@@ -434,6 +454,7 @@ void WebViewDriver::loadChanged(WebKitLoadEvent event) {
       return;
     case WEBKIT_LOAD_COMMITTED:
       committed_ = true;
+      releaseWarmView();
       return;
     case WEBKIT_LOAD_FINISHED:
       if (swallowFinish_) {
@@ -463,6 +484,7 @@ gboolean WebViewDriver::loadFailed(WebKitLoadEvent event, const char* uri, GErro
     return FALSE;
   }
   failed_ = true;
+  releaseWarmView();
   platform::NavigationError mapped =
       navigationErrorFor(error->domain, error->code, tlsErrors_, uri);
   const bool cancelled = mapped.domain == platform::kUrlErrorDomain &&

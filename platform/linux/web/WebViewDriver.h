@@ -73,7 +73,9 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
 
  private:
   WebViewDriver(WebKitWebView* view, WebKitNetworkSession* session,
-                std::shared_ptr<platform::UserContentController> controller);
+                std::shared_ptr<platform::UserContentController> controller, WebKitWebView* warm);
+  // Drops the warm view this one was made related to, once this view has the shared process.
+  void releaseWarmView();
   void connect(const char* signal, GCallback callback);
   void send(const platform::WebRequest& request);
   void cancelTimeout();
@@ -84,6 +86,9 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
   WebKitWebView* view_;
   WebKitNetworkSession* session_;
   std::shared_ptr<platform::UserContentController> controller_;
+  // The warm view whose web process this view started in (see WarmWebView.h), until this view's
+  // first load commits or fails, or this view is shut down; then null.
+  WebKitWebView* warm_;
   std::weak_ptr<platform::WebView> owner_;
   std::weak_ptr<platform::NavigationDelegate> delegate_;
   std::vector<gulong> signalIds_;

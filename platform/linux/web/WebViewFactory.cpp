@@ -2,6 +2,7 @@
 
 #include "GtkUserContentController.h"
 #include "GtkWebView.h"
+#include "WarmWebView.h"
 
 namespace vemba::linux_platform {
 
@@ -12,6 +13,10 @@ std::shared_ptr<platform::UserContentController> createUserContentController() {
 std::shared_ptr<platform::WebView> createWebView(platform::Rect frame,
                                                  const platform::WebViewConfiguration& c) {
   return GtkWebView::create(frame, c);
+}
+
+void prepareWebView() {
+  prepareWarmWebView();
 }
 
 }  // namespace vemba::linux_platform

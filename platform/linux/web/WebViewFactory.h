@@ -12,5 +12,7 @@ namespace vemba::linux_platform {
 std::shared_ptr<platform::UserContentController> createUserContentController();
 std::shared_ptr<platform::WebView> createWebView(
     platform::Rect frame, const platform::WebViewConfiguration& configuration);
+// Keeps one web process running for the next web view made with usesPreparedWebView.
+void prepareWebView();
 
 }  // namespace vemba::linux_platform

@@ -5,6 +5,7 @@
 #include "ads/core/UserAgentFetcher.h"
 #include "ads/core/VembaLogger.h"
 #include "ads/core/VembaSDKForTesting.h"
+#include "ads/formats/AdWebViewPreparation.h"
 
 namespace vemba {
 namespace {
@@ -57,6 +58,7 @@ void resetVembaSdkForTesting() {
   ApiKeyStore& store = apiKeyStore();
   const std::lock_guard lock(store.mutex);
   store.apiKey.reset();
+  AdWebViewPreparation::resetForTesting();
 }
 
 }  // namespace ads

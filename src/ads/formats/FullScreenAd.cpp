@@ -6,6 +6,7 @@
 #include "ads/bidding/BidExchange.h"
 #include "ads/core/VembaLogger.h"
 #include "ads/formats/AdScreenListener.h"
+#include "ads/formats/AdWebViewPreparation.h"
 #include "ads/formats/UIUtils.h"
 #include "ads/formats/VembaWebViewController.h"
 #include "platform/Screen.h"
@@ -65,6 +66,9 @@ void FullScreenAd<Self, Delegate>::load() {
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::deliverBidOutcome(const ads::BidOutcome& outcome) {
+  if (outcome.loaded()) {
+    ads::AdWebViewPreparation::adBecameReady();
+  }
   // Asked at delivery time: the delegate may have changed while the request was in flight.
   const std::shared_ptr<Delegate> listener = delegate();
   if (!listener) {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "ads/core/VembaLogger.h"
+#include "ads/formats/AdWebViewPreparation.h"
 #include "checkout/MessageHandler.h"
 #include "platform/Application.h"
 #include "platform/MainQueue.h"
@@ -95,6 +96,7 @@ void VembaWebViewController::setupWebView() {
   configuration.userContentController->add(
       std::make_shared<checkout::MessageHandler>(weak_from_this()), kMessageHandlerName);
   configuration.allowsInlineMediaPlayback = true;
+  AdWebViewPreparation::configureAdWebView(configuration);
 
   webView_ = ui.createWebView(view.bounds(), configuration);
   webView_->setAutoresizingMask(platform::AutoresizingMask::flexibleWidth |

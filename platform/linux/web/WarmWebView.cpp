@@ -1,0 +1,57 @@
+#include "WarmWebView.h"
+
+#include <utility>
+
+#include "vemba/linux/WebViews.h"
+
+namespace vemba::linux_platform {
+namespace {
+
+// An empty document with no URL of its own: starting it launches the web process and sends
+// nothing to the network.
+constexpr const char* kBlankPage = "about:blank";
+
+struct Warm {
+  WebKitWebView* view = nullptr;  // one strong reference while kept
+  bool ephemeral = false;
+};
+
+Warm& warm() {
+  static Warm value;
+  return value;
+}
+
+}  // namespace
+
+void prepareWarmWebView() {
+  Warm& kept = warm();
+  const bool ephemeral = ephemeralWebViews();
+  if (kept.view != nullptr) {
+    if (kept.ephemeral == ephemeral) {
+      return;
+    }
+    // Kept for the other kind of session: no view would take it any more.
+    webkit_web_view_terminate_web_process(kept.view);
+    g_clear_object(&kept.view);
+  }
+  WebKitNetworkSession* session =
+      ephemeral ? webkit_network_session_new_ephemeral()
+                : WEBKIT_NETWORK_SESSION(g_object_ref(webkit_network_session_get_default()));
+  auto* view =
+      WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session, nullptr));
+  g_object_ref_sink(view);
+  g_object_unref(session);
+  webkit_web_view_load_uri(view, kBlankPage);
+  kept.view = view;
+  kept.ephemeral = ephemeral;
+}
+
+WebKitWebView* takeWarmWebView(bool ephemeral) {
+  Warm& kept = warm();
+  if (kept.view == nullptr || kept.ephemeral != ephemeral) {
+    return nullptr;
+  }
+  return std::exchange(kept.view, nullptr);
+}
+
+}  // namespace vemba::linux_platform

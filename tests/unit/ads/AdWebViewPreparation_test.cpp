@@ -1,0 +1,110 @@
+// When the ad path asks the platform to ready a web view for the next ad screen: once an ad is
+// ready and before its host hears of it, never for a failed load, once for any number of ready
+// ads, and again only after an ad screen has made the web view that consumes it.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "AdTestSupport.h"
+#include "FakeWebView.h"
+#include "RecordingDelegate.h"
+
+namespace vemba::testing {
+namespace {
+
+constexpr const char* kPage = "https://127.0.0.1/creative.html";
+
+// Notes how many hints the platform had when each adDidLoad arrived.
+struct HintWatchingDelegate : RecordingDelegate {
+  explicit HintWatchingDelegate(const fake::FakeUi& fakeUi) : ui(&fakeUi) {}
+  void adDidLoad(VembaInterstitialAd& ad) override {
+    hintsAtLoad.push_back(ui->prepareWebViewCalls);
+    RecordingDelegate::adDidLoad(ad);
+  }
+  void adDidLoad(VembaRewardedAd& ad) override {
+    hintsAtLoad.push_back(ui->prepareWebViewCalls);
+    RecordingDelegate::adDidLoad(ad);
+  }
+  const fake::FakeUi* ui;
+  std::vector<int> hintsAtLoad;
+};
+
+template <typename Ad>
+class AdWebViewPreparationTest : public AdTest {
+ protected:
+  // One exchange answered: a usable bid, or a server error.
+  void answer(const std::shared_ptr<Ad>& ad, bool usable) {
+    ad->load();
+    if (usable) {
+      platform.http.respondLast(200, bidResponse(kPage));
+    } else {
+      platform.http.respondLast(500, std::nullopt);
+    }
+    drain();
+  }
+  int hints() const { return platform.ui.prepareWebViewCalls; }
+};
+
+using Formats = ::testing::Types<VembaInterstitialAd, VembaRewardedAd>;
+TYPED_TEST_SUITE(AdWebViewPreparationTest, Formats);
+
+TYPED_TEST(AdWebViewPreparationTest, AskedOnceAReadyAdIsKnownAndBeforeItsHostHearsOfIt) {
+  auto ad = TypeParam::create("u");
+  auto delegate = std::make_shared<HintWatchingDelegate>(this->platform.ui);
+  ad->setDelegate(delegate);
+
+  this->answer(ad, /*usable=*/false);
+  EXPECT_EQ(this->hints(), 0);  // a failed load readies nothing
+
+  this->answer(ad, /*usable=*/true);
+  EXPECT_EQ(this->hints(), 1);
+  EXPECT_EQ(delegate->hintsAtLoad, std::vector<int>{1});
+
+  // A second ready ad (or a reload of the same one) does not ask for a second web view.
+  this->answer(ad, /*usable=*/true);
+  auto other = TypeParam::create("v");  // no delegate: readiness alone counts
+  this->answer(other, /*usable=*/true);
+  EXPECT_EQ(this->hints(), 1);
+  EXPECT_EQ(delegate->hintsAtLoad, (std::vector<int>{1, 1}));
+}
+
+TYPED_TEST(AdWebViewPreparationTest, TheAdScreensWebViewConsumesItAndTheNextReadyAdAsksAgain) {
+  auto host = this->platform.ui.createScreen();
+  auto first = TypeParam::create("u");
+  this->answer(first, /*usable=*/true);
+  first->show(host);
+  ASSERT_EQ(this->platform.ui.webViews.size(), 1U);
+  EXPECT_TRUE(this->platform.ui.webViews[0].lock()->configuration.usesPreparedWebView);
+
+  auto second = TypeParam::create("v");
+  this->answer(second, /*usable=*/false);
+  EXPECT_EQ(this->hints(), 1);
+  this->answer(second, /*usable=*/true);
+  EXPECT_EQ(this->hints(), 2);
+}
+
+TYPED_TEST(AdWebViewPreparationTest, AShowFromInsideAdDidLoadFindsItAsked) {
+  auto host = this->platform.ui.createScreen();
+  auto ad = TypeParam::create("u");
+  struct ShowingDelegate : HintWatchingDelegate {
+    using HintWatchingDelegate::adDidLoad;
+    using HintWatchingDelegate::HintWatchingDelegate;
+    void adDidLoad(TypeParam& loaded) override {
+      HintWatchingDelegate::adDidLoad(loaded);
+      loaded.show(from);
+    }
+    std::shared_ptr<platform::Screen> from;
+  };
+  auto delegate = std::make_shared<ShowingDelegate>(this->platform.ui);
+  delegate->from = host;
+  ad->setDelegate(delegate);
+  this->answer(ad, /*usable=*/true);
+  EXPECT_EQ(delegate->hintsAtLoad, std::vector<int>{1});
+  ASSERT_EQ(this->platform.ui.webViews.size(), 1U);
+  EXPECT_TRUE(this->platform.ui.webViews[0].lock()->configuration.usesPreparedWebView);
+}
+
+}  // namespace
+}  // namespace vemba::testing
