@@ -192,7 +192,8 @@ class Bench {
                 delegate->loaded,
             "the ad did not load");
     // A host shows an ad some time after it loaded: by then the web process readied for it runs.
-    require(runMainLoopUntil([] { return vemba::testing::webProcessesOf(getpid()) == 1; }, kStepDeadline),
+    require(runMainLoopUntil([] { return vemba::testing::webProcessesOf(getpid()) == 1; },
+                             kStepDeadline),
             "no web process readied for the loaded ad");
     runMainLoopUntil([] { return false; }, kShowAfterLoad);
 

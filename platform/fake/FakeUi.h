@@ -40,8 +40,9 @@ class FakeUi final : public platform::Ui {
   std::shared_ptr<platform::WebView> createWebView(
       platform::Rect frame, const platform::WebViewConfiguration& configuration) override;
   std::shared_ptr<platform::EmitterLayer> createEmitterLayer() override;
-  // Counts the hints; nothing is readied.
+  // Count the hints; nothing is readied.
   void prepareWebView() override { ++prepareWebViewCalls; }
+  void releasePreparedWebView() override { ++releasePreparedWebViewCalls; }
 
   // Records the constraints; throws std::logic_error when their views are not in one tree.
   void activate(const std::vector<platform::LayoutConstraint>& constraints) override;
@@ -67,6 +68,7 @@ class FakeUi final : public platform::Ui {
   std::vector<std::vector<platform::LayoutConstraint>> activations;  // one entry per activate()
   std::vector<Animation> animations;
   int prepareWebViewCalls = 0;
+  int releasePreparedWebViewCalls = 0;
 
  private:
   FakeMainQueue* queue_;

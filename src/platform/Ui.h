@@ -39,6 +39,8 @@ class Ui {
   // ready what such a view needs ahead of time (at most one readied set in the whole process,
   // consumed by the next such view). It must change nothing a view, a page or the network sees.
   virtual void prepareWebView() {}
+  // What prepareWebView() readied will not be used: the backend frees it.
+  virtual void releasePreparedWebView() {}
 
   // Activates the constraints together. Every view they name must be in one view tree.
   virtual void activate(const std::vector<LayoutConstraint>& constraints) = 0;

@@ -278,7 +278,8 @@ TEST_F(AdCyclesTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowThenUses)
 
   // The show starts in that very process and starts no other.
   ad->show(screen_);
-  ASSERT_TRUE(runMainLoopUntil([&] { return delegate->has("adDidShow") && pageLoaded(); }, kStepDeadline));
+  ASSERT_TRUE(
+      runMainLoopUntil([&] { return delegate->has("adDidShow") && pageLoaded(); }, kStepDeadline));
   EXPECT_EQ(webProcessIdsOf(getpid()), warm);
   EXPECT_FALSE(exchange_->log("page").empty());  // the census of requests above does count
 
@@ -292,6 +293,15 @@ TEST_F(AdCyclesTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowThenUses)
   runMainLoopUntil([] { return webProcessesOf(getpid()) == 0; }, kSettleDeadline);
   EXPECT_EQ(webProcessesOf(getpid()), 0U);
   EXPECT_EQ(linux_platform::liveWebViewCount(), 0U);
+
+  // A ready ad its host lets go of, unshown, takes its readied process with it.
+  std::shared_ptr<VembaInterstitialAd> unshown = VembaInterstitialAd::create("cycles-unit");
+  unshown->setDelegate(std::static_pointer_cast<VembaInterstitialAdDelegate>(delegate));
+  unshown->load();
+  ASSERT_TRUE(runMainLoopUntil([&] { return unshown->isReady(); }, kStepDeadline));
+  ASSERT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 1; }, kStepDeadline));
+  unshown.reset();
+  EXPECT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 0; }, kSettleDeadline));
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ namespace ads {
 class BidExchange;
 struct BidOutcome;
 struct AdAccess;
+class PreparedWebViewClaim;
 class VembaWebViewController;
 class VembaWebViewControllerDelegate;
 }  // namespace ads
@@ -70,6 +71,8 @@ class FullScreenAd : public std::enable_shared_from_this<Self> {
   std::unique_ptr<ads::BidExchange> exchange_;
   // Receives the screen's reports for this ad; made on the first show.
   std::shared_ptr<ads::VembaWebViewControllerDelegate> screenListener_;
+  // Held while the ad is ready, so a web view is readied for its screen (see AdWebViewPreparation).
+  std::unique_ptr<ads::PreparedWebViewClaim> preparedWebView_;
 };
 
 }  // namespace vemba

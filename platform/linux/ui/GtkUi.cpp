@@ -151,6 +151,10 @@ void GtkUi::prepareWebView() {
   linux_platform::prepareWebView();
 }
 
+void GtkUi::releasePreparedWebView() {
+  linux_platform::releasePreparedWebView();
+}
+
 std::shared_ptr<platform::EmitterLayer> GtkUi::createEmitterLayer() {
   return std::make_shared<GtkEmitterLayer>();
 }

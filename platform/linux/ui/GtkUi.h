@@ -25,6 +25,7 @@ class GtkUi final : public platform::Ui {
   std::shared_ptr<platform::EmitterLayer> createEmitterLayer() override;
   // Keeps one web process running for the next ad view (see web/WarmWebView.h).
   void prepareWebView() override;
+  void releasePreparedWebView() override;
 
   // Safe-area anchors are the view's own edges: a desktop window has no insets.
   void activate(const std::vector<platform::LayoutConstraint>& constraints) override;

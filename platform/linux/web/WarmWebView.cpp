@@ -30,9 +30,7 @@ void prepareWarmWebView() {
     if (kept.ephemeral == ephemeral) {
       return;
     }
-    // Kept for the other kind of session: no view would take it any more.
-    webkit_web_view_terminate_web_process(kept.view);
-    g_clear_object(&kept.view);
+    dropWarmWebView();  // kept for the other kind of session: no view would take it any more
   }
   WebKitNetworkSession* session =
       ephemeral ? webkit_network_session_new_ephemeral()
@@ -48,10 +46,20 @@ void prepareWarmWebView() {
 
 WebKitWebView* takeWarmWebView(bool ephemeral) {
   Warm& kept = warm();
-  if (kept.view == nullptr || kept.ephemeral != ephemeral) {
-    return nullptr;
+  if (kept.view != nullptr && kept.ephemeral != ephemeral) {
+    dropWarmWebView();  // of no use to this view, and it was the one asked for
   }
   return std::exchange(kept.view, nullptr);
+}
+
+void dropWarmWebView() {
+  Warm& kept = warm();
+  if (kept.view == nullptr) {
+    return;
+  }
+  // Without this the web process outlives the view.
+  webkit_web_view_terminate_web_process(kept.view);
+  g_clear_object(&kept.view);
 }
 
 }  // namespace vemba::linux_platform

@@ -17,5 +17,7 @@ void prepareWarmWebView();
 // Hands over the kept warm view (one strong reference) if its session has the same persistence
 // as `ephemeral` asks for; null, keeping nothing, otherwise.
 WebKitWebView* takeWarmWebView(bool ephemeral);
+// Ends the kept warm view and its web process, if one is kept.
+void dropWarmWebView();
 
 }  // namespace vemba::linux_platform

@@ -19,4 +19,8 @@ void prepareWebView() {
   prepareWarmWebView();
 }
 
+void releasePreparedWebView() {
+  dropWarmWebView();
+}
+
 }  // namespace vemba::linux_platform

@@ -14,5 +14,7 @@ std::shared_ptr<platform::WebView> createWebView(
     platform::Rect frame, const platform::WebViewConfiguration& configuration);
 // Keeps one web process running for the next web view made with usesPreparedWebView.
 void prepareWebView();
+// Ends what prepareWebView() started, if no web view has taken it.
+void releasePreparedWebView();
 
 }  // namespace vemba::linux_platform

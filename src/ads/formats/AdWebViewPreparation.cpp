@@ -4,34 +4,63 @@
 #include "platform/Ui.h"
 #include "platform/WebView.h"
 
-namespace vemba::ads::AdWebViewPreparation {
+namespace vemba::ads {
 namespace {
 
-// A readied web view was asked for and no ad screen has made its web view since.
-bool& requested() {
-  static bool value = false;
+struct Preparation {
+  int claims = 0;          // ready ads, and ad screens that have not made their web view yet
+  bool requested = false;  // the platform readied a web view that no web view has consumed
+  unsigned generation = 0;
+};
+
+Preparation& state() {
+  static Preparation value;
   return value;
+}
+
+// Brings the platform in line with the claims: something readied while any claim is held,
+// nothing otherwise.
+void reconcile() {
+  Preparation& preparation = state();
+  platform::Ui* ui = platform::ui();
+  if (ui == nullptr) {
+    return;
+  }
+  if (preparation.claims > 0 && !preparation.requested) {
+    preparation.requested = true;
+    ui->prepareWebView();
+  } else if (preparation.claims == 0 && preparation.requested) {
+    preparation.requested = false;
+    ui->releasePreparedWebView();
+  }
 }
 
 }  // namespace
 
-void adBecameReady() {
-  if (requested()) {
+PreparedWebViewClaim::PreparedWebViewClaim() : generation_(state().generation) {
+  ++state().claims;
+  reconcile();
+}
+
+PreparedWebViewClaim::~PreparedWebViewClaim() {
+  if (generation_ != state().generation) {
     return;
   }
-  if (platform::Ui* ui = platform::ui()) {
-    requested() = true;
-    ui->prepareWebView();
-  }
+  --state().claims;
+  reconcile();
 }
+
+namespace AdWebViewPreparation {
 
 void configureAdWebView(platform::WebViewConfiguration& configuration) {
   configuration.usesPreparedWebView = true;
-  requested() = false;
+  state().requested = false;
 }
 
 void resetForTesting() {
-  requested() = false;
+  Preparation& preparation = state();
+  preparation = Preparation{.generation = preparation.generation + 1};
 }
 
-}  // namespace vemba::ads::AdWebViewPreparation
+}  // namespace AdWebViewPreparation
+}  // namespace vemba::ads

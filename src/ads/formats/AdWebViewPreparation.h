@@ -1,21 +1,38 @@
-// When the platform is asked to ready a web view for the next ad screen: as soon as an ad has
-// become ready, and not again until an ad screen's web view has been made (that view consumes
-// what was readied). So at most one readied web view is asked for at a time, process-wide.
-// Main thread only; the state is process-wide, like the platform services it talks to.
+// Keeps one web view readied on the platform exactly while some ad is ready to be shown, so the
+// ad screen's web view can start in it instead of starting a web engine process cold.
+//
+// Each ready ad holds a PreparedWebViewClaim: from just before its host hears adDidLoad until its
+// show hands the claim to its ad screen (which drops it once its web view is made), until a later
+// load fails, or until the ad goes away. The platform is asked to ready a web view when the first
+// claim appears, and again when an ad screen has consumed it while other ads are still ready; it
+// is told to release what it readied when the last claim goes without a web view consuming it.
+// At most one readied web view is asked for at a time. Main thread only; the state is
+// process-wide, like the platform services it talks to.
 #pragma once
 
 namespace vemba::platform {
 struct WebViewConfiguration;
 }
 
-namespace vemba::ads::AdWebViewPreparation {
+namespace vemba::ads {
 
-// An ad's bid exchange has just succeeded; called before the host hears adDidLoad, so a show
-// from inside adDidLoad already finds the web view readied.
-void adBecameReady();
+class PreparedWebViewClaim {
+ public:
+  PreparedWebViewClaim();
+  ~PreparedWebViewClaim();
+  PreparedWebViewClaim(const PreparedWebViewClaim&) = delete;
+  PreparedWebViewClaim& operator=(const PreparedWebViewClaim&) = delete;
+
+ private:
+  unsigned generation_;  // claims made before resetForTesting() count for nothing
+};
+
+namespace AdWebViewPreparation {
+
 // Marks an ad screen's web view configuration as the consumer of what was readied.
 void configureAdWebView(platform::WebViewConfiguration& configuration);
-// Forgets what was asked (a new platform is being installed).
+// Forgets every claim and request (a new platform is being installed).
 void resetForTesting();
 
-}  // namespace vemba::ads::AdWebViewPreparation
+}  // namespace AdWebViewPreparation
+}  // namespace vemba::ads

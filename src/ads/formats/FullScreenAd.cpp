@@ -66,8 +66,11 @@ void FullScreenAd<Self, Delegate>::load() {
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::deliverBidOutcome(const ads::BidOutcome& outcome) {
+  // Claimed before the host hears of the ad, so a show from inside adDidLoad finds it readied.
   if (outcome.loaded()) {
-    ads::AdWebViewPreparation::adBecameReady();
+    preparedWebView_ = std::make_unique<ads::PreparedWebViewClaim>();
+  } else {
+    preparedWebView_.reset();
   }
   // Asked at delivery time: the delegate may have changed while the request was in flight.
   const std::shared_ptr<Delegate> listener = delegate();
@@ -109,6 +112,7 @@ void FullScreenAd<Self, Delegate>::show(std::shared_ptr<platform::Screen> from) 
     screenListener_ = std::make_shared<ads::AdScreenListener<Self>>(this->weak_from_this());
   }
   controller->setDelegate(screenListener_);
+  controller->holdPreparedWebView(std::move(preparedWebView_));
   controller->screen()->setModalPresentationStyle(platform::ModalPresentationStyle::fullScreen);
   controller->load(*page);  // parked until the screen's view loads
   from->presentScreen(controller->screen(), /*animated=*/true, [weakAd = this->weak_from_this()] {

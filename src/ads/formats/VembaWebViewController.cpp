@@ -85,6 +85,10 @@ void VembaWebViewController::viewDidLoad() {
   }
 }
 
+void VembaWebViewController::holdPreparedWebView(std::unique_ptr<PreparedWebViewClaim> claim) {
+  preparedWebView_ = std::move(claim);
+}
+
 void VembaWebViewController::setupWebView() {
   platform::Ui& ui = *platform::ui();
   platform::View& view = screen_->view();
@@ -99,6 +103,7 @@ void VembaWebViewController::setupWebView() {
   AdWebViewPreparation::configureAdWebView(configuration);
 
   webView_ = ui.createWebView(view.bounds(), configuration);
+  preparedWebView_.reset();  // consumed; another ready ad may now have one readied
   webView_->setAutoresizingMask(platform::AutoresizingMask::flexibleWidth |
                                 platform::AutoresizingMask::flexibleHeight);
   webView_->setScrollEnabled(true);

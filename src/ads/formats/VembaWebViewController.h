@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 
+#include "ads/formats/AdWebViewPreparation.h"
 #include "platform/Screen.h"
 #include "platform/ScriptMessage.h"
 #include "platform/WebView.h"
@@ -54,6 +55,9 @@ class VembaWebViewController final : public platform::ScreenDelegate,
     delegate_ = std::move(delegate);
   }
 
+  // Keeps the showing ad's claim on a readied web view until this screen's web view is made.
+  void holdPreparedWebView(std::unique_ptr<PreparedWebViewClaim> claim);
+
   // Loads `url` in the web view, or parks it until the view has loaded.
   void load(const Url& url);
 
@@ -89,6 +93,7 @@ class VembaWebViewController final : public platform::ScreenDelegate,
   std::shared_ptr<platform::Button> closeButton_;
   std::optional<Url> pendingURL_;  // never cleared: also the fallback URL of the retry
   int retryCount_ = 0;             // never reset
+  std::unique_ptr<PreparedWebViewClaim> preparedWebView_;
 };
 
 }  // namespace vemba::ads

@@ -1,6 +1,7 @@
-// When the ad path asks the platform to ready a web view for the next ad screen: once an ad is
-// ready and before its host hears of it, never for a failed load, once for any number of ready
-// ads, and again only after an ad screen has made the web view that consumes it.
+// When the ad path asks the platform to ready a web view for the next ad screen, and to release
+// it: readied once an ad is ready and before its host hears of it, never for a failed load, once
+// for any number of ready ads, again after an ad screen's web view consumed it while another ad
+// is still ready; released when the last ready ad stops being ready without a show.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -45,6 +46,7 @@ class AdWebViewPreparationTest : public AdTest {
     drain();
   }
   int hints() const { return platform.ui.prepareWebViewCalls; }
+  int releases() const { return platform.ui.releasePreparedWebViewCalls; }
 };
 
 using Formats = ::testing::Types<VembaInterstitialAd, VembaRewardedAd>;
@@ -70,19 +72,44 @@ TYPED_TEST(AdWebViewPreparationTest, AskedOnceAReadyAdIsKnownAndBeforeItsHostHea
   EXPECT_EQ(delegate->hintsAtLoad, (std::vector<int>{1, 1}));
 }
 
-TYPED_TEST(AdWebViewPreparationTest, TheAdScreensWebViewConsumesItAndTheNextReadyAdAsksAgain) {
+TYPED_TEST(AdWebViewPreparationTest, TheAdScreensWebViewConsumesItAndAnotherReadyAdAsksAgain) {
   auto host = this->platform.ui.createScreen();
   auto first = TypeParam::create("u");
+  auto second = TypeParam::create("v");
   this->answer(first, /*usable=*/true);
+  this->answer(second, /*usable=*/true);
+  ASSERT_EQ(this->hints(), 1);
+
   first->show(host);
   ASSERT_EQ(this->platform.ui.webViews.size(), 1U);
   EXPECT_TRUE(this->platform.ui.webViews[0].lock()->configuration.usesPreparedWebView);
+  EXPECT_EQ(this->hints(), 2);  // for `second`, asked only once the first view was made
 
-  auto second = TypeParam::create("v");
-  this->answer(second, /*usable=*/false);
-  EXPECT_EQ(this->hints(), 1);
-  this->answer(second, /*usable=*/true);
+  EXPECT_EQ(this->releases(), 0);
+  second.reset();  // the host lets the other ready ad go
+  EXPECT_EQ(this->releases(), 1);
+
+  // With no ad ready, a shown ad's close asks for nothing.
+  auto third = TypeParam::create("w");
+  this->answer(third, /*usable=*/false);
   EXPECT_EQ(this->hints(), 2);
+  this->answer(third, /*usable=*/true);
+  EXPECT_EQ(this->hints(), 3);
+}
+
+TYPED_TEST(AdWebViewPreparationTest, ReleasedWhenTheLastReadyAdStopsBeingReadyWithoutAShow) {
+  auto first = TypeParam::create("u");
+  auto second = TypeParam::create("v");
+  this->answer(first, /*usable=*/true);
+  this->answer(second, /*usable=*/true);
+
+  this->answer(first, /*usable=*/false);  // a failed reload ends readiness
+  EXPECT_EQ(this->releases(), 0);         // `second` still needs it
+  second.reset();                         // a ready ad released by its host
+  EXPECT_EQ(this->releases(), 1);
+  first.reset();
+  EXPECT_EQ(this->releases(), 1);
+  EXPECT_EQ(this->hints(), 1);
 }
 
 TYPED_TEST(AdWebViewPreparationTest, AShowFromInsideAdDidLoadFindsItAsked) {
