@@ -25,13 +25,12 @@ class FakeApplication final : public platform::Application {
  public:
   std::vector<platform::Scene> connectedScenes() const override { return scenes; }
   std::vector<std::shared_ptr<platform::Window>> windows() const override { return windowList; }
-  // True when the URL's scheme (compared without regard to case) is in openableSchemes.
+  // Records the query; true for the schemes of platform::isOpenableScheme.
   bool canOpenURL(const Url& url) const override;
   void open(const Url& url) override { opened.push_back(url); }
 
   std::vector<platform::Scene> scenes;
   std::vector<std::shared_ptr<platform::Window>> windowList;
-  std::vector<std::string> openableSchemes = {"http", "https", "mailto", "tel"};
   mutable std::vector<Url> canOpenQueries;  // every canOpenURL() argument, in order
   std::vector<Url> opened;                  // every open() argument, in order
 };

@@ -2,15 +2,13 @@
 
 #include <gtk/gtk.h>
 
-#include <algorithm>
-#include <array>
-#include <cctype>
 #include <mutex>
 #include <string_view>
 
 #include "GtkScreen.h"
 #include "GtkUi.h"
 #include "platform/LogSink.h"
+#include "platform/OpenableSchemes.h"
 #include "platform/Services.h"
 #include "vemba/linux/Screens.h"
 
@@ -18,7 +16,6 @@ namespace vemba::linux_platform {
 
 namespace {
 
-constexpr std::array<std::string_view, 4> kOpenableSchemes = {"http", "https", "mailto", "tel"};
 constexpr std::string_view kLogSubsystem = "vemba";
 constexpr std::string_view kLogCategory = "application";
 constexpr std::string_view kRefusedLine = "not opening a URL whose scheme is not allowed: ";
@@ -86,14 +83,6 @@ class GtkHostWindow final : public platform::Window {
 
 }  // namespace
 
-bool isOpenableScheme(const std::string& scheme) {
-  std::string lower = scheme;
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return std::find(kOpenableSchemes.begin(), kOpenableSchemes.end(), lower) !=
-         kOpenableSchemes.end();
-}
-
 std::vector<std::shared_ptr<platform::Window>> GtkHostApplication::windows() const {
   std::vector<std::shared_ptr<platform::Window>> result;
   GApplication* app = g_application_get_default();
@@ -116,11 +105,11 @@ std::vector<std::shared_ptr<platform::Window>> GtkHostApplication::windows() con
 }
 
 bool GtkHostApplication::canOpenURL(const Url& url) const {
-  return isOpenableScheme(url.scheme());
+  return platform::isOpenableScheme(url.scheme());
 }
 
 void GtkHostApplication::open(const Url& url) {
-  if (!isOpenableScheme(url.scheme())) {
+  if (!platform::isOpenableScheme(url.scheme())) {
     log(platform::LogSeverity::info, std::string(kRefusedLine) + url.absoluteString());
     return;
   }

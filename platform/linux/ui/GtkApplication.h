@@ -18,14 +18,11 @@ class GtkHostApplication final : public platform::Application {
   std::vector<platform::Scene> connectedScenes() const override { return {}; }
   // The windows of the default GtkApplication when there is one, else GTK's toplevel list.
   std::vector<std::shared_ptr<platform::Window>> windows() const override;
-  // True for http, https, mailto and tel (any case); the opener is never asked.
+  // True for the schemes of platform::isOpenableScheme; the opener is never asked.
   bool canOpenURL(const Url& url) const override;
   // Hands an allowed URL to the opener; anything else is ignored with a log line.
   void open(const Url& url) override;
 };
-
-// The schemes open() hands out.
-bool isOpenableScheme(const std::string& scheme);
 
 // The process's host application; null when GTK cannot be initialised.
 platform::Application* gtkApplication();
