@@ -281,13 +281,15 @@ TEST_F(WebViewTest, EphemeralViewsShareAndKeepNothing) {
 
 TEST_F(WebViewTest, SurvivesAPageThatNeverStopsNavigating) {
   TestWebView made = makeWebView();
-  ASSERT_TRUE(made.loadAndWait(requestFor(pageUrl())));
-  made.view->evaluateJavaScript("setInterval(() => location.reload(), 1);");
+  // Every load of this page reloads it 1 ms after its script runs, forever.
+  made.view->load(requestFor(pageUrl("?auto=reload&autoDelay=1")));
   ASSERT_TRUE(runMainLoopUntil([&] { return made.delegate->ended(5); }));
-  // Each reload starts and ends in turn; the view then goes mid-navigation.
+  // Each navigation starts, then ends once, before the next starts: at most one is in flight
+  // when the view goes.
   const auto& events = made.delegate->events;
-  EXPECT_EQ(std::count(events.begin(), events.end(), "start"), made.delegate->ends)
-      << ::testing::PrintToString(events);
+  const auto starts = static_cast<std::size_t>(std::count(events.begin(), events.end(), "start"));
+  EXPECT_GE(starts, made.delegate->ends) << ::testing::PrintToString(events);
+  EXPECT_LE(starts, made.delegate->ends + 1) << ::testing::PrintToString(events);
 }
 
 TEST_F(WebViewTest, TheWebProcessEndsWithTheView) {
