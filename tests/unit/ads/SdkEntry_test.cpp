@@ -84,15 +84,8 @@ TEST_F(SdkEntryTest, AppInfoFallbacks) {
   }
 }
 
-TEST_F(SdkEntryTest, DeviceInfoConstantsAndAllZeroIdentifier) {
-  platform.device.systemVersionValue = "18";
-  const ads::DeviceInfo device = ads::currentDeviceInfo("ua");
-  EXPECT_EQ(device.ifa, "00000000-0000-0000-0000-000000000000");
-  EXPECT_EQ(device.ip, "");
-  EXPECT_EQ(device.os, "iOS");
-  EXPECT_EQ(device.osv, "18");
-  EXPECT_EQ(device.model, "iPhone");
-  EXPECT_EQ(device.connection, "wifi");
+// The other device fields, and the all-zero identifier, are checked on the sent bid request.
+TEST_F(SdkEntryTest, AdvertisingIdentifierIsWrittenAsAnUppercaseUuid) {
   platform.device.advertisingIdValue = {0xDE, 0xAD, 0xBE, 0xEF, 0, 1, 0x40, 2,
                                         0x80, 3,    4,    5,    6, 7, 8,    0xAB};
   EXPECT_EQ(ads::currentDeviceInfo("ua").ifa, "DEADBEEF-0001-4002-8003-0405060708AB");
