@@ -45,7 +45,6 @@ TEST_F(SdkEntryTest, UserAgentComposition) {
     const char* expected;
   };
   const Case cases[] = {
-      {"iPhone", "17.4.1", kIPhoneUserAgent},
       {"iPad", "18",
        "Mozilla/5.0 (iPad; CPU iPad OS 18 like Mac OS X) AppleWebKit/605.1.15 (KHTML, like "
        "Gecko) Mobile/15E148"},
