@@ -41,13 +41,9 @@ TEST_F(OSLoggerTest, EmissionMatrix) {
   }
 }
 
-TEST_F(OSLoggerTest, WritesTheLineUnderTheKitsSubsystemWithFormatCharactersLiteral) {
-  const OSLogger logger("VembaCheckoutKit", LogLevel::all);
-  logger.error("x %@ %d %s %n");
-  ASSERT_EQ(platform.log.lines.size(), 1U);
-  EXPECT_EQ(platform.log.lines[0].text, "[VembaCheckoutKit] (Error) - x %@ %d %s %n");
-  EXPECT_EQ(platform.log.lines[0].subsystem, OSLogger::kSubsystem);
-  EXPECT_EQ(platform.log.lines[0].category, OSLogger::kCategory);
+TEST_F(OSLoggerTest, FormatCharactersAreWrittenLiterally) {
+  OSLogger("VembaCheckoutKit", LogLevel::all).error("x %@ %d %s %n");
+  EXPECT_THAT(logLines(), ElementsAre("error|[VembaCheckoutKit] (Error) - x %@ %d %s %n"));
 }
 
 TEST_F(OSLoggerTest, SharedStartsWithTheKitPrefixAndTheConfigurationsLevel) {
