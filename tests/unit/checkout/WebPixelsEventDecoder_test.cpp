@@ -171,14 +171,6 @@ TEST(WebPixelsEventDecoderTest, StandardDataIsTypedOrLeftOut) {
     EXPECT_EQ(event.data.has_value(), c.hasData) << c.data;
     EXPECT_EQ(event.id, "sh-1") << c.data;
   }
-  Json standard = body("standard");
-  standard["data"] = Json::parse(R"({"checkout":{"lineItems":[{"quantity":2}],
-      "discountApplications":[{"value":{"percentage":10}}]}})");
-  const auto data = decodeAs<StandardEvent>(payload(standard)).data;
-  ASSERT_TRUE(data && data->checkout);
-  EXPECT_EQ(data->checkout->lineItems->at(0).quantity, 2.0);
-  EXPECT_EQ(data->checkout->discountApplications->at(0).value->percentage, 10.0);
-  EXPECT_FALSE(data->checkout->discountApplications->at(0).value->amount.has_value());
 }
 
 // The data is read free-form before it is typed: nulls inside arrays are dropped instead of
