@@ -141,7 +141,13 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(RetryCase{-1009, false, true}, RetryCase{-1003, false, true},
                       RetryCase{-1001, false, true}, RetryCase{-1001, true, true},
                       RetryCase{-1004, false, false}, RetryCase{-1200, false, false},
-                      RetryCase{-999, true, false}, RetryCase{102, false, false}));
+                      RetryCase{-999, true, false}, RetryCase{102, false, false}),
+    // Named from the fields: the struct's padding would otherwise make the names differ by run.
+    [](const ::testing::TestParamInfo<RetryCase>& param) {
+      const RetryCase& c = param.param;
+      return std::string(c.committed ? "committed" : "provisional") + (c.code < 0 ? "Minus" : "") +
+             std::to_string(c.code < 0 ? -c.code : c.code);
+    });
 
 TEST_F(AdScreenTest, RetryBudgetIsOneForTheControllersLifeAcrossSuccessfulLoads) {
   auto controller = shownController();

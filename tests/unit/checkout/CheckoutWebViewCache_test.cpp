@@ -34,10 +34,6 @@ TEST_F(CheckoutWebViewCacheTest, AnEntryServesItsKeyForStrictlyLessThanFiveMinut
 }
 
 TEST_F(CheckoutWebViewCacheTest, EntryPointsAreCachedApartInOneEntry) {
-  EXPECT_EQ(CheckoutWebView::cacheKey(checkout, std::nullopt),
-            "https://shop.example/checkouts/c1_nil");
-  EXPECT_EQ(CheckoutWebView::cacheKey(checkout, kAccelerated),
-            "https://shop.example/checkouts/c1_AcceleratedCheckouts");
   const auto accelerated = obtain(kAccelerated);
   const auto plain = obtain();
   EXPECT_NE(plain, accelerated);
