@@ -2,8 +2,8 @@
 // lookup that holds the ad weakly.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 #include "AdTestSupport.h"
@@ -104,33 +104,15 @@ TYPED_TEST(AdLoadTest, OutcomesGoToTheDelegateTheHostsOverrideNames) {
   EXPECT_TRUE(stored->calls.empty());
 }
 
-// Loads again from inside its callbacks, `reloads` times in all.
-struct ReloadingDelegate : RecordingDelegate {
-  int reloads = 0;
-  std::function<void()> reload;
-  void again() {
-    if (reloads > 0) {
-      --reloads;
-      reload();
+// Makes the delegate load the ad again from inside its load callbacks, `reloads` times in all.
+template <typename Ad>
+void reloadFromCallbacks(RecordingDelegate& delegate, const std::shared_ptr<Ad>& ad, int reloads) {
+  delegate.afterLoadOutcome = [weak = std::weak_ptr<Ad>(ad), reloads]() mutable {
+    if (reloads-- > 0) {
+      weak.lock()->load();
     }
-  }
-  void adDidLoad(VembaInterstitialAd& ad) override {
-    RecordingDelegate::adDidLoad(ad);
-    again();
-  }
-  void adDidLoad(VembaRewardedAd& ad) override {
-    RecordingDelegate::adDidLoad(ad);
-    again();
-  }
-  void adDidFailToLoad(VembaInterstitialAd& ad, const Error& error) override {
-    RecordingDelegate::adDidFailToLoad(ad, error);
-    again();
-  }
-  void adDidFailToLoad(VembaRewardedAd& ad, const Error& error) override {
-    RecordingDelegate::adDidFailToLoad(ad, error);
-    again();
-  }
-};
+  };
+}
 
 TYPED_TEST(AdLoadTest, LoadAgainFromInsideEachCallback) {
   // Answers in turn; each reload is made from inside the callback of the answer before it.
@@ -138,9 +120,8 @@ TYPED_TEST(AdLoadTest, LoadAgainFromInsideEachCallback) {
                                                 std::nullopt, std::nullopt,
                                                 bidResponse("https://127.0.0.1/2.html")};
   auto ad = TypeParam::create("u");
-  auto delegate = std::make_shared<ReloadingDelegate>();
-  delegate->reloads = 3;
-  delegate->reload = [weak = std::weak_ptr<TypeParam>(ad)] { weak.lock()->load(); };
+  auto delegate = std::make_shared<RecordingDelegate>();
+  reloadFromCallbacks(*delegate, ad, 3);
   ad->setDelegate(delegate);
   ad->load();
   for (std::size_t i = 0; i < std::size(answers); ++i) {
@@ -161,9 +142,8 @@ TYPED_TEST(AdLoadTest, AFailureReloadedFromItsCallbackWaitsForTheNextDispatch) {
   // An unencodable ad unit fails before any request, so each reload queues its failure at once:
   // from inside a dispatch, that failure must wait for the next one, as on the real main loop.
   auto ad = TypeParam::create("unit\xff");
-  auto delegate = std::make_shared<ReloadingDelegate>();
-  delegate->reloads = 2;
-  delegate->reload = [weak = std::weak_ptr<TypeParam>(ad)] { weak.lock()->load(); };
+  auto delegate = std::make_shared<RecordingDelegate>();
+  reloadFromCallbacks(*delegate, ad, 2);
   ad->setDelegate(delegate);
   ad->load();
   for (std::size_t dispatch = 1; dispatch <= 3; ++dispatch) {

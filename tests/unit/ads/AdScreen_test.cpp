@@ -23,10 +23,6 @@ using namespace std::chrono_literals;
 using platform::LayoutAnchor;
 using Attribute = platform::LayoutAnchor::Attribute;
 
-Url url(std::string_view text) {
-  return Url::parse(text).value();
-}
-
 class RecordingScreenDelegate final : public ads::VembaWebViewControllerDelegate {
  public:
   void webViewControllerDidClose(ads::VembaWebViewController&) override {
@@ -85,23 +81,13 @@ TEST_F(AdScreenTest, ViewHoldsTheWebViewUnderACloseButtonLaidOutFromTheEdges) {
   ASSERT_EQ(root.subviewList.size(), 2U);
   EXPECT_EQ(root.subviewList[0], controller->webView());  // back to front: the button is above
 
-  const fake::FakeWebView& webView = webViewOf(*controller);
-  EXPECT_EQ(webView.autoresizingMask, 18U);
-  EXPECT_EQ(webView.backgroundColor, platform::Color::rgba(0, 0, 0, 1));
-  EXPECT_TRUE(webView.scrollEnabled);
-  EXPECT_TRUE(webView.allowsBackForwardNavigationGestures);
+  fake::FakeWebView& webView = webViewOf(*controller);
   EXPECT_TRUE(webView.hasNavigationDelegate());
-  EXPECT_TRUE(dynamic_cast<const fake::FakeUserContentController&>(
-                  const_cast<fake::FakeWebView&>(webView).userContentController())
+  EXPECT_TRUE(dynamic_cast<fake::FakeUserContentController&>(webView.userContentController())
                   .hasHandler("vemba"));
 
+  // The button's look is its constants; what is checked is where it sits and what it does.
   auto& button = dynamic_cast<fake::FakeButton&>(*root.subviewList[1]);
-  EXPECT_EQ(button.title, "\u2715");
-  EXPECT_EQ(button.titleColor, platform::Color::rgba(1, 1, 1, 1));
-  EXPECT_EQ(button.backgroundColor, platform::Color::rgba(0, 0, 0, 0.5));
-  EXPECT_EQ(button.cornerRadius, 15.0);
-  EXPECT_EQ(button.fontSize, 20.0);
-  EXPECT_EQ(button.fontWeight, platform::Button::FontWeight::bold);
   EXPECT_FALSE(button.translatesAutoresizingMaskIntoConstraints);
 
   platform::View* view = &controller->screen()->view();
@@ -155,7 +141,13 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(RetryCase{-1009, false, true}, RetryCase{-1003, false, true},
                       RetryCase{-1001, false, true}, RetryCase{-1001, true, true},
                       RetryCase{-1004, false, false}, RetryCase{-1200, false, false},
-                      RetryCase{-999, true, false}, RetryCase{102, false, false}));
+                      RetryCase{-999, true, false}, RetryCase{102, false, false}),
+    // Named from the fields: the struct's padding would otherwise make the names differ by run.
+    [](const ::testing::TestParamInfo<RetryCase>& param) {
+      const RetryCase& c = param.param;
+      return std::string(c.committed ? "committed" : "provisional") + (c.code < 0 ? "Minus" : "") +
+             std::to_string(c.code < 0 ? -c.code : c.code);
+    });
 
 TEST_F(AdScreenTest, RetryBudgetIsOneForTheControllersLifeAcrossSuccessfulLoads) {
   auto controller = shownController();
@@ -189,16 +181,6 @@ TEST_F(AdScreenTest, RetryReloadsTheCurrentUrlElseTheParkedOne) {
   advance(1s);
   ASSERT_EQ(other.loads.size(), 2U);
   EXPECT_EQ(other.loads[1].url, adPage);
-}
-
-TEST_F(AdScreenTest, PendingRetryDoesNotKeepAReleasedControllerAlive) {
-  auto controller = shownController();
-  std::weak_ptr<platform::WebView> webView = controller->webView();
-  webViewOf(*controller).failProvisionalNavigation({"d", -1009, std::nullopt});
-  controller.reset();
-  EXPECT_TRUE(webView.expired());
-  advance(2s);  // the retry finds nothing to load and must not crash
-  EXPECT_EQ(countLog("WebViewController loading: "), 1U);
 }
 
 struct MessageCase {
@@ -263,8 +245,6 @@ INSTANTIATE_TEST_SUITE_P(
         MessageCase{"actionNotString", "vemba", json(R"({"action":1,"url":"https://a.test"})"), ""},
         MessageCase{"emptyDictionary", "vemba", json("{}"), ""},
         MessageCase{"array", "vemba", json(R"(["close"])"), ""},
-        MessageCase{"number", "vemba", json("1"), ""},
-        MessageCase{"null", "vemba", json("null"), ""},
         MessageCase{"openCheckout", "vemba",
                     json(R"({"action":"openCheckout","url":"https://shop.example.test/c/1"})"),
                     "checkout"},
@@ -272,27 +252,20 @@ INSTANTIATE_TEST_SUITE_P(
                     json(R"({"action":"openCheckout","url":"::"})"), ""}),
     [](const auto& param) { return std::string(param.param.name); });
 
-TEST_F(AdScreenTest, WithoutADelegateCloseClickAndTheButtonDoNothing) {
-  auto controller = ads::VembaWebViewController::create();
-  controller->load(adPage);
-  auto& root = dynamic_cast<fake::FakeViewState&>(controller->screen()->view());
-  auto& content = dynamic_cast<fake::FakeUserContentController&>(
-      controller->webView()->userContentController());
-  EXPECT_TRUE(content.post("vemba", std::string("close")));
-  EXPECT_TRUE(content.post("vemba", std::string("click")));
-  dynamic_cast<fake::FakeButton&>(*root.subviewList[1]).tap();
-  EXPECT_TRUE(delegate->calls.empty());
-}
-
-TEST_F(AdScreenTest, RegisteredHandlerDoesNotKeepTheControllerAlive) {
+TEST_F(AdScreenTest, NeitherThePendingRetryNorTheHandlerKeepsTheControllerAlive) {
   auto controller = shownController();
   std::weak_ptr<ads::VembaWebViewController> weak = controller;
-  std::shared_ptr<platform::WebView> webView = controller->webView();
+  // The web view may outlive the controller (in a view tree, for instance).
+  const std::shared_ptr<platform::WebView> webView = controller->webView();
+  webViewOf(*controller).failProvisionalNavigation({"d", -1009, std::nullopt});
   controller.reset();
   EXPECT_TRUE(weak.expired());
   auto& content = dynamic_cast<fake::FakeUserContentController&>(webView->userContentController());
   content.post("vemba", std::string("close"));  // arrives nowhere, without crashing
+  advance(2s);                                  // the retry finds nothing to load
   EXPECT_TRUE(delegate->calls.empty());
+  EXPECT_EQ(dynamic_cast<fake::FakeWebView&>(*webView).loads.size(), 1U);
+  EXPECT_EQ(countLog("WebViewController loading: "), 1U);
 }
 
 class TopScreenTest : public AdTest {

@@ -4,19 +4,18 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <string>
 #include <vector>
 
-#include "FakePlatform.h"
 #include "ads/core/UserAgentFetcher.h"
 #include "ads/core/VembaLogger.h"
 #include "ads/core/VembaSDKForTesting.h"
+#include "unit/FakePlatformTest.h"
 #include "vemba/ads/VembaSDK.h"
 
 namespace vemba::testing {
 
-class AdTest : public ::testing::Test {
+class AdTest : public FakePlatformTest {
  protected:
   AdTest() {
     ads::resetVembaSdkForTesting();
@@ -29,17 +28,6 @@ class AdTest : public ::testing::Test {
     UserAgentFetcher::shared().resetForTesting();
   }
 
-  // Runs everything due now, including work posted while running.
-  void drain() {
-    while (platform.mainQueue.runUntilIdle() > 0) {
-    }
-  }
-  void advance(std::chrono::milliseconds delta) {
-    platform.mainQueue.advance(delta);
-    drain();
-  }
-
-  fake::InstalledFakePlatform platform;
   std::vector<std::string> logs;
 };
 

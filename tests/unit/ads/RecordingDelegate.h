@@ -2,6 +2,7 @@
 // the moment of the call and the thread it came on.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -20,6 +21,7 @@ class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaReward
     std::thread::id thread = std::this_thread::get_id();
   };
   std::vector<Call> calls;
+  std::function<void()> afterLoadOutcome;  // run after adDidLoad and adDidFailToLoad are recorded
 
   std::vector<std::string> names() const {
     std::vector<std::string> out;
@@ -29,17 +31,17 @@ class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaReward
     return out;
   }
 
-  void adDidLoad(VembaInterstitialAd& ad) override { record("adDidLoad", ad.isReady()); }
+  void adDidLoad(VembaInterstitialAd& ad) override { loadOutcome("adDidLoad", ad.isReady()); }
   void adDidFailToLoad(VembaInterstitialAd& ad, const Error& error) override {
-    record("adDidFailToLoad", ad.isReady(), error);
+    loadOutcome("adDidFailToLoad", ad.isReady(), error);
   }
   void adDidShow(VembaInterstitialAd& ad) override { record("adDidShow", ad.isReady()); }
   void adDidDismiss(VembaInterstitialAd& ad) override { record("adDidDismiss", ad.isReady()); }
   void adDidClick(VembaInterstitialAd& ad) override { record("adDidClick", ad.isReady()); }
 
-  void adDidLoad(VembaRewardedAd& ad) override { record("adDidLoad", ad.isReady()); }
+  void adDidLoad(VembaRewardedAd& ad) override { loadOutcome("adDidLoad", ad.isReady()); }
   void adDidFailToLoad(VembaRewardedAd& ad, const Error& error) override {
-    record("adDidFailToLoad", ad.isReady(), error);
+    loadOutcome("adDidFailToLoad", ad.isReady(), error);
   }
   void adDidShow(VembaRewardedAd& ad) override { record("adDidShow", ad.isReady()); }
   void adDidDismiss(VembaRewardedAd& ad) override { record("adDidDismiss", ad.isReady()); }
@@ -53,6 +55,12 @@ class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaReward
  private:
   void record(std::string name, bool ready, Error error = {}) {
     calls.push_back(Call{std::move(name), ready, std::move(error)});
+  }
+  void loadOutcome(std::string name, bool ready, Error error = {}) {
+    record(std::move(name), ready, std::move(error));
+    if (afterLoadOutcome) {
+      afterLoadOutcome();
+    }
   }
 };
 

@@ -45,7 +45,6 @@ TEST_F(SdkEntryTest, UserAgentComposition) {
     const char* expected;
   };
   const Case cases[] = {
-      {"iPhone", "17.4.1", kIPhoneUserAgent},
       {"iPad", "18",
        "Mozilla/5.0 (iPad; CPU iPad OS 18 like Mac OS X) AppleWebKit/605.1.15 (KHTML, like "
        "Gecko) Mobile/15E148"},
@@ -84,15 +83,8 @@ TEST_F(SdkEntryTest, AppInfoFallbacks) {
   }
 }
 
-TEST_F(SdkEntryTest, DeviceInfoConstantsAndAllZeroIdentifier) {
-  platform.device.systemVersionValue = "18";
-  const ads::DeviceInfo device = ads::currentDeviceInfo("ua");
-  EXPECT_EQ(device.ifa, "00000000-0000-0000-0000-000000000000");
-  EXPECT_EQ(device.ip, "");
-  EXPECT_EQ(device.os, "iOS");
-  EXPECT_EQ(device.osv, "18");
-  EXPECT_EQ(device.model, "iPhone");
-  EXPECT_EQ(device.connection, "wifi");
+// The other device fields, and the all-zero identifier, are checked on the sent bid request.
+TEST_F(SdkEntryTest, AdvertisingIdentifierIsWrittenAsAnUppercaseUuid) {
   platform.device.advertisingIdValue = {0xDE, 0xAD, 0xBE, 0xEF, 0, 1, 0x40, 2,
                                         0x80, 3,    4,    5,    6, 7, 8,    0xAB};
   EXPECT_EQ(ads::currentDeviceInfo("ua").ifa, "DEADBEEF-0001-4002-8003-0405060708AB");

@@ -183,6 +183,7 @@ TEST_F(CheckoutPresentationTest, PageEventsReachTheHost) {
                                             R"("lines":[],"price":{}}}})"));
   EXPECT_EQ(delegate->calls,
             (std::vector<std::string>{"link:mailto:help@shop.example", "pixel", "complete:9"}));
+  EXPECT_EQ(hostScreen()->presentedScreen(), sheet->screen());  // the host dismisses
   // The confetti is thrown over the sheet's page.
   const auto layers = page(sheet).screen()->view().sublayers();
   ASSERT_EQ(layers.size(), 1U);

@@ -20,10 +20,6 @@
 
 namespace vemba::checkout::testing {
 
-inline Url url(std::string_view text) {
-  return Url::parse(text).value();
-}
-
 // The page's message envelope: {"name": name, "body": body}.
 inline std::string envelope(std::string_view name, std::string_view body) {
   std::string escaped;
@@ -101,16 +97,6 @@ class CheckoutScreenTest : public CheckoutTest {
   static CheckoutWebViewController& page(const std::shared_ptr<CheckoutViewController>& sheet) {
     const auto& container = dynamic_cast<CheckoutViewControllerImpl&>(*sheet);
     return dynamic_cast<CheckoutWebViewController&>(*container.childControllers().at(0));
-  }
-
-  // Runs everything due now, including work posted while running.
-  void drain() {
-    while (platform.mainQueue.runUntilIdle() > 0) {
-    }
-  }
-  void advance(std::chrono::milliseconds delta) {
-    platform.mainQueue.advance(delta);
-    drain();
   }
 
   // Plays one main-frame load of the view's current URL answered with `status`.

@@ -7,12 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "FakePlatform.h"
 #include "checkout/GlobalsForTesting.h"
+#include "unit/FakePlatformTest.h"
 
 namespace vemba::checkout::testing {
 
-class CheckoutTest : public ::testing::Test {
+using vemba::testing::url;
+
+class CheckoutTest : public vemba::testing::FakePlatformTest {
  protected:
   CheckoutTest() { resetGlobalsForTesting(); }
   ~CheckoutTest() override { resetGlobalsForTesting(); }
@@ -25,8 +27,6 @@ class CheckoutTest : public ::testing::Test {
     }
     return out;
   }
-
-  fake::InstalledFakePlatform platform;
 };
 
 }  // namespace vemba::checkout::testing

@@ -3,13 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "checkout/ExternalLink.h"
+#include "unit/FakePlatformTest.h"
 
 namespace vemba::checkout {
 namespace {
 
-Url url(std::string_view text) {
-  return Url::parse(text).value();
-}
+using vemba::testing::url;
 
 struct KindCase {
   const char* url;

@@ -89,7 +89,6 @@ TEST_F(CheckoutWebViewTest, StandardAndRecoveryViewsAreBuiltDifferently) {
   const fake::FakeWebView& s = fakeOf(*standard);
   EXPECT_EQ(s.configuration.applicationNameForUserAgent,
             "VembaCheckoutKit/3.4.0 (8.1;dark;standard) ReactNative AcceleratedCheckouts");
-  EXPECT_TRUE(s.configuration.allowsInlineMediaPlayback);
   EXPECT_FALSE(s.configuration.nonPersistentDataStore);
   EXPECT_TRUE(hasBridge(*standard));
   EXPECT_TRUE(standard->isBridgeAttached());
@@ -101,7 +100,6 @@ TEST_F(CheckoutWebViewTest, StandardAndRecoveryViewsAreBuiltDifferently) {
   EXPECT_EQ(r.configuration.applicationNameForUserAgent,
             "VembaCheckoutKit/3.4.0 (noconnect;dark;standard_recovery) ReactNative");
   EXPECT_TRUE(r.configuration.nonPersistentDataStore);
-  EXPECT_TRUE(r.configuration.allowsInlineMediaPlayback);
   EXPECT_FALSE(hasBridge(*recovery));
   EXPECT_FALSE(recovery->isBridgeAttached());
   EXPECT_EQ(r.liveUrlObservers(), 1U);
@@ -151,7 +149,6 @@ TEST_F(CheckoutWebViewTest, ExternalAndDeepLinksAreReportedWithoutTheirMarkAndCa
        "https://help.example/"},
       {"https://help.example/?q=1&open_externally=1", Type::formSubmitted, true, Policy::cancel,
        "https://help.example/?q=1"},
-      {"https://help.example/?open_externally=yes", Type::other, true, Policy::allow, std::nullopt},
       {"mailto:help@shop.example", Type::other, true, Policy::cancel, "mailto:help@shop.example"},
       {"bankapp://pay?open_externally=true", Type::other, true, Policy::cancel, "bankapp://pay"},
       {"about:blank", Type::other, true, Policy::allow, std::nullopt},

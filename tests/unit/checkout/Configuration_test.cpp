@@ -42,12 +42,5 @@ TEST_F(ConfigurationTest, EveryWriteOfPreloadingEnabledRunsTheHookEvenWithTheSam
   EXPECT_TRUE(c.preloading.enabled());
 }
 
-TEST_F(ConfigurationTest, ResetRestoresTheSwitch) {
-  detail::setInvalidateOnConfigurationChange(false);
-  EXPECT_FALSE(detail::invalidateOnConfigurationChange());
-  resetGlobalsForTesting();
-  EXPECT_TRUE(detail::invalidateOnConfigurationChange());
-}
-
 }  // namespace
 }  // namespace vemba::checkout

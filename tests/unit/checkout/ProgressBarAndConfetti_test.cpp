@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <numbers>
-
 #include "CheckoutScreenTestSupport.h"
 #include "checkout/ConfettiCannon.h"
 #include "checkout/ProgressBarView.h"
@@ -112,16 +110,6 @@ TEST_F(ConfettiTest, OneCellPerParticleBornAboveTheViewForOneSecond) {
   ASSERT_EQ(layer.emitterCells.size(), 2U);
   EXPECT_EQ(layer.emitterCells[0].contents, first);
   EXPECT_EQ(layer.emitterCells[1].contents, second);
-  for (const auto& cell : layer.emitterCells) {
-    EXPECT_EQ(cell.beginTime, 0.1);
-    EXPECT_EQ(cell.birthRate, 20.0F);
-    EXPECT_EQ(cell.emissionRange, std::numbers::pi);
-    EXPECT_EQ(cell.lifetime, 10.0F);
-    EXPECT_EQ(cell.spin, 4.0);
-    EXPECT_EQ(cell.spinRange, 8.0);
-    EXPECT_EQ(cell.velocityRange, 100.0);
-    EXPECT_EQ(cell.yAcceleration, 150.0);
-  }
 
   advance(milliseconds(999));
   EXPECT_EQ(layer.birthRate(), 1.0F);

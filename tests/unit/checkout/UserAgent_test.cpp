@@ -25,10 +25,6 @@ TEST(UserAgentTest, SuffixRules) {
       {CheckoutType::standard, ColorScheme::web, std::nullopt, std::nullopt,
        "VembaCheckoutKit/3.4.0 (8.1;web_default;standard)"},
       // Recovery announces "noconnect" where the schema version stands otherwise.
-      {CheckoutType::recovery, ColorScheme::dark, MetaData::Platform::reactNative,
-       MetaData::EntryPoint::acceleratedCheckouts,
-       "VembaCheckoutKit/3.4.0 (noconnect;dark;standard_recovery) ReactNative "
-       "AcceleratedCheckouts"},
       {CheckoutType::recovery, ColorScheme::light, std::nullopt, std::nullopt,
        "VembaCheckoutKit/3.4.0 (noconnect;light;standard_recovery)"},
       {CheckoutType::standard, ColorScheme::light, MetaData::Platform::iOS, std::nullopt,

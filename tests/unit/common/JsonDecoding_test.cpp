@@ -73,18 +73,5 @@ TEST(JsonDecodingTest, DeepNestingIsRejectedOrParsedWithoutRecursionLimits) {
   EXPECT_FALSE(decodeList(deep));
 }
 
-TEST(JsonDecodingTest, DumpEscapesEverySlash) {
-  const Json value = {{"ua", "Mozilla/5.0 (A/B)"}, {"n", 0.5}};
-  EXPECT_EQ(dumpCompact(value), R"x({"n":0.5,"ua":"Mozilla\/5.0 (A\/B)"})x");
-}
-
-TEST(JsonDecodingTest, ErrorCodesFollowTheKind) {
-  EXPECT_EQ((DecodingError{DecodingError::Kind::keyNotFound, "a", ""}.code()), 4865);
-  EXPECT_EQ((DecodingError{DecodingError::Kind::valueNotFound, "a", ""}.code()), 4865);
-  EXPECT_EQ((DecodingError{DecodingError::Kind::typeMismatch, "a", ""}.code()), 4864);
-  EXPECT_EQ((DecodingError{DecodingError::Kind::dataCorrupted, "", ""}.toError().domain),
-            "DecodingError");
-}
-
 }  // namespace
 }  // namespace vemba::json
