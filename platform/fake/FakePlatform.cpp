@@ -56,6 +56,7 @@ FakePlatform::FakePlatform() {
   services_.uuids = &uuids;
   services_.log = &log;
   services_.ui = [this]() -> platform::Ui* { return displayAvailable ? &ui : nullptr; };
+  services_.uiStarted = [this] { return displayAvailable && uiStarted; };
   services_.application = [this]() -> platform::Application* {
     return displayAvailable ? &application : nullptr;
   };

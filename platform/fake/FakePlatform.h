@@ -79,6 +79,9 @@ class FakePlatform {
   FakeApplication application;
   // False plays a process without a display: platform::ui() and application() are then null.
   bool displayAvailable = true;
+  // False plays a process whose user interface nothing has started yet: platform::uiIfStarted()
+  // is then null, while platform::ui() would start it.
+  bool uiStarted = true;
 
  private:
   platform::Services services_;

@@ -35,6 +35,7 @@ struct LinuxServices {
     // anything never connects to a display.
     services.ui = [] { return gtkUi(); };
     services.application = [] { return gtkApplication(); };
+    services.uiStarted = [] { return gtkStarted(); };
   }
 };
 

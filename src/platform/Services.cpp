@@ -17,6 +17,11 @@ Ui* ui() {
   return current.ui ? current.ui() : nullptr;
 }
 
+Ui* uiIfStarted() {
+  const Services& current = services();
+  return current.uiStarted && current.uiStarted() ? ui() : nullptr;
+}
+
 Application* application() {
   const Services& current = services();
   return current.application ? current.application() : nullptr;

@@ -33,6 +33,9 @@ struct Services {
   // Called on the main thread only; the first call may connect to the display.
   std::function<Ui*()> ui;
   std::function<Application*()> application;
+  // Whether the user interface is up already (the host or an earlier ui() started it), so that
+  // ui() would not connect to a display. Absent: never.
+  std::function<bool()> uiStarted;
 };
 
 // The services in force: the installed override if any, else the linked backend's default.
@@ -43,6 +46,9 @@ const Services& services();
 // Linux process without a display): the core then shows nothing. Main thread only.
 Ui* ui();
 Application* application();
+// ui() when the user interface is up already, else null without starting it: for work that is
+// only worth doing in a process that shows things anyway. Main thread only.
+Ui* uiIfStarted();
 
 // Defined by the linked backend; lives for the whole process.
 const Services& defaultServices();

@@ -181,6 +181,10 @@ double GtkUi::currentMediaTime() const {
   return static_cast<double>(g_get_monotonic_time()) / 1e6;
 }
 
+bool gtkStarted() {
+  return gtk_is_initialized() != FALSE;
+}
+
 platform::Ui* gtkUi() {
   // Lives for the process, like GTK itself; a failed initialisation is not retried.
   static const std::unique_ptr<GtkUi> made = []() -> std::unique_ptr<GtkUi> {

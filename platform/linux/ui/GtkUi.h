@@ -40,5 +40,7 @@ class GtkUi final : public platform::Ui {
 // The process's GTK user interface: initialises GTK on the first call (gtk_init_check()); null,
 // after one error line in the log, when there is no display. Main thread only.
 platform::Ui* gtkUi();
+// True once GTK is initialised, by the host or by gtkUi(); never initialises it.
+bool gtkStarted();
 
 }  // namespace vemba::linux_platform

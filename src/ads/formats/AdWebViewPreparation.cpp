@@ -22,7 +22,8 @@ Preparation& state() {
 // nothing otherwise.
 void reconcile() {
   Preparation& preparation = state();
-  platform::Ui* ui = platform::ui();
+  // Not worth starting the user interface for: a process that has not started it shows no ad yet.
+  platform::Ui* ui = platform::uiIfStarted();
   if (ui == nullptr) {
     return;
   }

@@ -4,10 +4,11 @@
 // Each ready ad holds a PreparedWebViewClaim: from just before its host hears adDidLoad until its
 // show hands the claim to its ad screen (which drops it once its web view is made), until a later
 // load fails, or until the ad goes away. The platform is asked to ready a web view when the first
-// claim appears, and again when an ad screen has consumed it while other ads are still ready; it
-// is told to release what it readied when the last claim goes without a web view consuming it.
-// At most one readied web view is asked for at a time. Main thread only; the state is
-// process-wide, like the platform services it talks to.
+// claim appears (if its user interface is up: readying is not worth starting it), and again when an
+// ad screen has consumed it while other ads are still ready; it is told to release what it readied
+// when the last claim goes without a web view consuming it. At most one readied web view is asked
+// for at a time. Main thread only; the state is process-wide, like the platform services it talks
+// to.
 #pragma once
 
 namespace vemba::platform {

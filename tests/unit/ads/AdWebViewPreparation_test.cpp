@@ -112,6 +112,15 @@ TYPED_TEST(AdWebViewPreparationTest, ReleasedWhenTheLastReadyAdStopsBeingReadyWi
   EXPECT_EQ(this->hints(), 1);
 }
 
+TYPED_TEST(AdWebViewPreparationTest, AProcessWhoseUserInterfaceIsNotUpGetsNothingReadied) {
+  this->platform.uiStarted = false;  // platform::ui() would start it
+  auto ad = TypeParam::create("u");
+  this->answer(ad, /*usable=*/true);
+  ad.reset();
+  EXPECT_EQ(this->hints(), 0);
+  EXPECT_EQ(this->releases(), 0);
+}
+
 TYPED_TEST(AdWebViewPreparationTest, AShowFromInsideAdDidLoadFindsItAsked) {
   auto host = this->platform.ui.createScreen();
   auto ad = TypeParam::create("u");
