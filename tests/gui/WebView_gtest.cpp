@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "ExchangeTest.h"
 #include "LocalExchange.h"
 #include "LoopbackPorts.h"
 #include "ProcessTree.h"
@@ -30,25 +31,13 @@ namespace Code = platform::UrlErrorCode;
 
 constexpr std::string_view kPagePath = "/ads/interstitial.html";
 
-class WebViewTest : public ::testing::Test {
+class WebViewTest : public ExchangeTest<> {
  protected:
-  static void SetUpTestSuite() {
-    if (!displayAvailable()) {
-      return;
-    }
-    exchange_ = new LocalExchange();
-    setenv("SSL_CERT_FILE", exchange_->caFile().c_str(), 1);
-  }
-  static void TearDownTestSuite() {
-    delete exchange_;
-    exchange_ = nullptr;
-  }
   void SetUp() override {
-    if (!displayAvailable()) {
-      GTEST_SKIP() << "no display";
+    ExchangeTest::SetUp();
+    if (!IsSkipped() && !HasFatalFailure()) {
+      ASSERT_TRUE(displayAvailable()) << "GTK cannot use the display";
     }
-    ASSERT_NE(exchange_, nullptr);  // its start failed (reported above)
-    exchange_->clearLog();
   }
 
   static std::string pageUrl(std::string_view query = "") {
@@ -67,11 +56,7 @@ class WebViewTest : public ::testing::Test {
   static std::string actionLine(const std::string& url, std::string_view rest = "other target") {
     return "action " + url + " " + std::string(rest);
   }
-
-  static LocalExchange* exchange_;
 };
-
-LocalExchange* WebViewTest::exchange_ = nullptr;
 
 TEST_F(WebViewTest, LoadsATrustedHttpsPageInTheSeamsOrder) {
   TestWebView made = makeWebView();

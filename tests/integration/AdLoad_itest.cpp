@@ -3,11 +3,11 @@
 // receives, TLS trust through SSL_CERT_FILE, the failure classes, and the billing pixel.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "ExchangeTest.h"
 #include "LocalExchange.h"
 #include "MainLoop.h"
 #include "ads/bidding/BidExchange.h"
@@ -21,25 +21,12 @@ namespace vemba::testing {
 using exchange::LocalExchange;
 namespace {
 
-constexpr int kExchangePort = 18443;
-
-class AdLoadIntegrationTest : public ::testing::Test {
+// The exchange origin the library is built against.
+class AdLoadIntegrationTest : public ExchangeTest</*Port=*/18443, /*NeedsDisplay=*/false> {
  protected:
-  static void SetUpTestSuite() {
-    LocalExchange::Options options;
-    options.port = kExchangePort;
-    exchange_ = new LocalExchange(options);
-    // The backend's HTTP client reads the trusted bundle when it is created, on first use.
-    setenv("SSL_CERT_FILE", exchange_->caFile().c_str(), 1);
-  }
-  static void TearDownTestSuite() {
-    delete exchange_;
-    exchange_ = nullptr;
-  }
   void SetUp() override {
     ads::resetVembaSdkForTesting();
-    ASSERT_NE(exchange_, nullptr);  // its start failed (reported above)
-    exchange_->clearLog();
+    ExchangeTest::SetUp();
   }
 
   // Loads `ad` and returns its first load callback, which must come on the main thread.
@@ -58,11 +45,7 @@ class AdLoadIntegrationTest : public ::testing::Test {
     EXPECT_EQ(recorder->calls[0].thread, std::this_thread::get_id());
     return recorder->calls[0];
   }
-
-  static LocalExchange* exchange_;
 };
-
-LocalExchange* AdLoadIntegrationTest::exchange_ = nullptr;
 
 TEST_F(AdLoadIntegrationTest, InterstitialRequestAsReceivedByTheServer) {
   VembaSDK::shared().initialize(VembaConfiguration("key-123", false));

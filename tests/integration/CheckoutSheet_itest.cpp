@@ -1,6 +1,7 @@
 // The checkout sheet on the real Linux backend (GTK 4 + WebKitGTK under a virtual display),
 // presented from a host window by vemba-inspect against the local exchange's demo checkout.
 // Every run is its own process, so each test has its own ephemeral web session.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -8,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "DisplayExchangeTest.h"
+#include "ExchangeTest.h"
 #include "InspectorRun.h"
 #include "LocalExchange.h"
 
@@ -18,12 +19,14 @@ namespace {
 using namespace std::chrono_literals;
 using exchange::LocalExchange;
 using Strings = std::vector<std::string>;
+using ::testing::EndsWith;
+using ::testing::IsSupersetOf;
 
 constexpr const char* kStandardAgent = "VembaCheckoutKit/3.4.0 (8.1;automatic;standard)";
 constexpr const char* kRecoveryAgent =
     "VembaCheckoutKit/3.4.0 (noconnect;automatic;standard_recovery)";
 
-class CheckoutSheetTest : public DisplayExchangeTest<> {
+class CheckoutSheetTest : public ExchangeTest<> {
  protected:
   static std::string url(const std::string& pathAndQuery) {
     return exchange_->origin() + pathAndQuery;
@@ -66,7 +69,6 @@ class CheckoutSheetTest : public DisplayExchangeTest<> {
 };
 
 TEST_F(CheckoutSheetTest, ColdPresentationCompletesWithPixelsAndTheHandshake) {
-  exchange_->clearLog();
   const InspectorRun run = inspect({"--url", url("/checkout/cold?auto=pay&autoDelay=150")});
   EXPECT_EQ(run.exitCode, 0);
   const Strings trace = run.trace();
@@ -81,17 +83,12 @@ TEST_F(CheckoutSheetTest, ColdPresentationCompletesWithPixelsAndTheHandshake) {
   const auto requests = pages("/checkout/cold");
   ASSERT_EQ(requests.size(), 1U);
   EXPECT_FALSE(LocalExchange::header(requests[0], "Sec-Purpose"));
-  const std::string userAgent = agent(requests[0]);
-  EXPECT_EQ(userAgent.substr(userAgent.size() - std::string(kStandardAgent).size()),
-            kStandardAgent);
-  const Strings seen = seenByPage();
-  EXPECT_NE(std::find(seen.begin(), seen.end(), "presented"), seen.end());
-  EXPECT_NE(std::find(seen.begin(), seen.end(), "instrumentation:checkout_finished_loading"),
-            seen.end());
+  EXPECT_THAT(agent(requests[0]), EndsWith(kStandardAgent));
+  EXPECT_THAT(seenByPage(),
+              IsSupersetOf({"presented", "instrumentation:checkout_finished_loading"}));
 }
 
 TEST_F(CheckoutSheetTest, PreloadIsMarkedAndThePresentationReusesThePage) {
-  exchange_->clearLog();
   const InspectorRun run =
       inspect({"--url", url("/checkout/warm?auto=pay&autoDelay=150"), "--preload"});
   EXPECT_EQ(run.exitCode, 0);
@@ -105,19 +102,15 @@ TEST_F(CheckoutSheetTest, PreloadIsMarkedAndThePresentationReusesThePage) {
 }
 
 TEST_F(CheckoutSheetTest, AnEntryPointIsAnnouncedInTheUserAgent) {
-  exchange_->clearLog();
   const InspectorRun run = inspect({"--url", url("/checkout/entry"), "--entry-point",
                                     "AcceleratedCheckouts", "--close-after", "1"});
   EXPECT_EQ(run.exitCode, 0);
   const auto requests = pages("/checkout/entry");
   ASSERT_EQ(requests.size(), 1U);
-  const std::string expected = std::string(kStandardAgent) + " AcceleratedCheckouts";
-  const std::string userAgent = agent(requests[0]);
-  EXPECT_EQ(userAgent.substr(userAgent.size() - expected.size()), expected);
+  EXPECT_THAT(agent(requests[0]), EndsWith(std::string(kStandardAgent) + " AcceleratedCheckouts"));
 }
 
 TEST_F(CheckoutSheetTest, A500RecoversAndCompletesThroughTheThankYouPage) {
-  exchange_->clearLog();
   const InspectorRun run =
       inspect({"--url", url("/checkout/fail-once/recover-1?auto=pay&autoDelay=150")});
   EXPECT_EQ(run.exitCode, 0);
@@ -130,9 +123,7 @@ TEST_F(CheckoutSheetTest, A500RecoversAndCompletesThroughTheThankYouPage) {
 
   const auto requests = pages("/checkout/fail-once/recover-1", /*andBelow=*/true);
   ASSERT_GE(requests.size(), 3U);  // the failure, the recovery page, its thank-you page
-  const std::string recoveryAgent = agent(requests[1]);
-  EXPECT_EQ(recoveryAgent.substr(recoveryAgent.size() - std::string(kRecoveryAgent).size()),
-            kRecoveryAgent);
+  EXPECT_THAT(agent(requests[1]), EndsWith(kRecoveryAgent));
   EXPECT_NE(requests.back().value("path", "").find("thank-you"), std::string::npos);
 }
 
@@ -147,7 +138,6 @@ TEST_F(CheckoutSheetTest, A404DismissesWithoutRecovery) {
 }
 
 TEST_F(CheckoutSheetTest, LinksAreReportedAndStayOutOfTheSheet) {
-  exchange_->clearLog();
   const InspectorRun run = inspect(
       {"--url", url("/checkout/links?auto=terms,mailto&autoDelay=300"), "--close-after", "3"});
   EXPECT_EQ(run.exitCode, 0);

@@ -92,11 +92,6 @@ class SiteRoutesTest(unittest.TestCase):
         self.assertIn(["User-Agent", "X VembaCheckoutKit/3.4.0"], entry["headers"])
         self.assertEqual(entry["variant"], "checkout")
 
-    def test_error_page_config_cannot_break_out_of_its_script(self):
-        _, page = self.get("/checkout/error/expired?reason=%3C/script%3E%3Cb%3Ex")
-        config = page.split('<script id="site-config" type="application/json">')[1].split("</script>")[0]
-        self.assertEqual(json.loads(config)["reason"], "</script><b>x")
-
     def test_slow_first_waits_once_per_key(self):
         started = time.monotonic()
         self.assertEqual(self.get("/ads/slow-first/sf-a/interstitial.html?seconds=0.4")[0], 200)
@@ -106,59 +101,10 @@ class SiteRoutesTest(unittest.TestCase):
         self.assertEqual(self.get("/ads/slow-first/sf-a/interstitial.html?seconds=20")[0], 200)
         self.assertLess(time.monotonic() - started, 10)
 
-    def test_drop_once_closes_the_first_connection_without_an_answer(self):
-        with self.assertRaises((http.client.RemoteDisconnected, ConnectionError)):
-            self.get("/ads/drop-once/do-a/rewarded.html")
-        self.assertEqual(self.get("/ads/drop-once/do-a/rewarded.html")[0], 200)
-
     def test_requests_that_never_answer(self):
         for path in ("/ads/never/interstitial.html", "/checkout/never", "/checkout/never/x.svg"):
             with self.subTest(path=path), self.assertRaises(socket.timeout):
                 self.get(path, timeout=0.4)
-
-    def test_hanging_pages(self):
-        connection = http.client.HTTPSConnection("127.0.0.1", self.port, context=self.tls,
-                                                 timeout=0.5)
-        connection.request("GET", "/checkout/hang/document")
-        response = connection.getresponse()
-        self.assertEqual(response.status, 200)
-        self.assertIn(b"pay-now", response.read1(1 << 20))
-        with self.assertRaises(socket.timeout):
-            response.read()  # the final chunk never comes
-        connection.close()
-        _, page = self.get("/checkout/hang/resource")
-        self.assertIn('<img src="/checkout/never/resource.svg"', page)
-
-    def test_ad_pages_keep_their_channel_and_ids(self):
-        for page in ("/ads/interstitial.html", "/ads/rewarded.html"):
-            _, text = self.get(page)
-            for needle in ("messageHandlers.vemba", 'id="vemba-click"', 'id="vemba-close"',
-                           'id="vemba-shop"', 'id="status"'):
-                with self.subTest(page=page, needle=needle):
-                    self.assertIn(needle, text)
-
-    def test_every_page_is_served_with_the_one_shared_head(self):
-        pages = {"/ads/interstitial.html": "Lumenmoss · Tidepool Mug",
-                 "/ads/rewarded.html": "Lumenmoss · Ember Leaf Tea",
-                 "/ads/slow-first/head-a/rewarded.html?seconds=0": "Lumenmoss · Ember Leaf Tea",
-                 "/landing/rewarded": "Tidepool Mug · Lumenmoss",
-                 "/checkout/demo": "Checkout · Lumenmoss",
-                 "/checkout/error/expired": "Checkout · Lumenmoss",
-                 "/checkout/terms": "Terms of sale · Lumenmoss",
-                 "/checkout/demo/thank-you?order_id=1": "Thank you · Lumenmoss",
-                 "/checkout/status/503": "503 Service Unavailable"}
-        for path, title in pages.items():
-            with self.subTest(path=path):
-                _, text = self.get(path)
-                self.assertTrue(text.startswith('<!DOCTYPE html>\n<html lang="en">\n<head>\n'))
-                self.assertEqual(text.count("<title>"), 1)
-                self.assertIn("<title>%s</title>" % title, text)
-                self.assertEqual(text.count('<meta charset="utf-8">'), 1)
-                self.assertEqual(text.count("</head>"), 1)
-                self.assertNotIn("<!--head", text)
-        _, checkout = self.get("/checkout/demo")
-        self.assertLess(checkout.index("</title>"), checkout.index('id="site-config"'))
-        self.assertLess(checkout.index('id="site-config"'), checkout.index("</head>"))
 
     def test_redirect_loop_sends_every_request_one_hop_further(self):
         connection = http.client.HTTPSConnection("127.0.0.1", self.port, context=self.tls)

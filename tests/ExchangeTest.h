@@ -1,7 +1,7 @@
-// The fixture of the end-to-end suites that draw on the display: one local exchange for the whole
-// suite, trusted by the library's HTTP client and web views through SSL_CERT_FILE. Without a
-// display every test skips; with one, an exchange that failed to start (the suite set-up reports
-// why) fails every test instead of passing as a skip.
+// The fixture of the suites that talk to the local exchange: one exchange for the whole suite,
+// trusted by the library's HTTP client and web views through SSL_CERT_FILE. With `NeedsDisplay`
+// every test skips when there is no display. An exchange that failed to start (the suite set-up
+// reports why) fails every test instead of passing as a skip.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,11 +13,12 @@
 namespace vemba::testing {
 
 // `Port`: the exchange's port; 0 for any free one.
-template <int Port = 0>
-class DisplayExchangeTest : public ::testing::Test {
+template <int Port = 0, bool NeedsDisplay = true>
+class ExchangeTest : public ::testing::Test {
  protected:
+  static bool runnable() { return !NeedsDisplay || std::getenv("DISPLAY") != nullptr; }
   static void SetUpTestSuite() {
-    if (std::getenv("DISPLAY") == nullptr) {
+    if (!runnable()) {
       return;
     }
     exchange::LocalExchange::Options options;
@@ -30,7 +31,7 @@ class DisplayExchangeTest : public ::testing::Test {
     exchange_ = nullptr;
   }
   void SetUp() override {
-    if (std::getenv("DISPLAY") == nullptr) {
+    if (!runnable()) {
       GTEST_SKIP() << "needs a display (the test command runs under xvfb-run)";
     }
     ASSERT_NE(exchange_, nullptr);
