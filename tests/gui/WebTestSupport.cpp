@@ -97,20 +97,10 @@ void RecordingMessageHandler::userContentControllerDidReceive(
   messages.push_back(message);
 }
 
-TestWindow::TestWindow(platform::View& view) : window_(gtk_window_new()) {
-  g_object_ref_sink(window_);
-  gtk_window_set_default_size(GTK_WINDOW(window_), 480, 640);
-  GtkWidget* widget = linux_platform::gtkWidgetOf(view);
-  gtk_widget_set_hexpand(widget, TRUE);
-  gtk_widget_set_vexpand(widget, TRUE);
-  gtk_window_set_child(GTK_WINDOW(window_), widget);
-  gtk_window_present(GTK_WINDOW(window_));
-}
-
-TestWindow::~TestWindow() {
-  gtk_window_set_child(GTK_WINDOW(window_), nullptr);
-  gtk_window_destroy(GTK_WINDOW(window_));
-  g_object_unref(window_);
+void WindowCloser::operator()(GtkWindow* window) const {
+  gtk_window_set_child(window, nullptr);
+  gtk_window_destroy(window);
+  g_object_unref(window);
 }
 
 TestWebView makeWebView(std::optional<std::string> applicationName) {
@@ -123,7 +113,13 @@ TestWebView makeWebView(std::optional<std::string> applicationName) {
   made.view = linux_platform::createWebView(platform::Rect{}, configuration);
   made.delegate = std::make_shared<RecordingNavigationDelegate>();
   made.view->setNavigationDelegate(made.delegate);
-  made.window = std::make_unique<TestWindow>(*made.view);
+  made.window.reset(GTK_WINDOW(g_object_ref_sink(gtk_window_new())));
+  gtk_window_set_default_size(made.window.get(), 480, 640);
+  GtkWidget* widget = linux_platform::gtkWidgetOf(*made.view);
+  gtk_widget_set_hexpand(widget, TRUE);
+  gtk_widget_set_vexpand(widget, TRUE);
+  gtk_window_set_child(made.window.get(), widget);
+  gtk_window_present(made.window.get());
   return made;
 }
 

@@ -58,17 +58,9 @@ class RecordingMessageHandler final : public platform::ScriptMessageHandler {
   std::vector<platform::ScriptMessage> messages;
 };
 
-// A top-level window showing `view` (GtkWindow of 480 × 640); destroyed with the object.
-class TestWindow {
- public:
-  explicit TestWindow(platform::View& view);
-  ~TestWindow();
-  TestWindow(const TestWindow&) = delete;
-  TestWindow& operator=(const TestWindow&) = delete;
-  GtkWidget* window() const { return window_; }
-
- private:
-  GtkWidget* window_;
+// Closes a test's window: takes the view out of it, then destroys it.
+struct WindowCloser {
+  void operator()(GtkWindow* window) const;
 };
 
 // A web view from the backend's factory with its own controller, in an ephemeral session, shown
@@ -77,7 +69,7 @@ struct TestWebView {
   std::shared_ptr<platform::UserContentController> controller;
   std::shared_ptr<platform::WebView> view;
   std::shared_ptr<RecordingNavigationDelegate> delegate;
-  std::unique_ptr<TestWindow> window;
+  std::unique_ptr<GtkWindow, WindowCloser> window;  // 480 × 640, showing the view
 
   // Loads `request` and runs the main loop until the load has ended (once more than before).
   bool loadAndWait(const platform::WebRequest& request);

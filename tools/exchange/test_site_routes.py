@@ -7,6 +7,7 @@
 import http.client
 import json
 import os
+import shutil
 import socket
 import ssl
 import subprocess
@@ -18,28 +19,41 @@ import unittest
 HERE = os.path.dirname(os.path.abspath(__file__))
 
 
-class SiteRoutesTest(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.state_dir = tempfile.mkdtemp(prefix="vemba-site-")
-        ready = os.path.join(cls.state_dir, "ready")
-        started = time.monotonic()
-        cls.process = subprocess.Popen(
+class Exchange:
+    """The exchange as a child process on a free loopback port; stopped by its PID."""
+
+    def __init__(self):
+        self.state_dir = tempfile.mkdtemp(prefix="vemba-site-")
+        ready = os.path.join(self.state_dir, "ready")
+        self.process = subprocess.Popen(
             [sys.executable, os.path.join(HERE, "exchange.py"), "--port", "0", "--state-dir",
-             cls.state_dir, "--ready-file", ready, "--lifetime", "300", "--idle-timeout", "60",
+             self.state_dir, "--ready-file", ready, "--lifetime", "600", "--idle-timeout", "120",
              "--parent-pid", str(os.getpid())], stderr=subprocess.DEVNULL)
+        deadline = time.monotonic() + 20
         while not os.path.exists(ready):
-            if time.monotonic() - started > 20:
+            if time.monotonic() > deadline or self.process.poll() is not None:
                 raise RuntimeError("the exchange did not start")
             time.sleep(0.02)
         with open(ready, encoding="ascii") as source:
-            cls.port = int(source.read())
-        cls.tls = ssl.create_default_context(cafile=os.path.join(cls.state_dir, "ca.pem"))
+            self.port = int(source.read())
+        self.origin = "https://127.0.0.1:%d" % self.port
+
+    def stop(self):
+        self.process.terminate()
+        self.process.wait(10)
+        shutil.rmtree(self.state_dir, ignore_errors=True)
+
+
+class SiteRoutesTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.exchange = Exchange()
+        cls.port = cls.exchange.port
+        cls.tls = ssl.create_default_context(cafile=os.path.join(cls.exchange.state_dir, "ca.pem"))
 
     @classmethod
     def tearDownClass(cls):
-        cls.process.terminate()
-        cls.process.wait(10)
+        cls.exchange.stop()
 
     def get(self, path, headers=None, timeout=10):
         connection = http.client.HTTPSConnection("127.0.0.1", self.port, context=self.tls,
