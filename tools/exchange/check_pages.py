@@ -248,27 +248,6 @@ def ad_buttons_and_auto_tokens_post_the_ad_vocabulary(exchange):
     browser.close()
 
 
-@check
-def misbehaving_ad_tokens_post_what_they_promise(exchange):
-    browser = Browser(exchange)
-    tokens = ["dict-empty", "dict-noaction", "dict-emptyaction", "dict-numberaction", "dict-close",
-              "openURL-nourl", "openURL-numberurl", "openURL-unparsable", "openURL-javascript",
-              "openURL-file", "number", "null", "array", "huge-string"]
-    browser.load(exchange.origin + "/ads/rewarded.html?autoDelay=10&hugeBytes=2000000&auto="
-                 + ",".join(tokens))
-    spin_until(lambda: len(browser.ad_messages()) == len(tokens), 15)
-    got = dict(zip(tokens, browser.ad_messages()))
-    expect(got["dict-empty"] == {} and "action" not in got["dict-noaction"], got["dict-noaction"])
-    expect(got["dict-emptyaction"]["action"] == "" and got["dict-numberaction"]["action"] == 7, "")
-    expect(got["dict-close"] == {"action": "close"}, got["dict-close"])
-    expect(got["openURL-numberurl"]["url"] == 42 and "url" not in got["openURL-nourl"], "")
-    expect(got["openURL-javascript"]["url"].startswith("javascript:"), "")
-    expect(got["openURL-file"]["url"].startswith("file:"), "")
-    expect(got["number"] == 42 and got["null"] is None and got["array"] == ["close"], "")
-    expect(len(got["huge-string"]) == 2000000, "huge string length")
-    browser.close()
-
-
 def take_screenshots(exchange, directory):
     os.makedirs(directory, exist_ok=True)
     pages = [("checkout", "/checkout/demo"), ("thank-you", "/checkout/demo/thank-you?order_id=1042"),
