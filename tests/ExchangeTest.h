@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 #include "LocalExchange.h"
 
@@ -36,6 +38,19 @@ class ExchangeTest : public ::testing::Test {
     }
     ASSERT_NE(exchange_, nullptr);
     exchange_->clearLog();
+  }
+
+  // The page requests the exchange logged for `path` (with `andBelow`, also for the paths under
+  // it), oldest first.
+  static std::vector<nlohmann::json> pageRequests(const std::string& path, bool andBelow = false) {
+    std::vector<nlohmann::json> out;
+    for (nlohmann::json& entry : exchange_->log("page")) {
+      const std::string requested = entry.value("path", "");
+      if (requested == path || (andBelow && requested.rfind(path + "/", 0) == 0)) {
+        out.push_back(std::move(entry));
+      }
+    }
+    return out;
   }
 
   static inline exchange::LocalExchange* exchange_ = nullptr;

@@ -42,16 +42,6 @@ class WebViewTest : public ExchangeTest<> {
   static std::string pageUrl(std::string_view query = "") {
     return exchange_->origin() + std::string(kPagePath) + std::string(query);
   }
-  // The requests for the test page itself (its scripts, styles and images are logged too).
-  static std::vector<nlohmann::json> documents() {
-    std::vector<nlohmann::json> out;
-    for (nlohmann::json& entry : exchange_->log("page")) {
-      if (entry.value("path", "") == kPagePath) {
-        out.push_back(std::move(entry));
-      }
-    }
-    return out;
-  }
   static std::string actionLine(const std::string& url, std::string_view rest = "other target") {
     return "action " + url + " " + std::string(rest);
   }
@@ -77,7 +67,7 @@ TEST_F(WebViewTest, LoadsATrustedHttpsPageInTheSeamsOrder) {
   EXPECT_DOUBLE_EQ(progress.back(), 1.0);
   EXPECT_FALSE(made.view->isLoading());
   EXPECT_EQ(made.view->url(), Url::parse(pageUrl()));
-  EXPECT_EQ(documents().size(), 1U);
+  EXPECT_EQ(pageRequests(std::string(kPagePath)).size(), 1U);
 }
 
 TEST_F(WebViewTest, SendsTheRequestHeadersAndTheUserAgentSuffixOnTheWire) {
@@ -91,7 +81,7 @@ TEST_F(WebViewTest, SendsTheRequestHeadersAndTheUserAgentSuffixOnTheWire) {
   // the core sees one navigation, with the response it renders.
   EXPECT_THAT(made.delegate->events, ElementsAre(actionLine(pageUrl("?prefetched=1")), "start",
                                                  "response 200 main", "finish"));
-  const std::vector<nlohmann::json> pages = documents();
+  const std::vector<nlohmann::json> pages = pageRequests(std::string(kPagePath));
   ASSERT_EQ(pages.size(), 2U);
   EXPECT_EQ(LocalExchange::header(pages[0], "Sec-Purpose"), "prefetch");
   EXPECT_EQ(LocalExchange::header(pages[1], "Sec-Purpose"), std::nullopt);

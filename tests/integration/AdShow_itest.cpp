@@ -35,13 +35,6 @@ class AdShowTest : public ExchangeTest<18443> {
     return runInspector(VEMBA_INSPECT_BINARY, args, 60s, onLine);
   }
   static nlohmann::json page(const std::string& path) { return {{"page", path}}; }
-  static std::size_t requestsFor(const std::string& path) {
-    std::size_t count = 0;
-    for (const nlohmann::json& entry : exchange_->log("page")) {
-      count += entry.value("path", "") == path ? 1U : 0U;
-    }
-    return count;
-  }
 };
 
 TEST_F(AdShowTest, InterstitialShowsIsBilledAndIsDismissedByItsCloseButton) {
@@ -79,7 +72,7 @@ TEST_F(AdShowTest, ShopThisPresentsACheckoutSheetOverTheAd) {
            {"--close-after", "4"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.trace(), (Strings{"adDidLoad", "adDidShow", "screen:presented", "adDidDismiss"}));
-  EXPECT_EQ(requestsFor("/checkout/demo"), 1U);
+  EXPECT_EQ(pageRequests("/checkout/demo").size(), 1U);
   EXPECT_NE(run.errors.find("Presenting Checkout Sheet for URL: "), std::string::npos);
 }
 
@@ -91,7 +84,7 @@ TEST_F(AdShowTest, APageThatTimesOutIsRetriedOnceASecondLater) {
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_NE(run.errors.find("(Code: -1001)"), std::string::npos) << run.errors;
   EXPECT_NE(run.errors.find("Retrying WebView load (Attempt 1/1)..."), std::string::npos);
-  EXPECT_EQ(requestsFor(path), 2U);
+  EXPECT_EQ(pageRequests(path).size(), 2U);
 }
 
 TEST_F(AdShowTest, ARefusedConnectionIsNotRetried) {
@@ -230,7 +223,7 @@ TEST_P(AdShowHostilePageTest, ShowsClosesAndTellsTheHostOnlyWhatItMay) {
   }
   const std::string pagePath =
       "/ads/" + std::string(hostile.page).substr(0, std::string(hostile.page).find('?'));
-  EXPECT_GE(requestsFor(pagePath), hostile.minPageRequests) << run.errors.substr(0, 2000);
+  EXPECT_GE(pageRequests(pagePath).size(), hostile.minPageRequests) << run.errors.substr(0, 2000);
   // Whatever was opened outside is the page's own https landing page, never another scheme.
   for (const nlohmann::json& line : run.lines) {
     if (line.contains("opened")) {

@@ -37,17 +37,6 @@ class CheckoutSheetTest : public ExchangeTest<> {
     args.insert(args.end(), {"--timeout", "40", "--linger", "0.2"});
     return runInspector(VEMBA_INSPECT_BINARY, args, 60s, onLine);
   }
-  // The page requests for `path` (and, with `andBelow`, the paths under it), oldest first.
-  static std::vector<nlohmann::json> pages(const std::string& path, bool andBelow = false) {
-    std::vector<nlohmann::json> out;
-    for (nlohmann::json& entry : exchange_->log("page")) {
-      const std::string requested = entry.value("path", "");
-      if (requested == path || (andBelow && requested.rfind(path + "/", 0) == 0)) {
-        out.push_back(std::move(entry));
-      }
-    }
-    return out;
-  }
   static std::string agent(const nlohmann::json& entry) {
     return LocalExchange::header(entry, "User-Agent").value_or("");
   }
@@ -80,7 +69,7 @@ TEST_F(CheckoutSheetTest, ColdPresentationCompletesWithPixelsAndTheHandshake) {
   EXPECT_FALSE(completed[0]["payload"]["orderDetails"]["id"].get<std::string>().empty());
   EXPECT_GE(run.where("callback", "checkoutDidEmitWebPixelEvent").size(), 6U);
 
-  const auto requests = pages("/checkout/cold");
+  const auto requests = pageRequests("/checkout/cold");
   ASSERT_EQ(requests.size(), 1U);
   EXPECT_FALSE(LocalExchange::header(requests[0], "Sec-Purpose"));
   EXPECT_THAT(agent(requests[0]), EndsWith(kStandardAgent));
@@ -95,7 +84,7 @@ TEST_F(CheckoutSheetTest, PreloadIsMarkedAndThePresentationReusesThePage) {
   EXPECT_EQ(run.where("callback", "checkoutDidComplete").size(), 1U);
   // The preload's marked request and its unmarked follow-up (WebKit shows nothing for a marked
   // one); presenting the preloaded page asks the server for nothing more.
-  const auto requests = pages("/checkout/warm");
+  const auto requests = pageRequests("/checkout/warm");
   ASSERT_EQ(requests.size(), 2U);
   EXPECT_EQ(LocalExchange::header(requests[0], "Sec-Purpose"), "prefetch");
   EXPECT_EQ(LocalExchange::header(requests[1], "Sec-Purpose"), std::nullopt);
@@ -105,7 +94,7 @@ TEST_F(CheckoutSheetTest, AnEntryPointIsAnnouncedInTheUserAgent) {
   const InspectorRun run = inspect({"--url", url("/checkout/entry"), "--entry-point",
                                     "AcceleratedCheckouts", "--close-after", "1"});
   EXPECT_EQ(run.exitCode, 0);
-  const auto requests = pages("/checkout/entry");
+  const auto requests = pageRequests("/checkout/entry");
   ASSERT_EQ(requests.size(), 1U);
   EXPECT_THAT(agent(requests[0]), EndsWith(std::string(kStandardAgent) + " AcceleratedCheckouts"));
 }
@@ -121,7 +110,7 @@ TEST_F(CheckoutSheetTest, A500RecoversAndCompletesThroughTheThankYouPage) {
   EXPECT_EQ(failed[0]["checkoutError"]["code"]["httpError"], 500);
   EXPECT_EQ(failed[0]["checkoutError"]["recoverable"], true);
 
-  const auto requests = pages("/checkout/fail-once/recover-1", /*andBelow=*/true);
+  const auto requests = pageRequests("/checkout/fail-once/recover-1", /*andBelow=*/true);
   ASSERT_GE(requests.size(), 3U);  // the failure, the recovery page, its thank-you page
   EXPECT_THAT(agent(requests[1]), EndsWith(kRecoveryAgent));
   EXPECT_NE(requests.back().value("path", "").find("thank-you"), std::string::npos);
@@ -149,7 +138,7 @@ TEST_F(CheckoutSheetTest, LinksAreReportedAndStayOutOfTheSheet) {
   EXPECT_EQ(links[0], url("/checkout/terms"));  // "open_externally" removed before reporting
   EXPECT_EQ(links[1].rfind("mailto:", 0), 0U);
   EXPECT_TRUE(run.where("opened", url("/checkout/terms")).empty());  // the host decides
-  EXPECT_TRUE(pages("/checkout/terms").empty());
+  EXPECT_TRUE(pageRequests("/checkout/terms").empty());
   EXPECT_EQ(run.where("callback", "checkoutDidCancel").size(), 1U);
 }
 
