@@ -33,6 +33,10 @@ void GuiTest::SetUp() {
 #if defined(VEMBA_GUI_TESTS_UNDER_SANITIZERS)
   g_setenv("GDK_DEBUG", "gl-disable", FALSE);  // see tests/gui/CMakeLists.txt
 #endif
+  for (const char* domain : {"Gtk", "GLib-GObject"}) {
+    handlers_.emplace_back(
+        domain, g_log_set_handler(domain, G_LOG_LEVEL_CRITICAL, failOnCritical, nullptr));
+  }
   ui = linux_platform::gtkUi();
   ASSERT_NE(ui, nullptr) << "GTK could not be initialised on this display";
   window = GTK_WINDOW(gtk_window_new());
@@ -46,6 +50,14 @@ void GuiTest::TearDown() {
     gtk_window_destroy(window);
     runFor(std::chrono::milliseconds(20));
   }
+  for (const auto& [domain, id] : handlers_) {
+    g_log_remove_handler(domain, id);
+  }
+}
+
+void GuiTest::failOnCritical(const gchar* domain, GLogLevelFlags /*level*/, const gchar* message,
+                             gpointer /*unused*/) {
+  ADD_FAILURE() << domain << " critical: " << message;
 }
 
 }  // namespace vemba::gui_test

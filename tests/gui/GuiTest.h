@@ -1,11 +1,14 @@
 // A fixture for GUI tests: GTK initialised once per process, a fresh 800×600 window per test,
-// and the main loop driven until a condition holds (bounded, never a sleep).
+// and the main loop driven until a condition holds (bounded, never a sleep). A test fails when GTK
+// or GObject logs a critical (a widget torn down twice, a stale constraint, ...).
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <functional>
+#include <utility>
+#include <vector>
 
 #include "MainLoop.h"
 #include "platform/Ui.h"
@@ -31,6 +34,11 @@ class GuiTest : public ::testing::Test {
 
   platform::Ui* ui = nullptr;
   GtkWindow* window = nullptr;
+
+ private:
+  static void failOnCritical(const gchar* domain, GLogLevelFlags level, const gchar* message,
+                             gpointer unused);
+  std::vector<std::pair<const char*, guint>> handlers_;
 };
 
 }  // namespace vemba::gui_test

@@ -1,4 +1,6 @@
-// Presentation, dismissal and user dismissal of GTK screens inside a real window.
+// GTK screens inside a real window: the widgets and transitions the backend adds around the shared
+// presentation stack (the stack's own rules are tested on their own).
+#include <glib.h>
 #include <gtk/gtk.h>
 
 #include <string>
@@ -15,11 +17,12 @@ namespace {
 using linux_platform::GtkScreen;
 using platform::ModalPresentationStyle;
 using std::chrono::milliseconds;
+using Log = std::vector<std::string>;
 
 // Records the lifecycle calls of a screen and of its presentation, in order.
 struct Recorder final : platform::ScreenDelegate, platform::PresentationDelegate {
-  std::vector<std::string>* log;
-  explicit Recorder(std::vector<std::string>* into) : log(into) {}
+  Log* log;
+  explicit Recorder(Log* into) : log(into) {}
   void viewDidLoad() override { log->push_back("viewDidLoad"); }
   void viewWillAppear() override { log->push_back("viewWillAppear"); }
   void presentationControllerDidDismiss() override { log->push_back("didDismiss"); }
@@ -44,9 +47,12 @@ class ScreensTest : public GuiTest {
     screen->setPresentationDelegate(recorder);
     return screen;
   }
+  std::function<void()> note(std::string text) {
+    return [this, text] { log.push_back(text); };
+  }
 
   std::shared_ptr<platform::Screen> host;
-  std::vector<std::string> log;
+  Log log;
 };
 
 TEST_F(ScreensTest, AnimatedPresentationRunsItsCompletionAfterTheTransitionOverTheContent) {
@@ -57,9 +63,8 @@ TEST_F(ScreensTest, AnimatedPresentationRunsItsCompletionAfterTheTransitionOverT
   host->presentScreen(child, /*animated=*/true, [&] { presented = true; });
 
   EXPECT_FALSE(presented) << "never within the call";
-  EXPECT_EQ(log, (std::vector<std::string>{"viewDidLoad", "viewWillAppear"}));
+  EXPECT_EQ(log, (Log{"viewDidLoad", "viewWillAppear"}));
   EXPECT_EQ(host->presentedScreen(), child);
-  EXPECT_EQ(child->presentingScreen(), host.get());
   const gint64 start = g_get_monotonic_time();
   ASSERT_TRUE(runUntil([&] { return presented; }));
   EXPECT_GE(g_get_monotonic_time() - start, 200'000) << "completion before the transition ended";
@@ -73,79 +78,83 @@ TEST_F(ScreensTest, AnimatedPresentationRunsItsCompletionAfterTheTransitionOverT
   EXPECT_DOUBLE_EQ(gtk_widget_get_opacity(gtkChild->presentationWidget()), 1.0);
 }
 
-TEST_F(ScreensTest, PresenterHoldsTheScreenAndDelegateUntilTheDismissalCompletes) {
+TEST_F(ScreensTest, PresenterHoldsTheScreenAndDelegateUntilTheDismissalRemovedItsWidgets) {
   auto recorder = std::make_shared<Recorder>(&log);
   auto child = newScreen(recorder);
   const std::weak_ptr<platform::Screen> weakChild = child;
   const std::weak_ptr<Recorder> weakRecorder = recorder;
-  bool presented = false;
-  host->presentScreen(child, /*animated=*/false, [&] { presented = true; });
-  EXPECT_FALSE(presented);
-  ASSERT_TRUE(runUntil([&] { return presented; }));
+  host->presentScreen(child, /*animated=*/false, note("presented"));
+  EXPECT_NE(log.back(), "presented") << "never within the call";
+  ASSERT_TRUE(runUntil([&] { return log.back() == "presented"; }));
   child.reset();
   recorder.reset();
-  ASSERT_FALSE(weakChild.expired()) << "the presenter must hold the presented screen";
-  ASSERT_FALSE(weakRecorder.expired()) << "the presenter must hold the screen's delegate";
+  ASSERT_FALSE(weakChild.expired() || weakRecorder.expired());
 
-  std::vector<bool> releasedAtCompletion;
-  for (const bool animated : {true, false}) {  // a second request joins the one under way
-    host->dismiss(animated, [&] {
-      releasedAtCompletion.push_back(weakChild.expired() && weakRecorder.expired());
-    });
-  }
-  EXPECT_TRUE(releasedAtCompletion.empty());
-  ASSERT_TRUE(runUntil([&] { return releasedAtCompletion.size() == 2; }));
-  EXPECT_EQ(releasedAtCompletion, (std::vector<bool>{true, true}));
-  EXPECT_EQ(host->presentedScreen(), nullptr);
-  EXPECT_TRUE(GTK_IS_OVERLAY(gtk_window_get_child(window)));
-  EXPECT_EQ(gtk_widget_get_first_child(gtk_window_get_child(window)),
-            gtk_widget_get_last_child(gtk_window_get_child(window)))
+  std::optional<bool> releasedAtCompletion;
+  host->dismiss(/*animated=*/true,
+                [&] { releasedAtCompletion = weakChild.expired() && weakRecorder.expired(); });
+  ASSERT_TRUE(runUntil([&] { return releasedAtCompletion.has_value(); }));
+  EXPECT_TRUE(*releasedAtCompletion);
+  GtkWidget* overlay = gtk_window_get_child(window);
+  EXPECT_EQ(gtk_widget_get_first_child(overlay), gtk_widget_get_last_child(overlay))
       << "the presentation's widgets stay behind";
 }
 
-TEST_F(ScreensTest, OnlyOneChildAtATimeAndTheRefusedCompletionNeverRuns) {
-  auto first = newScreen(std::make_shared<Recorder>(&log));
-  auto second = ui->createScreen();
-  int completions = 0;
-  host->presentScreen(first, false, [&] { ++completions; });
-  host->presentScreen(second, false, [&] { ++completions; });       // host already presents
-  first->presentScreen(first, false, [&] { completions += 100; });  // itself
-  auto other = ui->createScreen();
-  other->presentScreen(first, false, [&] { completions += 100; });  // already presented
-  runFor(milliseconds(400));
-  EXPECT_EQ(completions, 1);
-  EXPECT_EQ(host->presentedScreen(), first);
-  EXPECT_EQ(other->presentedScreen(), nullptr);
-}
-
-TEST_F(ScreensTest, DismissOfNothingCompletesOnALaterTurn) {
+TEST_F(ScreensTest, AWindowsOwnScreenIsNeverPresentedAndDismissOfNothingCompletesLater) {
+  GtkWindow* other = GTK_WINDOW(gtk_window_new());
+  bool ran = false;
+  host->presentScreen(screenForWindow(other), false, [&] { ran = true; });
   auto lonely = ui->createScreen();
   bool done = false;
   lonely->dismiss(true, [&] { done = true; });
   EXPECT_FALSE(done);
   EXPECT_TRUE(runUntil([&] { return done; }, milliseconds(100)));
+  runFor(milliseconds(100));
+  EXPECT_FALSE(ran);
+  EXPECT_EQ(host->presentedScreen(), nullptr);
+  gtk_window_destroy(other);
 }
 
-TEST_F(ScreensTest, DismissingFromBelowTakesEverythingAboveAndTheScreenCanComeBack) {
+// The presentation's transition is stopped by the dismissal's tear-down; its completion runs
+// once, before the dismissal's, and never inside the calls.
+TEST_F(ScreensTest, ADismissalDuringTheTransitionCompletesThePresentationFirst) {
+  for (const bool animatedDismissal : {true, false}) {
+    SCOPED_TRACE(animatedDismissal ? "animated dismissal" : "immediate dismissal");
+    log.clear();
+    auto child = ui->createScreen();
+    const std::weak_ptr<platform::Screen> weakChild = child;
+    host->presentScreen(std::move(child), /*animated=*/true, note("presented"));
+    host->dismiss(animatedDismissal, [&] {
+      log.push_back(weakChild.expired() ? "dismissed, released" : "dismissed, held");
+    });
+    EXPECT_TRUE(log.empty());
+    ASSERT_TRUE(runUntil([&] { return log.size() >= 2; }));
+    runFor(milliseconds(400));  // the presentation's own transition would have ended by now
+    EXPECT_EQ(log, (Log{"presented", "dismissed, released"}));
+    EXPECT_EQ(host->presentedScreen(), nullptr);
+  }
+}
+
+// Tearing down the upper fade ends its dismissal re-entrantly; the screens can be presented again.
+TEST_F(ScreensTest, ALowerDismissalTakesOverAnAnimatedOneHigherUp) {
   auto middle = ui->createScreen();
   auto top = ui->createScreen();
-  middle->setModalPresentationStyle(ModalPresentationStyle::fullScreen);
-  int presented = 0;
-  host->presentScreen(middle, false, [&] { ++presented; });
-  ASSERT_TRUE(runUntil([&] { return presented == 1; }));
-  middle->presentScreen(top, false, [&] { ++presented; });
-  ASSERT_TRUE(runUntil([&] { return presented == 2; }));
+  host->presentScreen(middle, false, {});
+  middle->presentScreen(top, false, note("top presented"));
+  ASSERT_TRUE(runUntil([&] { return !log.empty(); }));
 
-  bool dismissed = false;
-  host->dismiss(true, [&] { dismissed = true; });
-  ASSERT_TRUE(runUntil([&] { return dismissed; }));
-  EXPECT_EQ(middle->presentingScreen(), nullptr);
+  middle->dismiss(/*animated=*/true, note("upper dismissed"));
+  host->dismiss(/*animated=*/false, note("lower dismissed"));
+  ASSERT_TRUE(runUntil([&] { return log.size() >= 3; }));
+  runFor(milliseconds(400));  // the upper transition's own end must not run anything again
+  EXPECT_EQ(log, (Log{"top presented", "upper dismissed", "lower dismissed"}));
+  EXPECT_EQ(host->presentedScreen(), nullptr);
   EXPECT_EQ(top->presentingScreen(), nullptr);
-  EXPECT_EQ(middle->presentedScreen(), nullptr);
 
-  // Its root view left the old presentation, so it can be presented again.
-  host->presentScreen(top, true, [&] { ++presented; });
-  ASSERT_TRUE(runUntil([&] { return presented == 3; }));
+  host->presentScreen(middle, false, note("middle again"));
+  middle->presentScreen(top, true, note("top again"));
+  ASSERT_TRUE(runUntil([&] { return log.size() >= 5; }));
+  EXPECT_EQ(middle->presentedScreen(), top);
   EXPECT_EQ(gtk_widget_get_root(linux_platform::gtkWidgetOf(top->view())), GTK_ROOT(window));
 }
 
@@ -165,6 +174,7 @@ class SheetTest : public ScreensTest {
     host->presentScreen(sheet, true, [&] { presented = true; });
     ASSERT_TRUE(runUntil([&] { return presented; }));
     gtkSheet = dynamic_cast<GtkScreen*>(sheet.get());
+    log.clear();
   }
 
   bool pressEscape() {
@@ -202,42 +212,27 @@ TEST_F(SheetTest, ShowsTheRootsTitleAndCloseItemOverADimmedBackdrop) {
   EXPECT_EQ(root->navigationContainer(), sheet.get());
 }
 
-TEST_F(SheetTest, EscapeDismissesTheSheetThenTellsThePresentationDelegate) {
+TEST_F(SheetTest, EscapeIsTheUsersDismissalButNotDuringTheCoresOwn) {
+  // The core's own dismissal (the root dismisses its container) is never reported, and Escape
+  // during it is not taken.
   presentSheet();
-  log.clear();
-  const std::weak_ptr<platform::Screen> weakSheet = sheet;
+  bool dismissed = false;
+  root->dismiss(true, [&] { dismissed = true; });
+  EXPECT_FALSE(pressEscape());
+  ASSERT_TRUE(runUntil([&] { return dismissed; }));
+  runFor(milliseconds(50));
+  EXPECT_TRUE(log.empty());
+
+  // Escape dismisses the sheet, then tells the presentation delegate once the sheet is gone.
+  presentSheet();
   bool presentedAtNotice = true;
   ASSERT_TRUE(pressEscape());
   EXPECT_TRUE(log.empty()) << "told before the dismissal completed";
   ASSERT_TRUE(runUntil([&] { return !log.empty(); }));
   presentedAtNotice = host->presentedScreen() != nullptr;
-  EXPECT_EQ(log, (std::vector<std::string>{"didDismiss"}));
+  EXPECT_EQ(log, (Log{"didDismiss"}));
   EXPECT_FALSE(presentedAtNotice);
   EXPECT_FALSE(pressEscape()) << "a dismissed sheet no longer takes Escape";
-}
-
-TEST_F(SheetTest, TheCoresOwnDismissalIsNeverReportedAndEscapeDuringItIsIgnored) {
-  presentSheet();
-  log.clear();
-  bool dismissed = false;
-  root->dismiss(true, [&] { dismissed = true; });  // the root dismisses its container
-  EXPECT_FALSE(pressEscape());
-  ASSERT_TRUE(runUntil([&] { return dismissed; }));
-  runFor(milliseconds(50));
-  EXPECT_TRUE(log.empty());
-  EXPECT_EQ(host->presentedScreen(), nullptr);
-}
-
-TEST_F(SheetTest, FullScreenAndCoveredSheetsIgnoreTheUsersDismissal) {
-  presentSheet();
-  auto cover = ui->createScreen();
-  cover->setModalPresentationStyle(ModalPresentationStyle::fullScreen);
-  bool presented = false;
-  sheet->presentScreen(cover, false, [&] { presented = true; });
-  ASSERT_TRUE(runUntil([&] { return presented; }));
-  EXPECT_FALSE(pressEscape()) << "the sheet is covered by another screen";
-  EXPECT_FALSE(dynamic_cast<GtkScreen*>(cover.get())->userDismiss());
-  EXPECT_EQ(host->presentedScreen(), sheet);
 }
 
 TEST_F(SheetTest, NavigationBarHidesOverTheReportedDuration) {

@@ -20,6 +20,8 @@ struct Row {
   int expectedCode;
 };
 
+// Refused connections, time-outs, an unknown root and a cancelled response reach the web view
+// tests through real WebKit; these are the classes they cannot provoke over loopback.
 TEST(WebErrorMapTest, MapsEachFailureClass) {
   const std::string_view url = platform::kUrlErrorDomain;
   const std::string_view webKit = platform::kWebKitErrorDomain;
@@ -31,14 +33,10 @@ TEST(WebErrorMapTest, MapsEachFailureClass) {
        Code::networkConnectionLost},
       {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_FAILED, kNoFlags, url, Code::unknown},
       // The engine's policy codes stay in the engine's domain.
-      {WEBKIT_POLICY_ERROR, WEBKIT_POLICY_ERROR_FRAME_LOAD_INTERRUPTED_BY_POLICY_CHANGE, kNoFlags,
-       webKit, platform::WebKitErrorCode::frameLoadInterrupted},
       {WEBKIT_POLICY_ERROR, WEBKIT_POLICY_ERROR_CANNOT_SHOW_URI, kNoFlags, webKit,
        platform::WebKitErrorCode::cannotShowURL},
       {WEBKIT_POLICY_ERROR, WEBKIT_POLICY_ERROR_CANNOT_USE_RESTRICTED_PORT, kNoFlags, webKit, 103},
-      {G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED, kNoFlags, url, Code::cannotConnectToHost},
       {G_IO_ERROR, G_IO_ERROR_NETWORK_UNREACHABLE, kNoFlags, url, Code::notConnectedToInternet},
-      {G_IO_ERROR, G_IO_ERROR_TIMED_OUT, kNoFlags, url, Code::timedOut},
       {G_IO_ERROR, G_IO_ERROR_CONNECTION_CLOSED, kNoFlags, url, Code::networkConnectionLost},
       {G_IO_ERROR, G_IO_ERROR_PERMISSION_DENIED, kNoFlags, url, Code::unknown},
       {G_RESOLVER_ERROR, G_RESOLVER_ERROR_NOT_FOUND, kNoFlags, url, Code::cannotFindHost},
@@ -49,8 +47,6 @@ TEST(WebErrorMapTest, MapsEachFailureClass) {
        Code::clientCertificateRejected},
       // A refused certificate without the flags WebKit reports beforehand.
       {G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE, kNoFlags, url, Code::serverCertificateUntrusted},
-      {G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE, G_TLS_CERTIFICATE_UNKNOWN_CA, url,
-       Code::serverCertificateHasUnknownRoot},
       {SOUP_SESSION_ERROR, SOUP_SESSION_ERROR_TOO_MANY_REDIRECTS, kNoFlags, url,
        Code::httpTooManyRedirects},
       {SOUP_SESSION_ERROR, SOUP_SESSION_ERROR_PARSING, kNoFlags, url, Code::cannotParseResponse},

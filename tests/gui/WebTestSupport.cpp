@@ -1,11 +1,5 @@
 #include "WebTestSupport.h"
 
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <sstream>
 #include <stdexcept>
 
 #include "GtkViewBase.h"
@@ -13,13 +7,8 @@
 #include "vemba/linux/WebViews.h"
 
 namespace vemba::testing {
-namespace {
 
-std::string codeText(const platform::NavigationError& error) {
-  return error.domain + " " + std::to_string(error.code);
-}
-
-std::string typeText(platform::NavigationType type) {
+std::string RecordingNavigationDelegate::typeText(platform::NavigationType type) {
   switch (type) {
     case platform::NavigationType::linkActivated:
       return "link";
@@ -37,80 +26,15 @@ std::string typeText(platform::NavigationType type) {
   return "other";
 }
 
-}  // namespace
-
 bool displayAvailable() {
   static const bool available = gtk_init_check() != FALSE;
   return available;
 }
 
-platform::NavigationActionPolicy RecordingNavigationDelegate::decidePolicyForNavigationAction(
-    platform::WebView& /*webView*/, const platform::NavigationAction& action) {
-  events.push_back("action " + (action.url ? action.url->absoluteString() : "-") + " " +
-                   typeText(action.navigationType) + " " +
-                   (action.hasTargetFrame ? "target" : "no-target"));
-  return cancelAction && cancelAction(action) ? platform::NavigationActionPolicy::cancel
-                                              : platform::NavigationActionPolicy::allow;
-}
-
-platform::NavigationResponsePolicy RecordingNavigationDelegate::decidePolicyForNavigationResponse(
-    platform::WebView& /*webView*/, const platform::NavigationResponse& response) {
-  events.push_back("response " +
-                   (response.statusCode ? std::to_string(*response.statusCode) : "-") + " " +
-                   (response.isForMainFrame ? "main" : "sub"));
-  return cancelResponse && cancelResponse(response) ? platform::NavigationResponsePolicy::cancel
-                                                    : platform::NavigationResponsePolicy::allow;
-}
-
-void RecordingNavigationDelegate::didStartProvisionalNavigation(platform::WebView& /*webView*/) {
-  events.emplace_back("start");
-}
-
-void RecordingNavigationDelegate::didFailProvisionalNavigation(
-    platform::WebView& /*webView*/, const platform::NavigationError& error) {
-  events.push_back("fail-provisional " + codeText(error));
-  errors.push_back(error);
-  countEnd();
-}
-
-void RecordingNavigationDelegate::didFinishNavigation(platform::WebView& /*webView*/) {
-  events.emplace_back("finish");
-  countEnd();
-}
-
-void RecordingNavigationDelegate::countEnd() {
-  ++ends;
-  if (onEnd) {
-    onEnd();
-  }
-}
-
-void RecordingNavigationDelegate::didFailNavigation(platform::WebView& /*webView*/,
-                                                    const platform::NavigationError& error) {
-  events.push_back("fail " + codeText(error));
-  errors.push_back(error);
-  countEnd();
-}
-
-void RecordingMessageHandler::userContentControllerDidReceive(
-    platform::UserContentController& /*controller*/, const platform::ScriptMessage& message) {
-  messages.push_back(message);
-}
-
-TestWindow::TestWindow(platform::View& view) : window_(gtk_window_new()) {
-  g_object_ref_sink(window_);
-  gtk_window_set_default_size(GTK_WINDOW(window_), 480, 640);
-  GtkWidget* widget = linux_platform::gtkWidgetOf(view);
-  gtk_widget_set_hexpand(widget, TRUE);
-  gtk_widget_set_vexpand(widget, TRUE);
-  gtk_window_set_child(GTK_WINDOW(window_), widget);
-  gtk_window_present(GTK_WINDOW(window_));
-}
-
-TestWindow::~TestWindow() {
-  gtk_window_set_child(GTK_WINDOW(window_), nullptr);
-  gtk_window_destroy(GTK_WINDOW(window_));
-  g_object_unref(window_);
+void WindowCloser::operator()(GtkWindow* window) const {
+  gtk_window_set_child(window, nullptr);
+  gtk_window_destroy(window);
+  g_object_unref(window);
 }
 
 TestWebView makeWebView(std::optional<std::string> applicationName) {
@@ -123,7 +47,13 @@ TestWebView makeWebView(std::optional<std::string> applicationName) {
   made.view = linux_platform::createWebView(platform::Rect{}, configuration);
   made.delegate = std::make_shared<RecordingNavigationDelegate>();
   made.view->setNavigationDelegate(made.delegate);
-  made.window = std::make_unique<TestWindow>(*made.view);
+  made.window.reset(GTK_WINDOW(g_object_ref_sink(gtk_window_new())));
+  gtk_window_set_default_size(made.window.get(), 480, 640);
+  GtkWidget* widget = linux_platform::gtkWidgetOf(*made.view);
+  gtk_widget_set_hexpand(widget, TRUE);
+  gtk_widget_set_vexpand(widget, TRUE);
+  gtk_window_set_child(made.window.get(), widget);
+  gtk_window_present(made.window.get());
   return made;
 }
 

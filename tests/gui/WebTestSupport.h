@@ -26,15 +26,33 @@ bool displayAvailable();
 class RecordingNavigationDelegate final : public platform::NavigationDelegate {
  public:
   platform::NavigationActionPolicy decidePolicyForNavigationAction(
-      platform::WebView& webView, const platform::NavigationAction& action) override;
+      platform::WebView& /*webView*/, const platform::NavigationAction& action) override {
+    events.push_back("action " + (action.url ? action.url->absoluteString() : "-") + " " +
+                     typeText(action.navigationType) + " " +
+                     (action.hasTargetFrame ? "target" : "no-target"));
+    return cancelAction && cancelAction(action) ? platform::NavigationActionPolicy::cancel
+                                                : platform::NavigationActionPolicy::allow;
+  }
   platform::NavigationResponsePolicy decidePolicyForNavigationResponse(
-      platform::WebView& webView, const platform::NavigationResponse& response) override;
-  void didStartProvisionalNavigation(platform::WebView& webView) override;
-  void didFailProvisionalNavigation(platform::WebView& webView,
-                                    const platform::NavigationError& error) override;
-  void didFinishNavigation(platform::WebView& webView) override;
-  void didFailNavigation(platform::WebView& webView,
-                         const platform::NavigationError& error) override;
+      platform::WebView& /*webView*/, const platform::NavigationResponse& response) override {
+    events.push_back("response " +
+                     (response.statusCode ? std::to_string(*response.statusCode) : "-") + " " +
+                     (response.isForMainFrame ? "main" : "sub"));
+    return cancelResponse && cancelResponse(response) ? platform::NavigationResponsePolicy::cancel
+                                                      : platform::NavigationResponsePolicy::allow;
+  }
+  void didStartProvisionalNavigation(platform::WebView& /*webView*/) override {
+    events.emplace_back("start");
+  }
+  void didFailProvisionalNavigation(platform::WebView& /*webView*/,
+                                    const platform::NavigationError& error) override {
+    end("fail-provisional " + error.domain + " " + std::to_string(error.code), &error);
+  }
+  void didFinishNavigation(platform::WebView& /*webView*/) override { end("finish", nullptr); }
+  void didFailNavigation(platform::WebView& /*webView*/,
+                         const platform::NavigationError& error) override {
+    end("fail " + error.domain + " " + std::to_string(error.code), &error);
+  }
 
   // The load ended (finished or failed) at least `count` times.
   bool ended(std::size_t count = 1) const { return ends >= count; }
@@ -48,27 +66,31 @@ class RecordingNavigationDelegate final : public platform::NavigationDelegate {
   std::function<void()> onEnd;
 
  private:
-  void countEnd();
+  static std::string typeText(platform::NavigationType type);
+  void end(std::string event, const platform::NavigationError* error) {
+    events.push_back(std::move(event));
+    if (error != nullptr) {
+      errors.push_back(*error);
+    }
+    ++ends;
+    if (onEnd) {
+      onEnd();
+    }
+  }
 };
 
 class RecordingMessageHandler final : public platform::ScriptMessageHandler {
  public:
-  void userContentControllerDidReceive(platform::UserContentController& controller,
-                                       const platform::ScriptMessage& message) override;
+  void userContentControllerDidReceive(platform::UserContentController& /*controller*/,
+                                       const platform::ScriptMessage& message) override {
+    messages.push_back(message);
+  }
   std::vector<platform::ScriptMessage> messages;
 };
 
-// A top-level window showing `view` (GtkWindow of 480 × 640); destroyed with the object.
-class TestWindow {
- public:
-  explicit TestWindow(platform::View& view);
-  ~TestWindow();
-  TestWindow(const TestWindow&) = delete;
-  TestWindow& operator=(const TestWindow&) = delete;
-  GtkWidget* window() const { return window_; }
-
- private:
-  GtkWidget* window_;
+// Closes a test's window: takes the view out of it, then destroys it.
+struct WindowCloser {
+  void operator()(GtkWindow* window) const;
 };
 
 // A web view from the backend's factory with its own controller, in an ephemeral session, shown
@@ -77,7 +99,7 @@ struct TestWebView {
   std::shared_ptr<platform::UserContentController> controller;
   std::shared_ptr<platform::WebView> view;
   std::shared_ptr<RecordingNavigationDelegate> delegate;
-  std::unique_ptr<TestWindow> window;
+  std::unique_ptr<GtkWindow, WindowCloser> window;  // 480 × 640, showing the view
 
   // Loads `request` and runs the main loop until the load has ended (once more than before).
   bool loadAndWait(const platform::WebRequest& request);

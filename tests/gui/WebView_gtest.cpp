@@ -1,7 +1,7 @@
 // The WebKitGTK web view through the seam, against local servers under Xvfb: the load lifecycle
 // in the order the core relies on, trust of the SSL_CERT_FILE bundle and nothing else, failures
 // and their codes, policy decisions, script messages both ways, what the server sees, ephemeral
-// storage, and the web process ending with the view.
+// storage. (That the web process ends with the view, AdCycles_itest shows for twenty views.)
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -12,9 +12,9 @@
 #include <memory>
 #include <string>
 
+#include "ExchangeTest.h"
 #include "LocalExchange.h"
 #include "LoopbackPorts.h"
-#include "ProcessTree.h"
 #include "WebTestSupport.h"
 #include "WindowSnapshot.h"
 #include "platform/UrlErrorCode.h"
@@ -30,48 +30,22 @@ namespace Code = platform::UrlErrorCode;
 
 constexpr std::string_view kPagePath = "/ads/interstitial.html";
 
-class WebViewTest : public ::testing::Test {
+class WebViewTest : public ExchangeTest<> {
  protected:
-  static void SetUpTestSuite() {
-    if (!displayAvailable()) {
-      return;
-    }
-    exchange_ = new LocalExchange();
-    setenv("SSL_CERT_FILE", exchange_->caFile().c_str(), 1);
-  }
-  static void TearDownTestSuite() {
-    delete exchange_;
-    exchange_ = nullptr;
-  }
   void SetUp() override {
-    if (!displayAvailable()) {
-      GTEST_SKIP() << "no display";
+    ExchangeTest::SetUp();
+    if (!IsSkipped() && !HasFatalFailure()) {
+      ASSERT_TRUE(displayAvailable()) << "GTK cannot use the display";
     }
-    ASSERT_NE(exchange_, nullptr);  // its start failed (reported above)
-    exchange_->clearLog();
   }
 
   static std::string pageUrl(std::string_view query = "") {
     return exchange_->origin() + std::string(kPagePath) + std::string(query);
   }
-  // The requests for the test page itself (its scripts, styles and images are logged too).
-  static std::vector<nlohmann::json> documents() {
-    std::vector<nlohmann::json> out;
-    for (nlohmann::json& entry : exchange_->log("page")) {
-      if (entry.value("path", "") == kPagePath) {
-        out.push_back(std::move(entry));
-      }
-    }
-    return out;
-  }
   static std::string actionLine(const std::string& url, std::string_view rest = "other target") {
     return "action " + url + " " + std::string(rest);
   }
-
-  static LocalExchange* exchange_;
 };
-
-LocalExchange* WebViewTest::exchange_ = nullptr;
 
 TEST_F(WebViewTest, LoadsATrustedHttpsPageInTheSeamsOrder) {
   TestWebView made = makeWebView();
@@ -93,7 +67,7 @@ TEST_F(WebViewTest, LoadsATrustedHttpsPageInTheSeamsOrder) {
   EXPECT_DOUBLE_EQ(progress.back(), 1.0);
   EXPECT_FALSE(made.view->isLoading());
   EXPECT_EQ(made.view->url(), Url::parse(pageUrl()));
-  EXPECT_EQ(documents().size(), 1U);
+  EXPECT_EQ(pageRequests(std::string(kPagePath)).size(), 1U);
 }
 
 TEST_F(WebViewTest, SendsTheRequestHeadersAndTheUserAgentSuffixOnTheWire) {
@@ -107,7 +81,7 @@ TEST_F(WebViewTest, SendsTheRequestHeadersAndTheUserAgentSuffixOnTheWire) {
   // the core sees one navigation, with the response it renders.
   EXPECT_THAT(made.delegate->events, ElementsAre(actionLine(pageUrl("?prefetched=1")), "start",
                                                  "response 200 main", "finish"));
-  const std::vector<nlohmann::json> pages = documents();
+  const std::vector<nlohmann::json> pages = pageRequests(std::string(kPagePath));
   ASSERT_EQ(pages.size(), 2U);
   EXPECT_EQ(LocalExchange::header(pages[0], "Sec-Purpose"), "prefetch");
   EXPECT_EQ(LocalExchange::header(pages[1], "Sec-Purpose"), std::nullopt);
@@ -292,18 +266,6 @@ TEST_F(WebViewTest, SurvivesAPageThatNeverStopsNavigating) {
   EXPECT_LE(starts, made.delegate->ends + 1) << ::testing::PrintToString(events);
 }
 
-TEST_F(WebViewTest, TheWebProcessEndsWithTheView) {
-  const auto count = [] { return webProcessesOf(getpid()); };
-  // The views of earlier tests are gone; their processes end shortly after them.
-  ASSERT_TRUE(runMainLoopUntil([&] { return count() == 0; }, std::chrono::seconds(10)));
-  {
-    TestWebView made = makeWebView();
-    ASSERT_TRUE(made.loadAndWait(requestFor(pageUrl())));
-    EXPECT_EQ(count(), 1U);
-  }
-  EXPECT_TRUE(runMainLoopUntil([&] { return count() == 0; }, std::chrono::seconds(10)));
-}
-
 TEST_F(WebViewTest, ShowsTheLoadedPageInAWindow) {
   TestWebView made = makeWebView();
   made.view->setBackgroundColor(platform::Color::rgba(0.1, 0.1, 0.1, 1.0));
@@ -312,7 +274,7 @@ TEST_F(WebViewTest, ShowsTheLoadedPageInAWindow) {
   // machine); a window showing only the background compresses to a few kilobytes.
   const std::string path = (std::filesystem::current_path() / "web-view-window.png").string();
   EXPECT_TRUE(runMainLoopUntil([&] {
-    return linux_platform::saveWindowPng(GTK_WINDOW(made.window->window()), path) &&
+    return linux_platform::saveWindowPng(made.window.get(), path) &&
            std::filesystem::file_size(path) > 10000U;
   })) << path;
 }

@@ -1,13 +1,15 @@
 // The ad load path end to end on the real Linux backend (libcurl worker thread, GLib main loop)
 // against the local exchange on the build's exchange origin (127.0.0.1:18443): what the server
-// receives, TLS trust through SSL_CERT_FILE, the failure classes, and the billing pixel.
+// receives, TLS trust through SSL_CERT_FILE, the failure classes and the billing pixel.
+// (Loading again from inside the callbacks is unit-tested on the fake queue, which
+// GlibMainQueue_itest shows dispatching as the real one does.)
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "ExchangeTest.h"
 #include "LocalExchange.h"
 #include "MainLoop.h"
 #include "ads/bidding/BidExchange.h"
@@ -21,25 +23,12 @@ namespace vemba::testing {
 using exchange::LocalExchange;
 namespace {
 
-constexpr int kExchangePort = 18443;
-
-class AdLoadIntegrationTest : public ::testing::Test {
+// The exchange origin the library is built against.
+class AdLoadIntegrationTest : public ExchangeTest</*Port=*/18443, /*NeedsDisplay=*/false> {
  protected:
-  static void SetUpTestSuite() {
-    LocalExchange::Options options;
-    options.port = kExchangePort;
-    exchange_ = new LocalExchange(options);
-    // The backend's HTTP client reads the trusted bundle when it is created, on first use.
-    setenv("SSL_CERT_FILE", exchange_->caFile().c_str(), 1);
-  }
-  static void TearDownTestSuite() {
-    delete exchange_;
-    exchange_ = nullptr;
-  }
   void SetUp() override {
     ads::resetVembaSdkForTesting();
-    ASSERT_NE(exchange_, nullptr);  // its start failed (reported above)
-    exchange_->clearLog();
+    ExchangeTest::SetUp();
   }
 
   // Loads `ad` and returns its first load callback, which must come on the main thread.
@@ -58,11 +47,7 @@ class AdLoadIntegrationTest : public ::testing::Test {
     EXPECT_EQ(recorder->calls[0].thread, std::this_thread::get_id());
     return recorder->calls[0];
   }
-
-  static LocalExchange* exchange_;
 };
-
-LocalExchange* AdLoadIntegrationTest::exchange_ = nullptr;
 
 TEST_F(AdLoadIntegrationTest, InterstitialRequestAsReceivedByTheServer) {
   VembaSDK::shared().initialize(VembaConfiguration("key-123", false));
@@ -78,11 +63,18 @@ TEST_F(AdLoadIntegrationTest, InterstitialRequestAsReceivedByTheServer) {
   // The body's shape is the core's (unit-tested); the device values come from this backend.
   const nlohmann::json body = nlohmann::json::parse(entry["body"].get<std::string>());
   EXPECT_EQ(body["imp"][0]["tagid"], "unit-i");
-  EXPECT_EQ(body["imp"][0]["interstitial"], nlohmann::json::object());
   EXPECT_EQ(body["device"]["model"], "Linux");
   EXPECT_EQ(body["device"]["ua"], *UserAgentFetcher::shared().cachedUserAgent());
   // Slashes travel escaped on the wire.
   EXPECT_NE(entry["body"].get<std::string>().find("Mozilla\\/5.0"), std::string::npos);
+
+  // The billing pixel goes out as a GET without the key.
+  ads::AdAccess::exchange(*ad).fireBillingPixel();
+  const auto hits = exchange_->waitForLog("billing", 1, std::chrono::seconds(10));
+  ASSERT_EQ(hits.size(), 1U);
+  EXPECT_EQ(hits[0]["method"], "GET");
+  EXPECT_FALSE(LocalExchange::header(hits[0], "X-API-Key"));
+  EXPECT_NE(hits[0]["path"].get<std::string>().find("/v1/billing"), std::string::npos);
 }
 
 TEST_F(AdLoadIntegrationTest, FailureClassesReachTheDelegateOnce) {
@@ -122,71 +114,6 @@ TEST_F(AdLoadIntegrationTest, AdReleasedInFlightGetsNoCallback) {
   ASSERT_EQ(exchange_->waitForLog("bid", 1, std::chrono::seconds(10)).size(), 1U);
   runMainLoopFor(std::chrono::milliseconds(2000));
   EXPECT_TRUE(recorder->calls.empty());
-}
-
-// Loads its ad again from inside each load callback until `reloads` is spent.
-class ReloadingRecorder : public RecordingDelegate {
- public:
-  int reloads = 0;
-  std::weak_ptr<VembaInterstitialAd> ad;
-
-  using RecordingDelegate::adDidFailToLoad;
-  using RecordingDelegate::adDidLoad;
-  void adDidLoad(VembaInterstitialAd& loaded) override {
-    RecordingDelegate::adDidLoad(loaded);
-    reload();
-  }
-  void adDidFailToLoad(VembaInterstitialAd& failed, const Error& e) override {
-    RecordingDelegate::adDidFailToLoad(failed, e);
-    reload();
-  }
-
- private:
-  void reload() {
-    if (reloads > 0) {
-      --reloads;
-      ad.lock()->load();
-    }
-  }
-};
-
-TEST_F(AdLoadIntegrationTest, LoadAgainFromInsideTheCallbacksOnTheRealLoop) {
-  struct Case {
-    const char* behaviour;
-    const char* expected;  // each of the three callbacks, with the ad ready only after a bid
-  };
-  const Case cases[] = {{"bid", "adDidLoad"}, {"nobid", "adDidFailToLoad"}};
-  for (const Case& c : cases) {
-    const std::string unit = std::string("reload-") + c.behaviour;
-    exchange_->setBehaviour(unit, c.behaviour);
-    auto ad = VembaInterstitialAd::create(unit);
-    auto recorder = std::make_shared<ReloadingRecorder>();
-    recorder->reloads = 2;
-    recorder->ad = ad;
-    ad->setDelegate(recorder);
-    ad->load();
-    ASSERT_TRUE(runMainLoopUntil([&] { return recorder->calls.size() == 3; })) << c.behaviour;
-    runMainLoopFor(std::chrono::milliseconds(50));
-    EXPECT_EQ(recorder->names(), std::vector<std::string>(3, c.expected)) << c.behaviour;
-    for (const RecordingDelegate::Call& call : recorder->calls) {
-      EXPECT_EQ(call.isReady, std::string_view(c.behaviour) == "bid") << c.behaviour;
-    }
-    EXPECT_EQ(exchange_->log("bid").size(), 3U) << c.behaviour;
-    exchange_->clearLog();
-  }
-}
-
-TEST_F(AdLoadIntegrationTest, BillingPixelReachesTheServerWithoutTheKey) {
-  VembaSDK::shared().initialize(VembaConfiguration("key-b", false));
-  exchange_->setBehaviour("bill-unit", "bid", {{"bidid", "abc"}});
-  auto ad = VembaInterstitialAd::create("bill-unit");
-  ASSERT_EQ(load(ad).name, "adDidLoad");
-  ads::AdAccess::exchange(*ad).fireBillingPixel();
-  const auto hits = exchange_->waitForLog("billing", 1, std::chrono::seconds(10));
-  ASSERT_EQ(hits.size(), 1U);
-  EXPECT_EQ(hits[0]["method"], "GET");
-  EXPECT_FALSE(LocalExchange::header(hits[0], "X-API-Key"));
-  EXPECT_NE(hits[0]["path"].get<std::string>().find("/v1/billing"), std::string::npos);
 }
 
 }  // namespace

@@ -1,20 +1,20 @@
 // Both ad formats shown on the real Linux backend (GTK 4 + WebKitGTK under a virtual display) by
 // vemba-inspect, against the local exchange on the library's own origin and its real ad pages.
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
 
 #include <chrono>
 #include <cstdlib>
+#include <functional>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "DisplayExchangeTest.h"
+#include "ExchangeTest.h"
 #include "InspectorRun.h"
 #include "LocalExchange.h"
+#include "LoopbackPorts.h"
 
 namespace vemba::testing {
 namespace {
@@ -23,40 +23,23 @@ using namespace std::chrono_literals;
 using exchange::LocalExchange;
 using Strings = std::vector<std::string>;
 
-// A loopback port with nothing listening on it.
-int closedPort() {
-  const int fd = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
-  getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-  close(fd);
-  return ntohs(address.sin_port);
-}
-
 // Port 18443: the exchange origin the library is built against.
-class AdShowTest : public DisplayExchangeTest<18443> {
+class AdShowTest : public ExchangeTest<18443> {
  protected:
-  // Shows an ad of `unit` whose bid serves `page` (under /ads/), with `extra` options.
-  static InspectorRun show(const std::string& unit, const std::string& page, Strings extra = {}) {
-    exchange_->setBehaviour(unit, "bid", {{"page", page}});
+  // Shows an ad of `unit` whose bid carries `bid` (its "page" under /ads/, or its "adm" URL).
+  static InspectorRun show(const std::string& unit, const nlohmann::json& bid, Strings extra = {},
+                           const std::function<void(const nlohmann::json&)>& onLine = {}) {
+    exchange_->setBehaviour(unit, "bid", bid);
     Strings args{"show", "--ad-unit", unit, "--timeout", "40"};
     args.insert(args.end(), extra.begin(), extra.end());
-    return runInspector(VEMBA_INSPECT_BINARY, args, 60s);
+    return runInspector(VEMBA_INSPECT_BINARY, args, 60s, onLine);
   }
-  static std::size_t requestsFor(const std::string& path) {
-    std::size_t count = 0;
-    for (const nlohmann::json& entry : exchange_->log("page")) {
-      count += entry.value("path", "") == path ? 1U : 0U;
-    }
-    return count;
-  }
+  static nlohmann::json page(const std::string& path) { return {{"page", path}}; }
 };
 
 TEST_F(AdShowTest, InterstitialShowsIsBilledAndIsDismissedByItsCloseButton) {
-  const InspectorRun run = show("itest-interstitial", "interstitial.html", {"--close-after", "1"});
+  const InspectorRun run =
+      show("itest-interstitial", page("interstitial.html"), {"--close-after", "1"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.trace(), (Strings{"adDidLoad", "adDidShow", "adDidDismiss"}));
   EXPECT_EQ(exchange_->log("billing").size(), 1U);
@@ -64,7 +47,7 @@ TEST_F(AdShowTest, InterstitialShowsIsBilledAndIsDismissedByItsCloseButton) {
 
 TEST_F(AdShowTest, RewardedPageCloseEarnsTheRewardBeforeTheDismissal) {
   const InspectorRun run =
-      show("itest-rewarded", "rewarded.html?seconds=1&autoClose=1", {"--format", "rewarded"});
+      show("itest-rewarded", page("rewarded.html?seconds=1&autoClose=1"), {"--format", "rewarded"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.trace(), (Strings{"adDidLoad", "adDidShow", "adDidEarnReward", "adDidDismiss"}));
   const auto reward = run.where("callback", "adDidEarnReward");
@@ -74,7 +57,7 @@ TEST_F(AdShowTest, RewardedPageCloseEarnsTheRewardBeforeTheDismissal) {
 
 TEST_F(AdShowTest, AClickThroughIsReportedAndOpenedOutside) {
   const InspectorRun run =
-      show("itest-click", "interstitial.html?auto=clickthrough,close&autoDelay=400");
+      show("itest-click", page("interstitial.html?auto=clickthrough,close&autoDelay=400"));
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.trace(),
             (Strings{"adDidLoad", "adDidShow", "adDidClick", "opened", "adDidDismiss"}));
@@ -84,32 +67,32 @@ TEST_F(AdShowTest, AClickThroughIsReportedAndOpenedOutside) {
 }
 
 TEST_F(AdShowTest, ShopThisPresentsACheckoutSheetOverTheAd) {
-  const InspectorRun run = show("itest-shop", "interstitial.html?auto=openCheckout&autoDelay=400",
-                                {"--close-after", "4"});
+  const InspectorRun run =
+      show("itest-shop", page("interstitial.html?auto=openCheckout&autoDelay=400"),
+           {"--close-after", "4"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.trace(), (Strings{"adDidLoad", "adDidShow", "screen:presented", "adDidDismiss"}));
-  EXPECT_EQ(requestsFor("/checkout/demo"), 1U);
+  EXPECT_EQ(pageRequests("/checkout/demo").size(), 1U);
   EXPECT_NE(run.errors.find("Presenting Checkout Sheet for URL: "), std::string::npos);
 }
 
 TEST_F(AdShowTest, APageThatTimesOutIsRetriedOnceASecondLater) {
   // The first request of this key answers after 12 s: past the 10 s request time-out (-1001).
   const std::string path = "/ads/slow-first/itest-retry/interstitial.html";
-  const InspectorRun run =
-      show("itest-retry", "slow-first/itest-retry/interstitial.html", {"--close-after", "13"});
+  const InspectorRun run = show("itest-retry", page("slow-first/itest-retry/interstitial.html"),
+                                {"--close-after", "13"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_NE(run.errors.find("(Code: -1001)"), std::string::npos) << run.errors;
   EXPECT_NE(run.errors.find("Retrying WebView load (Attempt 1/1)..."), std::string::npos);
-  EXPECT_EQ(requestsFor(path), 2U);
+  EXPECT_EQ(pageRequests(path).size(), 2U);
 }
 
 TEST_F(AdShowTest, ARefusedConnectionIsNotRetried) {
-  exchange_->setBehaviour(
-      "itest-refused", "bid",
-      {{"adm", "https://127.0.0.1:" + std::to_string(closedPort()) + "/ads/interstitial.html"}});
-  const InspectorRun run = runInspector(
-      VEMBA_INSPECT_BINARY,
-      {"show", "--ad-unit", "itest-refused", "--close-after", "3", "--timeout", "40"}, 60s);
+  const ClosedPort closed;
+  const InspectorRun run = show(
+      "itest-refused",
+      {{"adm", "https://127.0.0.1:" + std::to_string(closed.port()) + "/ads/interstitial.html"}},
+      {"--close-after", "3"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.trace(), (Strings{"adDidLoad", "adDidShow", "adDidDismiss"}));
   EXPECT_NE(run.errors.find("(Code: -1004)"), std::string::npos) << run.errors;
@@ -124,7 +107,7 @@ struct HostilePage {
   const char* page;  // under /ads/
   double closeAfter;
   Strings trace;  // the host's callbacks and opened URLs, in order
-  std::vector<std::pair<std::string, std::size_t>> logCounts;  // log text -> exact count
+  std::vector<std::pair<std::string, std::size_t>> logCounts = {};  // log text -> exact count
   const char* format = "interstitial";
   std::size_t minPageRequests = 1;  // requests of the ad's page path, redirects and reloads counted
   bool closedByPage = false;        // the page's own close comes before the button's
@@ -168,15 +151,12 @@ const HostilePage kHostilePages[] = {
       {std::string(kRefused) + "lumenmoss-app:", 1}}},
     // A 4 MiB string body, then a 4 MiB https URL to open (a URL like any other: opened once,
     // whole), then a click that must still arrive.
-    {"Huge",
-     "interstitial.html?autoDelay=300&hugeBytes=4194304&auto=huge-string,huge-dict,click",
-     2.5,
-     {"adDidLoad", "adDidShow", "opened", "adDidClick", "adDidDismiss"},
-     {{kReceived, 3}},
-     "interstitial",
-     1,
-     false,
-     4194304},
+    {.name = "Huge",
+     .page = "interstitial.html?autoDelay=300&hugeBytes=4194304&auto=huge-string,huge-dict,click",
+     .closeAfter = 2.5,
+     .trace = {"adDidLoad", "adDidShow", "opened", "adDidClick", "adDidDismiss"},
+     .logCounts = {{kReceived, 3}},
+     .minOpenedLength = 4194304},
     // Five thousand ignored messages in one burst, then a click: all are handled in order.
     {"Flood",
      "interstitial.html?autoDelay=300&floodCount=5000&auto=flood,click",
@@ -185,36 +165,29 @@ const HostilePage kHostilePages[] = {
      {{kReceived, 5001}}},
     // Three thousand "close" messages in one burst: one reward, one dismissal. (Those still
     // arriving once the ad is dismissed go unlogged: the run ends at adDidDismiss.)
-    {"FloodOfCloses",
-     "rewarded.html?autoDelay=300&floodCount=3000&auto=flood-close",
-     2.5,
-     {"adDidLoad", "adDidShow", "adDidEarnReward", "adDidDismiss"},
-     {},
-     "rewarded",
-     1,
-     true},
+    {.name = "FloodOfCloses",
+     .page = "rewarded.html?autoDelay=300&floodCount=3000&auto=flood-close",
+     .closeAfter = 2.5,
+     .trace = {"adDidLoad", "adDidShow", "adDidEarnReward", "adDidDismiss"},
+     .format = "rewarded",
+     .closedByPage = true},
     // Endless navigation by script (replace, reload) and by HTTP (a redirect to itself).
-    {"EndlessScriptNavigation",
-     "interstitial.html?autoDelay=30&auto=navigate",
-     2,
-     kShownAndClosed,
-     {},
-     "interstitial",
-     5},
-    {"EndlessReload",
-     "interstitial.html?autoDelay=30&auto=reload",
-     2,
-     kShownAndClosed,
-     {},
-     "interstitial",
-     5},
-    {"EndlessRedirect",
-     "redirect-loop/interstitial.html",
-     2,
-     kShownAndClosed,
-     {{"Retrying", 0}},
-     "interstitial",
-     5},
+    {.name = "EndlessScriptNavigation",
+     .page = "interstitial.html?autoDelay=30&auto=navigate",
+     .closeAfter = 2,
+     .trace = kShownAndClosed,
+     .minPageRequests = 5},
+    {.name = "EndlessReload",
+     .page = "interstitial.html?autoDelay=30&auto=reload",
+     .closeAfter = 2,
+     .trace = kShownAndClosed,
+     .minPageRequests = 5},
+    {.name = "EndlessRedirect",
+     .page = "redirect-loop/interstitial.html",
+     .closeAfter = 2,
+     .trace = kShownAndClosed,
+     .logCounts = {{"Retrying", 0}},
+     .minPageRequests = 5},
     // A page that never answers: the close button works while it loads.
     {"NeverLoads", "never/interstitial.html", 1.5, kShownAndClosed, {{"Retrying", 0}}},
 };
@@ -228,18 +201,16 @@ TEST_P(AdShowHostilePageTest, ShowsClosesAndTellsTheHostOnlyWhatItMay) {
   using Clock = std::chrono::steady_clock;
   std::optional<Clock::time_point> shown;
   std::optional<Clock::time_point> dismissed;
-  exchange_->setBehaviour(unit, "bid", {{"page", hostile.page}});
   const InspectorRun run =
-      runInspector(VEMBA_INSPECT_BINARY,
-                   {"show", "--ad-unit", unit, "--format", hostile.format, "--close-after",
-                    std::to_string(hostile.closeAfter), "--timeout", "30"},
-                   45s, [&](const nlohmann::json& line) {
-                     if (line.contains("callback") && line["callback"] == "adDidShow") {
-                       shown = Clock::now();
-                     } else if (line.contains("callback") && line["callback"] == "adDidDismiss") {
-                       dismissed = Clock::now();
-                     }
-                   });
+      show(unit, page(hostile.page),
+           {"--format", hostile.format, "--close-after", std::to_string(hostile.closeAfter)},
+           [&](const nlohmann::json& line) {
+             if (line.value("callback", "") == "adDidShow") {
+               shown = Clock::now();
+             } else if (line.value("callback", "") == "adDidDismiss") {
+               dismissed = Clock::now();
+             }
+           });
 
   EXPECT_EQ(run.exitCode, 0) << run.errors.substr(0, 2000);
   EXPECT_EQ(run.trace(), hostile.trace) << run.errors.substr(0, 2000);
@@ -252,7 +223,7 @@ TEST_P(AdShowHostilePageTest, ShowsClosesAndTellsTheHostOnlyWhatItMay) {
   }
   const std::string pagePath =
       "/ads/" + std::string(hostile.page).substr(0, std::string(hostile.page).find('?'));
-  EXPECT_GE(requestsFor(pagePath), hostile.minPageRequests) << run.errors.substr(0, 2000);
+  EXPECT_GE(pageRequests(pagePath).size(), hostile.minPageRequests) << run.errors.substr(0, 2000);
   // Whatever was opened outside is the page's own https landing page, never another scheme.
   for (const nlohmann::json& line : run.lines) {
     if (line.contains("opened")) {

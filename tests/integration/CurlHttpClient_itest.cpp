@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <cstdlib>
@@ -11,6 +10,7 @@
 #include <set>
 
 #include "CurlHttpClient.h"
+#include "ExchangeTest.h"
 #include "HttpTestSupport.h"
 #include "LocalExchange.h"
 #include "LoopbackHttpServer.h"
@@ -27,14 +27,8 @@ using nlohmann::json;
 using platform::HttpRequest;
 namespace Code = platform::UrlErrorCode;
 
-class CurlHttpClientTest : public ::testing::Test {
+class CurlHttpClientTest : public ExchangeTest</*Port=*/0, /*NeedsDisplay=*/false> {
  protected:
-  static void SetUpTestSuite() { exchange_ = new LocalExchange(); }
-  static void TearDownTestSuite() {
-    delete exchange_;
-    exchange_ = nullptr;
-  }
-
   static LocalExchange& exchange() { return *exchange_; }
   static CurlHttpClient::Options trusting() {
     CurlHttpClient::Options options;
@@ -58,9 +52,6 @@ class CurlHttpClientTest : public ::testing::Test {
     EXPECT_EQ(found.size(), 1u) << requestId;
     return found.empty() ? json() : found.front();
   }
-
- private:
-  static inline LocalExchange* exchange_ = nullptr;
 };
 
 TEST_F(CurlHttpClientTest, PostReachesTheServerAsSentAndAnswersOnTheWorker) {
@@ -110,44 +101,6 @@ TEST_F(CurlHttpClientTest, LargeBodiesGoOutWithoutWaitingForContinue) {
   EXPECT_EQ(entry.at("path"), "/upload/large");
   EXPECT_EQ(entry.at("body").get<std::string>().size(), request.body->size());
   EXPECT_EQ(LocalExchange::header(entry, "Expect"), std::nullopt);
-}
-
-TEST_F(CurlHttpClientTest, StatusesAndBodiesArriveAsResponses) {
-  struct Case {
-    const char* name;
-    HttpRequest request;
-    long status;
-    std::optional<std::size_t> bodySize;  // absent: compare with `body`
-    std::string body;
-  };
-  const std::string origin = exchange().origin();
-  const Case cases[] = {
-      {"404 is a response", get("/no/such/page"), 404, std::nullopt, "not found\n"},
-      {"500 is a response", bidRequest(origin, "status-500", "exchange:error500"), 500,
-       std::nullopt, "{}"},
-      {"empty body is present and empty", bidRequest(origin, "empty-body", "exchange:empty"), 200,
-       std::nullopt, ""},
-      {"declared body at the limit", bidRequest(origin, "at-limit", "exchange:huge?bytes=262144"),
-       200, 262144u, ""},
-      {"streamed body at the limit",
-       bidRequest(origin, "at-limit-chunked", "exchange:huge?bytes=262144&chunked=true"), 200,
-       262144u, ""},
-  };
-  CurlHttpClient::Options options = trusting();
-  options.maxResponseBytes = 256 * 1024;
-  CurlHttpClient client(options);
-  for (const Case& c : cases) {
-    const Outcome outcome = fetch(client, c.request);
-    const platform::HttpResponse* answer = response(outcome);
-    ASSERT_NE(answer, nullptr) << c.name;
-    EXPECT_EQ(answer->statusCode, c.status) << c.name;
-    ASSERT_TRUE(answer->body.has_value()) << c.name;
-    if (c.bodySize) {
-      EXPECT_EQ(answer->body->size(), *c.bodySize) << c.name;
-    } else {
-      EXPECT_EQ(*answer->body, c.body) << c.name;
-    }
-  }
 }
 
 // Redirects, time-outs of zero or less, bodiless requests and unsendable header fields, against
@@ -245,110 +198,85 @@ TEST(CurlHttpClientPlainHttpTest, RedirectsTimeoutsBodilessRequestsAndUnsendable
   EXPECT_FALSE(arrived.header("Bad Name"));
 }
 
-struct FailureCase {
-  const char* name;
-  const char* tagid;  // the bid's ad unit, or nullptr for the special cases below
-  int expectedCode;
-  friend void PrintTo(const FailureCase& failure, std::ostream* out) { *out << failure.name; }
-};
-
-class CurlHttpClientFailureTest : public CurlHttpClientTest,
-                                  public ::testing::WithParamInterface<FailureCase> {};
-
-TEST_P(CurlHttpClientFailureTest, MapsToTheUrlErrorCode) {
-  const FailureCase& param = GetParam();
+// Each request's answer on the worker, never waiting for the exchange's slow answer (5 s) or a
+// default time-out: a response with its status and body size, whatever the status, or a transport
+// error with the URL-loading code (`code` non-zero). Bodies up to the limit pass, one byte over
+// fails, whether declared or streamed.
+TEST_F(CurlHttpClientTest, AnswersAreResponsesOfAnyStatusOrMappedTransportErrors) {
+  const ClosedPort closed;
+  const auto at = [](std::string url) {
+    HttpRequest request;
+    request.url = std::move(url);
+    return request;
+  };
+  const auto bid = [](const char* tagid) {
+    HttpRequest request = bidRequest(exchange().origin(), std::string("answer-") + tagid, tagid);
+    request.timeout = std::chrono::milliseconds(400);
+    return request;
+  };
+  const struct {
+    HttpRequest request;
+    int code;
+    long status = 0;
+    std::size_t bodySize = 0;
+  } cases[] = {
+      {get("/no/such/page"), 0, 404, 10},  // "not found\n"
+      {bid("exchange:error500"), 0, 500, 2},
+      {bid("exchange:empty"), 0, 200, 0},
+      {bid("exchange:huge?bytes=262144"), 0, 200, 262144},
+      {bid("exchange:huge?bytes=262144&chunked=true"), 0, 200, 262144},
+      {bid("exchange:huge?bytes=262145"), Code::dataLengthExceedsMaximum},
+      {bid("exchange:huge?bytes=4194304&chunked=true"), Code::dataLengthExceedsMaximum},
+      {at("https://127.0.0.1:" + std::to_string(closed.port()) + "/bid"),
+       Code::cannotConnectToHost},
+      {at("https://127.0.0.1:99999999/bid"), Code::badURL},
+      {at("ftp://127.0.0.1:1/file"), Code::unsupportedURL},
+      {bid("exchange:drop"), Code::networkConnectionLost},
+      {bid("exchange:slow?seconds=5"), Code::timedOut},
+  };
   CurlHttpClient::Options options = trusting();
   options.maxResponseBytes = 256 * 1024;
-  std::optional<ClosedPort> closed;
-  HttpRequest request;
-  if (param.tagid != nullptr) {
-    request = bidRequest(exchange().origin(), std::string("failure-") + param.name, param.tagid);
-    request.timeout = std::chrono::milliseconds(400);
-  } else if (std::string_view(param.name) == "refused") {
-    closed.emplace();
-    request.url = "https://127.0.0.1:" + std::to_string(closed->port()) + "/bid";
-  } else if (std::string_view(param.name) == "untrusted") {
-    options.caFile.reset();  // libcurl's own store does not know the exchange's CA
-    request = get("/_health");
-  } else if (std::string_view(param.name) == "malformed-url") {
-    request.url = "https://127.0.0.1:99999999/bid";
-  } else if (std::string_view(param.name) == "unsupported-scheme") {
-    request.url = "ftp://127.0.0.1:1/file";
-  }
   CurlHttpClient client(options);
-
-  const auto started = std::chrono::steady_clock::now();
-  const Outcome outcome = fetch(client, request);
-  const auto took = std::chrono::steady_clock::now() - started;
-
-  const platform::TransportError* error = transportError(outcome);
-  ASSERT_NE(error, nullptr) << param.name;
-  EXPECT_EQ(error->code, param.expectedCode) << param.name;
-  EXPECT_EQ(error->url, request.url);
-  EXPECT_NE(outcome.thread, std::this_thread::get_id());
-  // Nothing here may wait for the exchange's slow answer (5 s) or a default time-out.
-  EXPECT_LT(took, std::chrono::seconds(4)) << param.name;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.request.url + " " + c.request.body.value_or(""));
+    const auto started = std::chrono::steady_clock::now();
+    const Outcome outcome = fetch(client, c.request);
+    EXPECT_NE(outcome.thread, std::this_thread::get_id());
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(4));
+    if (c.code != 0) {
+      const platform::TransportError* error = transportError(outcome);
+      ASSERT_NE(error, nullptr);
+      EXPECT_EQ(error->code, c.code);
+      EXPECT_EQ(error->url, c.request.url);
+      continue;
+    }
+    const platform::HttpResponse* answer = response(outcome);
+    ASSERT_NE(answer, nullptr);
+    EXPECT_EQ(answer->statusCode, c.status);
+    ASSERT_TRUE(answer->body.has_value());
+    EXPECT_EQ(answer->body->size(), c.bodySize);
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Failures, CurlHttpClientFailureTest,
-    ::testing::Values(FailureCase{"refused", nullptr, Code::cannotConnectToHost},
-                      FailureCase{"untrusted", nullptr, Code::serverCertificateUntrusted},
-                      FailureCase{"malformed-url", nullptr, Code::badURL},
-                      FailureCase{"unsupported-scheme", nullptr, Code::unsupportedURL},
-                      FailureCase{"dropped", "exchange:drop", Code::networkConnectionLost},
-                      FailureCase{"timed-out", "exchange:slow?seconds=5", Code::timedOut},
-                      FailureCase{"huge-declared", "exchange:huge?bytes=262145",
-                                  Code::dataLengthExceedsMaximum},
-                      FailureCase{"huge-streamed", "exchange:huge?bytes=4194304&chunked=true",
-                                  Code::dataLengthExceedsMaximum}),
-    [](const ::testing::TestParamInfo<FailureCase>& testInfo) {
-      std::string name = testInfo.param.name;
-      std::replace(name.begin(), name.end(), '-', '_');
-      return name;
-    });
-
-// Sets an environment variable for the scope of a test and restores it afterwards.
-class ScopedEnv {
- public:
-  ScopedEnv(const char* name, const char* value) : name_(name) {
-    if (const char* old = std::getenv(name)) {
-      previous_ = old;
-    }
-    if (value != nullptr) {
-      setenv(name, value, 1);
-    } else {
-      unsetenv(name);
-    }
-  }
-  ~ScopedEnv() {
-    if (previous_) {
-      setenv(name_, previous_->c_str(), 1);
-    } else {
-      unsetenv(name_);
-    }
-  }
-
- private:
-  const char* name_;
-  std::optional<std::string> previous_;
-};
-
-TEST_F(CurlHttpClientTest, TrustsTheBundleNamedBySslCertFile) {
-  {
-    const ScopedEnv env("SSL_CERT_FILE", exchange().caFile().c_str());
+TEST_F(CurlHttpClientTest, TrustsTheBundleNamedBySslCertFileAndOnlyThat) {
+  const char* old = std::getenv("SSL_CERT_FILE");
+  const std::optional<std::string> previous = old ? std::optional<std::string>(old) : std::nullopt;
+  // An empty value names no bundle: libcurl's default store applies, which does not know the CA.
+  for (const std::string& bundle : {exchange().caFile(), std::string()}) {
+    setenv("SSL_CERT_FILE", bundle.c_str(), 1);
     CurlHttpClient client;
     const Outcome outcome = fetch(client, get("/_health"));
-    ASSERT_NE(response(outcome), nullptr);
-    EXPECT_EQ(response(outcome)->statusCode, 200);
+    if (bundle.empty()) {
+      EXPECT_EQ(transportError(outcome) ? transportError(outcome)->code : 0,
+                Code::serverCertificateUntrusted);
+    } else {
+      EXPECT_EQ(response(outcome) ? response(outcome)->statusCode : 0, 200);
+    }
   }
-  {
-    // An empty value names no bundle: the default store applies, which does not know the CA.
-    const ScopedEnv env("SSL_CERT_FILE", "");
-    CurlHttpClient client;
-    const Outcome outcome = fetch(client, get("/_health"));
-    ASSERT_NE(transportError(outcome), nullptr);
-    EXPECT_EQ(transportError(outcome)->code, Code::serverCertificateUntrusted);
+  if (previous) {
+    setenv("SSL_CERT_FILE", previous->c_str(), 1);
+  } else {
+    unsetenv("SSL_CERT_FILE");
   }
 }
 

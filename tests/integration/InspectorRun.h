@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -64,10 +65,9 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
   posix_spawn_file_actions_addclose(&actions, out[0]);
-  char errorsPath[] = "/tmp/vemba-inspect-stderr-XXXXXX";
-  const int errorsFile = mkstemp(errorsPath);
-  if (errorsFile >= 0) {
-    posix_spawn_file_actions_adddup2(&actions, errorsFile, STDERR_FILENO);
+  std::FILE* errors = std::tmpfile();  // gone when closed
+  if (errors != nullptr) {
+    posix_spawn_file_actions_adddup2(&actions, fileno(errors), STDERR_FILENO);
   }
   std::vector<std::string> argvStrings{binary};
   argvStrings.insert(argvStrings.end(), args.begin(), args.end());
@@ -82,9 +82,8 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
   close(out[1]);
   if (spawned != 0) {
     close(out[0]);
-    if (errorsFile >= 0) {
-      close(errorsFile);
-      unlink(errorsPath);
+    if (errors != nullptr) {
+      std::fclose(errors);
     }
     return run;
   }
@@ -132,14 +131,13 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
   int status = 0;
   waitpid(pid, &status, 0);
   run.exitCode = !killed && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  if (errorsFile >= 0) {
+  if (errors != nullptr) {
+    std::rewind(errors);
     char chunk[4096];
-    lseek(errorsFile, 0, SEEK_SET);
-    for (ssize_t n; (n = read(errorsFile, chunk, sizeof chunk)) > 0;) {
-      run.errors.append(chunk, static_cast<std::size_t>(n));
+    for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, errors)) > 0;) {
+      run.errors.append(chunk, n);
     }
-    close(errorsFile);
-    unlink(errorsPath);
+    std::fclose(errors);
   }
   return run;
 }

@@ -14,6 +14,7 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
@@ -104,19 +105,13 @@ class LoopbackHttpServer {
     }
     const std::size_t headEnd = in.find("\r\n\r\n");
     Request request;
-    std::size_t lineStart = 0;
-    for (bool first = true; lineStart < headEnd; first = false) {
-      std::size_t lineEnd = in.find("\r\n", lineStart);
-      const std::string line = in.substr(lineStart, lineEnd - lineStart);
-      lineStart = lineEnd + 2;
-      if (first) {
-        const std::size_t space = line.find(' ');
-        request.method = line.substr(0, space);
-        request.path = line.substr(space + 1, line.find(' ', space + 1) - space - 1);
-        continue;
-      }
+    std::istringstream head(in.substr(0, headEnd + 2));  // each line ends in "\r\n"
+    std::string line;
+    std::getline(head, line);
+    std::istringstream(line) >> request.method >> request.path;
+    while (std::getline(head, line)) {
       const std::size_t colon = line.find(':');
-      std::string value = line.substr(colon + 1);
+      std::string value = line.substr(colon + 1, line.size() - colon - 2);  // up to the '\r'
       value.erase(0, value.find_first_not_of(' '));
       request.headers.emplace_back(line.substr(0, colon), value);
     }

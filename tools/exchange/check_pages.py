@@ -15,9 +15,7 @@ SDK's Linux backend uses). Exit status 0 when every check passes.
 import argparse
 import json
 import os
-import subprocess
 import sys
-import tempfile
 import time
 import traceback
 
@@ -33,7 +31,8 @@ gi.require_version("Gtk", "4.0")
 gi.require_version("WebKit", "6.0")
 from gi.repository import Gio, GLib, Gtk, WebKit  # noqa: E402
 
-HERE = os.path.dirname(os.path.abspath(__file__))
+from test_site_routes import Exchange  # noqa: E402  (the script's own folder is on the path)
+
 CHECKOUT_CHANNEL = "mobileCheckoutSdk"
 AD_CHANNEL = "vemba"
 SUFFIX = "VembaCheckoutKit/3.4.0 (8.1;automatic;standard)"
@@ -47,34 +46,6 @@ def dispatch_script(name, body=None):
             "\twindow.addEventListener('mobileCheckoutBridgeReady', function () {\n"
             "\t\twindow.MobileCheckoutSdk.dispatchMessage(" + argument + ");\n"
             "\t}, {passive: true, once: true});\n}")
-
-
-class Exchange:
-    """The exchange as a child process; stopped by its PID."""
-
-    def __init__(self):
-        self.state_dir = tempfile.mkdtemp(prefix="vemba-pages-")
-        ready = os.path.join(self.state_dir, "ready")
-        self.process = subprocess.Popen(
-            [sys.executable, os.path.join(HERE, "exchange.py"), "--port", "0", "--state-dir",
-             self.state_dir, "--ready-file", ready, "--lifetime", "600", "--idle-timeout", "120",
-             "--parent-pid", str(os.getpid())], stderr=subprocess.DEVNULL)
-        deadline = time.monotonic() + 20
-        while not os.path.exists(ready):
-            if time.monotonic() > deadline or self.process.poll() is not None:
-                raise RuntimeError("the exchange did not start")
-            time.sleep(0.05)
-        with open(ready, encoding="ascii") as source:
-            self.port = int(source.read())
-        self.origin = "https://127.0.0.1:%d" % self.port
-
-    def log(self, path_prefix):
-        with open(os.path.join(self.state_dir, "requests.jsonl"), encoding="utf-8") as source:
-            return [e for e in map(json.loads, source) if e["path"].startswith(path_prefix)]
-
-    def stop(self):
-        self.process.terminate()
-        self.process.wait(10)
 
 
 class Browser:
@@ -128,21 +99,14 @@ class Browser:
         self.finished = 0
         self.view.load_request(WebKit.URIRequest.new(url))
 
-    def open(self, path, presented=False):
-        """Loads the exchange's `path`, waits for it to finish and, if asked, sends "presented"."""
+    def open(self, path):
+        """Loads the exchange's `path` and waits for it to finish."""
         self.load(self.origin + path)
         spin_until(lambda: self.finished, 15)
-        if presented:
-            self.evaluate(dispatch_script("presented"))
         return self
 
     def checkout_messages(self):
         return [json.loads(body) for channel, body in self.messages if channel == CHECKOUT_CHANNEL]
-
-    def first_body(self, name):
-        """The body of the first checkout message called `name`, once one has arrived."""
-        spin_until(lambda: any(m["name"] == name for m in self.checkout_messages()), 5)
-        return next(m["body"] for m in self.checkout_messages() if m["name"] == name)
 
     def ad_messages(self):
         return [body for channel, body in self.messages if channel == AD_CHANNEL]
@@ -235,26 +199,15 @@ def pay_sends_pixel_steps_then_completed_then_goes_to_thank_you(exchange):
     summary = json.loads(next(m["body"] for m in messages if m["name"] == "completed"))
     order = summary["orderDetails"]
     expect(order["id"] == "4242", "order id %r" % order["id"])
-    expect(all(isinstance(line["quantity"], int) for line in order["cart"]["lines"]), "quantities")
-    expect(isinstance(order["cart"]["price"]["total"]["amount"], (int, float)), "total amount")
     expect(order["paymentMethods"][0]["details"]["last4"] is None, "a null detail is kept")
-    expect(order["cart"]["lines"][0]["image"]["sm"].startswith(exchange.origin), "image origin")
     completed_pixel = json.loads(messages[-1]["body"])
     checkout = completed_pixel["event"]["data"]["checkout"]
     expect(checkout["order"]["id"] == "4242", "the completed pixel carries the order")
-    expect(isinstance(checkout["lineItems"][0]["quantity"], (int, float)), "pixel quantity")
     context = completed_pixel["event"]["context"]
     location = context["document"]["location"]
     expect(location["protocol"] == "https:" and location["port"] == str(exchange.port),
            "location: %s" % location)
-    expect(isinstance(context["navigator"]["cookieEnabled"], bool), "cookieEnabled")
     expect(context["navigator"]["userAgent"].endswith(SUFFIX), context["navigator"]["userAgent"])
-    expect(isinstance(context["window"]["innerWidth"], (int, float)), "innerWidth")
-    # The navigation is seen as it starts; the exchange records the request a moment later.
-    spin_until(lambda: exchange.log("/checkout/demo")[-1].get("variant") == "thank-you", 10)
-    page = exchange.log("/checkout/demo")
-    agents = [v for n, v in page[0]["headers"] if n == "User-Agent"]
-    expect(agents and agents[0].endswith(SUFFIX), "the log keeps the agent: %s" % agents)
     browser.close()
 
 
@@ -276,81 +229,6 @@ def presented_before_the_page_script_runs_is_delivered_by_the_ready_event(exchan
 
 
 @check
-def discount_dialog_blocks_then_unblocks(exchange):
-    browser = Browser(exchange).open("/checkout/demo?auto=discount&autoDelay=20", presented=True)
-    spin_until(lambda: sum(m["name"] == "checkoutBlockingEvent"
-                           for m in browser.checkout_messages()) == 2, 5)
-    blocking = [m["body"] for m in browser.checkout_messages() if m["name"] == "checkoutBlockingEvent"]
-    expect(blocking == ["true", "false"], "blocking bodies %s" % blocking)
-    expect("WELCOME10" in browser.evaluate("document.getElementById('totals').textContent"),
-           "the discount shows in the totals")
-    browser.close()
-
-
-@check
-def error_variants_send_one_error_of_their_group(exchange):
-    browser = Browser(exchange)
-    cases = {"authentication": "authentication", "configuration": "configuration",
-             "unrecoverable": "unrecoverable", "checkout": "checkout", "expired": "expired",
-             "unsupported": "unsupported", "unknown-group": "outage"}
-
-    def error_body(path):
-        browser.messages.clear()
-        return browser.open(path, presented=True).first_body("error")
-    for variant, group in list(cases.items()) + [("malformed", None), ("object", None)]:
-        body = error_body("/checkout/error/%s?autoDelay=10" % variant)
-        if variant == "malformed":
-            try:
-                json.loads(body)
-                raise AssertionError("the malformed body parses")
-            except ValueError:
-                pass
-        elif variant == "object":
-            expect(isinstance(json.loads(body), dict), "object body")
-        else:
-            records = json.loads(body)
-            expect(len(records) == 1 and records[0]["group"] == group, "%s: %s" % (variant, body))
-    record = json.loads(error_body("/checkout/error/expired?autoDelay=10&code=&reason="))[0]
-    expect("code" not in record and "reason" not in record, "empty overrides drop keys: %s" % record)
-    browser.close()
-
-
-@check
-def pixels_scenario_sends_a_custom_event_with_an_object(exchange):
-    browser = Browser(exchange).open("/checkout/demo?auto=pixels&autoDelay=20", presented=True)
-    spin_until(lambda: "lumenmoss_gift_note_added" in pixel_names(browser.checkout_messages()), 5)
-    custom = [json.loads(m["body"])["event"] for m in browser.checkout_messages()
-              if m["name"] == "webPixels" and json.loads(m["body"])["event"]["type"] == "custom"]
-    expect(len(custom) == 1 and isinstance(custom[0]["customData"], dict), "custom %s" % custom)
-    browser.evaluate(dispatch_script("instrumentation", json.dumps({"detail": {
-        "name": "checkout_finished_loading", "value": 412, "type": "histogram",
-        "tags": {"preloading": "false"}}})))
-    status = browser.evaluate("document.getElementById('status').textContent")
-    expect("checkout_finished_loading 412 ms (preloading false)" in status, status)
-    expect("presented ×1" in status, status)
-    browser.close()
-
-
-@check
-def status_line_says_when_there_is_no_bridge(exchange):
-    browser = Browser(exchange, bridge=False).open("/checkout/demo")
-    status = browser.evaluate("document.getElementById('status').textContent")
-    expect(status.startswith("no bridge"), status)
-    browser.close()
-
-
-@check
-def pages_that_never_finish_loading_still_run_their_script(exchange):
-    for variant in ("hang/document", "hang/resource"):
-        browser = Browser(exchange)
-        browser.load(exchange.origin + "/checkout/" + variant)
-        spin_for(2.0)
-        expect(browser.finished == 0, "%s finished loading" % variant)
-        expect(browser.evaluate("typeof window.VembaCheckout") == "object", "%s script" % variant)
-        browser.close()
-
-
-@check
 def ad_buttons_and_auto_tokens_post_the_ad_vocabulary(exchange):
     browser = Browser(exchange)
     browser.load(exchange.origin + "/ads/interstitial.html?auto=click,openURL,openCheckout,close,dance"
@@ -367,44 +245,6 @@ def ad_buttons_and_auto_tokens_post_the_ad_vocabulary(exchange):
                      "document.getElementById('vemba-shop').click(); true")
     expect([m if isinstance(m, str) else m["action"] for m in browser.ad_messages()]
            == ["click", "openURL", "openCheckout"], browser.ad_messages())
-    browser.close()
-
-
-@check
-def misbehaving_ad_tokens_post_what_they_promise(exchange):
-    browser = Browser(exchange)
-    tokens = ["dict-empty", "dict-noaction", "dict-emptyaction", "dict-numberaction", "dict-close",
-              "openURL-nourl", "openURL-numberurl", "openURL-unparsable", "openURL-javascript",
-              "openURL-file", "number", "null", "array", "huge-string"]
-    browser.load(exchange.origin + "/ads/rewarded.html?autoDelay=10&hugeBytes=2000000&auto="
-                 + ",".join(tokens))
-    spin_until(lambda: len(browser.ad_messages()) == len(tokens), 15)
-    got = dict(zip(tokens, browser.ad_messages()))
-    expect(got["dict-empty"] == {} and "action" not in got["dict-noaction"], got["dict-noaction"])
-    expect(got["dict-emptyaction"]["action"] == "" and got["dict-numberaction"]["action"] == 7, "")
-    expect(got["dict-close"] == {"action": "close"}, got["dict-close"])
-    expect(got["openURL-numberurl"]["url"] == 42 and "url" not in got["openURL-nourl"], "")
-    expect(got["openURL-javascript"]["url"].startswith("javascript:"), "")
-    expect(got["openURL-file"]["url"].startswith("file:"), "")
-    expect(got["number"] == 42 and got["null"] is None and got["array"] == ["close"], "")
-    expect(len(got["huge-string"]) == 2000000, "huge string length")
-    browser.close()
-
-
-@check
-def rewarded_countdown_enables_close_and_can_close_by_itself(exchange):
-    browser = Browser(exchange).open("/ads/rewarded.html?seconds=1&autoClose=1")
-    expect(browser.evaluate("document.getElementById('vemba-close').disabled") is True, "")
-    spin_until(lambda: browser.ad_messages() == ["close"], 5)
-    expect(browser.evaluate("document.getElementById('reward').textContent") == "Reward earned", "")
-    browser.close()
-
-
-@check
-def endless_navigation_keeps_navigating(exchange):
-    browser = Browser(exchange)
-    browser.load(exchange.origin + "/ads/interstitial.html?auto=navigate&autoDelay=50")
-    spin_until(lambda: sum("hop=" in u for u, _ in browser.navigations) >= 3, 15)
     browser.close()
 
 

@@ -7,6 +7,7 @@
 import http.client
 import json
 import os
+import shutil
 import socket
 import ssl
 import subprocess
@@ -18,28 +19,41 @@ import unittest
 HERE = os.path.dirname(os.path.abspath(__file__))
 
 
-class SiteRoutesTest(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.state_dir = tempfile.mkdtemp(prefix="vemba-site-")
-        ready = os.path.join(cls.state_dir, "ready")
-        started = time.monotonic()
-        cls.process = subprocess.Popen(
+class Exchange:
+    """The exchange as a child process on a free loopback port; stopped by its PID."""
+
+    def __init__(self):
+        self.state_dir = tempfile.mkdtemp(prefix="vemba-site-")
+        ready = os.path.join(self.state_dir, "ready")
+        self.process = subprocess.Popen(
             [sys.executable, os.path.join(HERE, "exchange.py"), "--port", "0", "--state-dir",
-             cls.state_dir, "--ready-file", ready, "--lifetime", "300", "--idle-timeout", "60",
+             self.state_dir, "--ready-file", ready, "--lifetime", "600", "--idle-timeout", "120",
              "--parent-pid", str(os.getpid())], stderr=subprocess.DEVNULL)
+        deadline = time.monotonic() + 20
         while not os.path.exists(ready):
-            if time.monotonic() - started > 20:
+            if time.monotonic() > deadline or self.process.poll() is not None:
                 raise RuntimeError("the exchange did not start")
             time.sleep(0.02)
         with open(ready, encoding="ascii") as source:
-            cls.port = int(source.read())
-        cls.tls = ssl.create_default_context(cafile=os.path.join(cls.state_dir, "ca.pem"))
+            self.port = int(source.read())
+        self.origin = "https://127.0.0.1:%d" % self.port
+
+    def stop(self):
+        self.process.terminate()
+        self.process.wait(10)
+        shutil.rmtree(self.state_dir, ignore_errors=True)
+
+
+class SiteRoutesTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.exchange = Exchange()
+        cls.port = cls.exchange.port
+        cls.tls = ssl.create_default_context(cafile=os.path.join(cls.exchange.state_dir, "ca.pem"))
 
     @classmethod
     def tearDownClass(cls):
-        cls.process.terminate()
-        cls.process.wait(10)
+        cls.exchange.stop()
 
     def get(self, path, headers=None, timeout=10):
         connection = http.client.HTTPSConnection("127.0.0.1", self.port, context=self.tls,
@@ -50,12 +64,6 @@ class SiteRoutesTest(unittest.TestCase):
             return response.status, response.read().decode("utf-8")
         finally:
             connection.close()
-
-    def control(self, command):
-        connection = http.client.HTTPSConnection("127.0.0.1", self.port, context=self.tls)
-        connection.request("POST", "/_control", body=json.dumps(command))
-        self.assertEqual(connection.getresponse().status, 200)
-        connection.close()
 
     def page_log(self, prefix):
         _, text = self.get("/_log?kind=page&pathPrefix=" + prefix)
@@ -79,11 +87,9 @@ class SiteRoutesTest(unittest.TestCase):
         self.assertEqual(self.get("/checkout/fail-once/fo-a")[0], 500)
         self.assertEqual(self.get("/checkout/fail-once/fo-a")[0], 200)
         self.assertEqual(self.get("/checkout/fail-once/fo-a")[0], 200)
-        self.assertEqual(self.get("/checkout/fail-once/fo-b?status=503")[0], 503)
-        self.control({"resetOnce": True})
-        self.assertEqual(self.get("/checkout/fail-once/fo-a")[0], 500)
+        self.assertEqual(self.get("/checkout/fail-once/fo-b")[0], 500)
         entries = self.page_log("/checkout/fail-once/fo-a")
-        self.assertEqual([e["status"] for e in entries], [500, 200, 200, 500])
+        self.assertEqual([e["status"] for e in entries], [500, 200, 200])
 
     def test_page_requests_are_logged_with_their_headers(self):
         self.get("/checkout/logged", {"Sec-Purpose": "prefetch", "User-Agent": "X VembaCheckoutKit/3.4.0"})
@@ -91,11 +97,6 @@ class SiteRoutesTest(unittest.TestCase):
         self.assertIn(["Sec-Purpose", "prefetch"], entry["headers"])
         self.assertIn(["User-Agent", "X VembaCheckoutKit/3.4.0"], entry["headers"])
         self.assertEqual(entry["variant"], "checkout")
-
-    def test_error_page_config_cannot_break_out_of_its_script(self):
-        _, page = self.get("/checkout/error/expired?reason=%3C/script%3E%3Cb%3Ex")
-        config = page.split('<script id="site-config" type="application/json">')[1].split("</script>")[0]
-        self.assertEqual(json.loads(config)["reason"], "</script><b>x")
 
     def test_slow_first_waits_once_per_key(self):
         started = time.monotonic()
@@ -106,59 +107,10 @@ class SiteRoutesTest(unittest.TestCase):
         self.assertEqual(self.get("/ads/slow-first/sf-a/interstitial.html?seconds=20")[0], 200)
         self.assertLess(time.monotonic() - started, 10)
 
-    def test_drop_once_closes_the_first_connection_without_an_answer(self):
-        with self.assertRaises((http.client.RemoteDisconnected, ConnectionError)):
-            self.get("/ads/drop-once/do-a/rewarded.html")
-        self.assertEqual(self.get("/ads/drop-once/do-a/rewarded.html")[0], 200)
-
     def test_requests_that_never_answer(self):
         for path in ("/ads/never/interstitial.html", "/checkout/never", "/checkout/never/x.svg"):
             with self.subTest(path=path), self.assertRaises(socket.timeout):
                 self.get(path, timeout=0.4)
-
-    def test_hanging_pages(self):
-        connection = http.client.HTTPSConnection("127.0.0.1", self.port, context=self.tls,
-                                                 timeout=0.5)
-        connection.request("GET", "/checkout/hang/document")
-        response = connection.getresponse()
-        self.assertEqual(response.status, 200)
-        self.assertIn(b"pay-now", response.read1(1 << 20))
-        with self.assertRaises(socket.timeout):
-            response.read()  # the final chunk never comes
-        connection.close()
-        _, page = self.get("/checkout/hang/resource")
-        self.assertIn('<img src="/checkout/never/resource.svg"', page)
-
-    def test_ad_pages_keep_their_channel_and_ids(self):
-        for page in ("/ads/interstitial.html", "/ads/rewarded.html"):
-            _, text = self.get(page)
-            for needle in ("messageHandlers.vemba", 'id="vemba-click"', 'id="vemba-close"',
-                           'id="vemba-shop"', 'id="status"'):
-                with self.subTest(page=page, needle=needle):
-                    self.assertIn(needle, text)
-
-    def test_every_page_is_served_with_the_one_shared_head(self):
-        pages = {"/ads/interstitial.html": "Lumenmoss · Tidepool Mug",
-                 "/ads/rewarded.html": "Lumenmoss · Ember Leaf Tea",
-                 "/ads/slow-first/head-a/rewarded.html?seconds=0": "Lumenmoss · Ember Leaf Tea",
-                 "/landing/rewarded": "Tidepool Mug · Lumenmoss",
-                 "/checkout/demo": "Checkout · Lumenmoss",
-                 "/checkout/error/expired": "Checkout · Lumenmoss",
-                 "/checkout/terms": "Terms of sale · Lumenmoss",
-                 "/checkout/demo/thank-you?order_id=1": "Thank you · Lumenmoss",
-                 "/checkout/status/503": "503 Service Unavailable"}
-        for path, title in pages.items():
-            with self.subTest(path=path):
-                _, text = self.get(path)
-                self.assertTrue(text.startswith('<!DOCTYPE html>\n<html lang="en">\n<head>\n'))
-                self.assertEqual(text.count("<title>"), 1)
-                self.assertIn("<title>%s</title>" % title, text)
-                self.assertEqual(text.count('<meta charset="utf-8">'), 1)
-                self.assertEqual(text.count("</head>"), 1)
-                self.assertNotIn("<!--head", text)
-        _, checkout = self.get("/checkout/demo")
-        self.assertLess(checkout.index("</title>"), checkout.index('id="site-config"'))
-        self.assertLess(checkout.index('id="site-config"'), checkout.index("</head>"))
 
     def test_redirect_loop_sends_every_request_one_hop_further(self):
         connection = http.client.HTTPSConnection("127.0.0.1", self.port, context=self.tls)

@@ -25,23 +25,19 @@ CurlFailureDetail osErrno(long value) {
   return {std::nullopt, value};
 }
 
+// The classes the HTTP client's integration test cannot provoke over loopback (it sees refused,
+// malformed and unsupported URLs, drops, time-outs and oversized bodies through real libcurl).
 TEST(CurlErrorMapTest, MapsEachFailureClass) {
   const Row rows[] = {
-      {CURLE_URL_MALFORMAT, {}, Code::badURL},
-      {CURLE_UNSUPPORTED_PROTOCOL, {}, Code::unsupportedURL},
       {CURLE_COULDNT_RESOLVE_HOST, {}, Code::cannotFindHost},
       {CURLE_COULDNT_RESOLVE_PROXY, {}, Code::cannotFindHost},
-      {CURLE_COULDNT_CONNECT, {}, Code::cannotConnectToHost},
       {CURLE_COULDNT_CONNECT, osErrno(EHOSTUNREACH), Code::cannotConnectToHost},
       {CURLE_COULDNT_CONNECT, osErrno(ENETUNREACH), Code::notConnectedToInternet},
-      {CURLE_OPERATION_TIMEDOUT, {}, Code::timedOut},
       {CURLE_GOT_NOTHING, {}, Code::networkConnectionLost},
       {CURLE_HTTP2_STREAM, {}, Code::networkConnectionLost},
       {CURLE_WEIRD_SERVER_REPLY, {}, Code::badServerResponse},
       {CURLE_BAD_CONTENT_ENCODING, {}, Code::cannotDecodeContentData},
       {CURLE_TOO_MANY_REDIRECTS, {}, Code::httpTooManyRedirects},
-      {CURLE_FILESIZE_EXCEEDED, {}, Code::dataLengthExceedsMaximum},
-      {CURLE_WRITE_ERROR, {}, Code::dataLengthExceedsMaximum},
       {CURLE_ABORTED_BY_CALLBACK, {}, Code::cancelled},
       {CURLE_SSL_CONNECT_ERROR, {}, Code::secureConnectionFailed},
       {CURLE_SSL_CLIENTCERT, {}, Code::clientCertificateRejected},

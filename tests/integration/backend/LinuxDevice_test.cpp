@@ -32,13 +32,6 @@ TEST(LinuxDeviceTest, SystemVersionIsTheNumericPrefixOfTheKernelRelease) {
       << LinuxDevice().systemVersion();
 }
 
-TEST(LinuxDeviceTest, FixedValues) {
-  const LinuxDevice device;
-  EXPECT_EQ(device.model(), "Linux");
-  EXPECT_EQ(device.advertisingIdentifier(), platform::Uuid{});
-  EXPECT_EQ(device.localizedString("key", "Default text", "Table"), "Default text");
-}
-
 class BundleInfoTest : public ::testing::Test {
  protected:
   void TearDown() override {
@@ -48,13 +41,9 @@ class BundleInfoTest : public ::testing::Test {
   const LinuxDevice device_;
 };
 
-TEST_F(BundleInfoTest, NothingIsKnownUntilTheHostSaysSo) {
+TEST_F(BundleInfoTest, NothingIsKnownUntilTheHostsValuesFormTheDictionary) {
   EXPECT_EQ(device_.bundleIdentifier(), std::nullopt);
   EXPECT_FALSE(device_.hasInfoDictionary());
-  EXPECT_EQ(device_.infoValue(LinuxDevice::kShortVersionKey), std::nullopt);
-}
-
-TEST_F(BundleInfoTest, TheHostsValuesFormTheDictionary) {
   setBundleInfo("com.example.host", "2.3");
   EXPECT_EQ(device_.bundleIdentifier(), "com.example.host");
   ASSERT_TRUE(device_.hasInfoDictionary());
