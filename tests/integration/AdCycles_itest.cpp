@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "ExchangeTest.h"
 #include "LiveObjects.h"
-#include "LocalExchange.h"
 #include "MainLoop.h"
 #include "ProcessTree.h"
 #include "ads/core/VembaLogger.h"
@@ -25,6 +25,7 @@
 #include "platform/View.h"
 #include "platform/WebView.h"
 #include "ui/GtkViewBase.h"
+#include "unit/ads/RecordingDelegate.h"
 #include "vemba/Vemba.h"
 #include "vemba/linux/Screens.h"
 
@@ -43,40 +44,17 @@ namespace {
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
-using exchange::LocalExchange;
 using Strings = std::vector<std::string>;
 
 constexpr std::size_t kCycles = 20;
 constexpr auto kStepDeadline = 20s;    // one load, show, page load or dismissal
 constexpr auto kSettleDeadline = 15s;  // everything released after the last cycle
 
-// Records the host callbacks of either format, in order.
-class RecordingDelegate final : public VembaInterstitialAdDelegate, public VembaRewardedAdDelegate {
- public:
-  Strings trace;
-  bool has(const std::string& callback) const {
-    return std::find(trace.begin(), trace.end(), callback) != trace.end();
-  }
-
-  void adDidLoad(VembaInterstitialAd&) override { trace.emplace_back("adDidLoad"); }
-  void adDidFailToLoad(VembaInterstitialAd&, const Error&) override {
-    trace.emplace_back("adDidFailToLoad");
-  }
-  void adDidShow(VembaInterstitialAd&) override { trace.emplace_back("adDidShow"); }
-  void adDidDismiss(VembaInterstitialAd&) override { trace.emplace_back("adDidDismiss"); }
-  void adDidClick(VembaInterstitialAd&) override { trace.emplace_back("adDidClick"); }
-
-  void adDidLoad(VembaRewardedAd&) override { trace.emplace_back("adDidLoad"); }
-  void adDidFailToLoad(VembaRewardedAd&, const Error&) override {
-    trace.emplace_back("adDidFailToLoad");
-  }
-  void adDidShow(VembaRewardedAd&) override { trace.emplace_back("adDidShow"); }
-  void adDidDismiss(VembaRewardedAd&) override { trace.emplace_back("adDidDismiss"); }
-  void adDidClick(VembaRewardedAd&) override { trace.emplace_back("adDidClick"); }
-  void adDidEarnReward(VembaRewardedAd&, const VembaReward&) override {
-    trace.emplace_back("adDidEarnReward");
-  }
-};
+// Whether `delegate` recorded a host callback named `name`.
+bool has(const RecordingDelegate& delegate, const std::string& name) {
+  const Strings names = delegate.names();
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
 
 // How a cycle closes its ad.
 enum class CloseBy {
@@ -85,10 +63,10 @@ enum class CloseBy {
   pageAfterLoad,    // the page's own "close" message once it has loaded
 };
 
-class AdCyclesTest : public ::testing::Test {
+class AdCyclesTest : public ExchangeTest<18443> {  // the origin the library is built against
  protected:
   static void SetUpTestSuite() {
-    if (std::getenv("DISPLAY") == nullptr) {
+    if (!runnable()) {
       return;
     }
     setenv("GTK_A11Y", "none", 0);
@@ -105,26 +83,21 @@ class AdCyclesTest : public ::testing::Test {
     }
     setenv("XDG_DATA_HOME", (home_ + "/data").c_str(), 1);
     setenv("XDG_CACHE_HOME", (home_ + "/cache").c_str(), 1);
-    LocalExchange::Options options;
-    options.port = 18443;  // the origin the library is built against
-    exchange_ = new LocalExchange(options);
-    setenv("SSL_CERT_FILE", exchange_->caFile().c_str(), 1);
+    ExchangeTest::SetUpTestSuite();
     VembaSDK::shared().initialize(VembaConfiguration("cycles-key", false));
   }
   static void TearDownTestSuite() {
-    delete exchange_;
-    exchange_ = nullptr;
+    ExchangeTest::TearDownTestSuite();
     std::error_code ignored;
     std::filesystem::remove_all(home_, ignored);
   }
 
   void SetUp() override {
-    if (std::getenv("DISPLAY") == nullptr) {
-      GTEST_SKIP() << "needs a display (the test command runs under xvfb-run)";
+    ExchangeTest::SetUp();
+    if (IsSkipped() || HasFatalFailure()) {
+      return;
     }
-    // A display but no exchange or user interface: a start failed, which must not pass as a skip.
-    ASSERT_NE(exchange_, nullptr);
-    ASSERT_NE(platform::ui(), nullptr);
+    ASSERT_NE(platform::ui(), nullptr);  // a display, but GTK did not start on it
     window_ = GTK_WINDOW(gtk_window_new());
     gtk_window_set_default_size(window_, 900, 760);
     gtk_window_set_child(window_, gtk_label_new("Host window"));
@@ -171,15 +144,15 @@ class AdCyclesTest : public ::testing::Test {
     std::shared_ptr<Ad> ad = Ad::create("cycles-unit");
     ad->setDelegate(std::static_pointer_cast<Delegate>(delegate));
     ad->load();
-    const bool loaded = runMainLoopUntil([&] { return !delegate->trace.empty(); }, kStepDeadline);
-    if (!loaded || !delegate->has("adDidLoad")) {
+    const bool loaded = runMainLoopUntil([&] { return !delegate->calls.empty(); }, kStepDeadline);
+    if (!loaded || !has(*delegate, "adDidLoad")) {
       ADD_FAILURE() << "cycle " << index << ": no load";
-      return delegate->trace;
+      return delegate->names();
     }
     ad->show(screen_);
-    if (!runMainLoopUntil([&] { return delegate->has("adDidShow"); }, kStepDeadline)) {
+    if (!runMainLoopUntil([&] { return has(*delegate, "adDidShow"); }, kStepDeadline)) {
       ADD_FAILURE() << "cycle " << index << ": not shown";
-      return delegate->trace;
+      return delegate->names();
     }
     // While shown, the census sees exactly this ad's view and at least one web process: the
     // counts the end of the test relies on do count.
@@ -202,12 +175,11 @@ class AdCyclesTest : public ::testing::Test {
     } else {
       ADD_FAILURE() << "cycle " << index << ": no close button";
     }
-    EXPECT_TRUE(runMainLoopUntil([&] { return delegate->has("adDidDismiss"); }, kStepDeadline))
+    EXPECT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidDismiss"); }, kStepDeadline))
         << "cycle " << index << ": not dismissed";
-    return delegate->trace;
+    return delegate->names();
   }
 
-  static inline LocalExchange* exchange_ = nullptr;
   static inline std::string home_;
   GtkWindow* window_ = nullptr;
   std::shared_ptr<platform::Screen> screen_;
@@ -217,7 +189,6 @@ class AdCyclesTest : public ::testing::Test {
 TEST_F(AdCyclesTest, TwentyShowCloseCyclesLeaveNoWebViewScreenOrWebProcessBehind) {
   // The host window's own screen is the only one before the first cycle.
   const std::size_t screensBefore = linux_platform::liveScreenCount();
-  exchange_->clearLog();
   ASSERT_EQ(linux_platform::liveWebViewCount(), 0U);
 
   const CloseBy closings[] = {CloseBy::buttonAtOnce, CloseBy::buttonAfterLoad,
@@ -231,7 +202,7 @@ TEST_F(AdCyclesTest, TwentyShowCloseCyclesLeaveNoWebViewScreenOrWebProcessBehind
           << "cycle " << i;
     } else {
       EXPECT_EQ((cycle<VembaRewardedAd, VembaRewardedAdDelegate>(i, closeBy)),
-                (Strings{"adDidLoad", "adDidShow", "adDidEarnReward", "adDidDismiss"}))
+                (Strings{"adDidLoad", "adDidShow", "adDidEarnReward(1,reward)", "adDidDismiss"}))
           << "cycle " << i;
     }
   }
@@ -263,9 +234,8 @@ TEST_F(AdCyclesTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowThenUses)
   const auto delegate = std::make_shared<RecordingDelegate>();
   const std::shared_ptr<VembaInterstitialAd> ad = VembaInterstitialAd::create("cycles-unit");
   ad->setDelegate(std::static_pointer_cast<VembaInterstitialAdDelegate>(delegate));
-  exchange_->clearLog();
   ad->load();
-  ASSERT_TRUE(runMainLoopUntil([&] { return delegate->has("adDidLoad"); }, kStepDeadline));
+  ASSERT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidLoad"); }, kStepDeadline));
 
   // Loaded and not shown: exactly one web process, running ahead of the show.
   ASSERT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 1; }, kStepDeadline));
@@ -279,15 +249,15 @@ TEST_F(AdCyclesTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowThenUses)
   // The show starts in that very process and starts no other.
   ad->show(screen_);
   ASSERT_TRUE(
-      runMainLoopUntil([&] { return delegate->has("adDidShow") && pageLoaded(); }, kStepDeadline));
+      runMainLoopUntil([&] { return has(*delegate, "adDidShow") && pageLoaded(); }, kStepDeadline));
   EXPECT_EQ(webProcessIdsOf(getpid()), warm);
   EXPECT_FALSE(exchange_->log("page").empty());  // the census of requests above does count
 
   const std::shared_ptr<platform::View> button = adSubview(1);
   ASSERT_NE(button, nullptr);
   gtk_widget_activate(linux_platform::gtkWidgetOf(*button));
-  ASSERT_TRUE(runMainLoopUntil([&] { return delegate->has("adDidDismiss"); }, kStepDeadline));
-  EXPECT_EQ(delegate->trace, (Strings{"adDidLoad", "adDidShow", "adDidDismiss"}));
+  ASSERT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidDismiss"); }, kStepDeadline));
+  EXPECT_EQ(delegate->names(), (Strings{"adDidLoad", "adDidShow", "adDidDismiss"}));
 
   // Closed, with no other ad loaded: the process ended with the ad's view.
   runMainLoopUntil([] { return webProcessesOf(getpid()) == 0; }, kSettleDeadline);
