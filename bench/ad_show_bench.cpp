@@ -185,12 +185,7 @@ class Bench {
   // come (timed from show()), then closed with its close button until adDidDismiss.
   Timing showAndClose() {
     auto delegate = std::make_shared<Delegate>();
-    auto ad = vemba::VembaInterstitialAd::create("bench-show-unit");
-    ad->setDelegate(delegate);
-    ad->load();
-    require(runMainLoopUntil([&] { return delegate->loaded || delegate->failed; }, kStepDeadline) &&
-                delegate->loaded,
-            "the ad did not load");
+    const std::shared_ptr<vemba::VembaInterstitialAd> ad = load(delegate);
     // A host shows an ad some time after it loaded: by then the web process readied for it runs.
     require(runMainLoopUntil([] { return vemba::testing::webProcessesOf(getpid()) == 1; },
                              kStepDeadline),
@@ -285,14 +280,20 @@ class Bench {
 
   // An interstitial loaded and left unshown: the library keeps a web process ready for it.
   std::shared_ptr<vemba::VembaInterstitialAd> loadOnly() {
-    auto delegate = std::make_shared<Delegate>();
+    const std::shared_ptr<vemba::VembaInterstitialAd> ad = load(std::make_shared<Delegate>());
+    ad->setDelegate({});
+    return ad;
+  }
+
+  // A new interstitial, loaded (the run stops when it fails), telling `delegate`.
+  static std::shared_ptr<vemba::VembaInterstitialAd> load(
+      const std::shared_ptr<Delegate>& delegate) {
     auto ad = vemba::VembaInterstitialAd::create("bench-show-unit");
     ad->setDelegate(delegate);
     ad->load();
     require(runMainLoopUntil([&] { return delegate->loaded || delegate->failed; }, kStepDeadline) &&
                 delegate->loaded,
             "the ad did not load");
-    ad->setDelegate({});
     return ad;
   }
 
