@@ -124,6 +124,18 @@ TEST_F(WebViewTest, FailsWithTheMappedCodeAndNeverFinishes) {
   }
 }
 
+// The engine gives up on a redirect loop with an error of its own that names no domain; after
+// its redirects, that is a loop, not an unknown failure.
+TEST_F(WebViewTest, AnEndlessRedirectFailsAsTooManyRedirects) {
+  TestWebView made = makeWebView();
+  ASSERT_TRUE(
+      made.loadAndWait(requestFor(exchange_->origin() + "/ads/redirect-loop/interstitial.html")));
+  ASSERT_EQ(made.delegate->errors.size(), 1U) << ::testing::PrintToString(made.delegate->events);
+  EXPECT_EQ(made.delegate->errors[0].domain, platform::kUrlErrorDomain);
+  EXPECT_EQ(made.delegate->errors[0].code, Code::httpTooManyRedirects);
+  EXPECT_EQ(std::count(made.delegate->events.begin(), made.delegate->events.end(), "start"), 1);
+}
+
 TEST_F(WebViewTest, TimesOutARequestTheEngineHasNotStarted) {
   const SilentPort silent;
   const std::string url = "http://127.0.0.1:" + std::to_string(silent.port()) + "/pay";

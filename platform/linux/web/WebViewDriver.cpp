@@ -16,9 +16,13 @@
 namespace vemba::linux_platform {
 namespace {
 
+// Reissues of one load() after a refused certificate that the bundle vouches for.
+constexpr int kMaxTrustReissues = 3;
+// WebKit follows this many redirects of one navigation, then fails it with an error of its own
+// that names no domain (measured with WebKitGTK 2.50).
+constexpr int kEngineRedirectLimit = 20;
 // The request headers that make WebKit's cache revalidate the page with the server instead of
 // using a stored copy (WebKitGTK has no per-request cache policy).
-constexpr int kMaxTrustReissues = 3;
 constexpr const char* kCacheControlHeader = "Cache-Control";
 constexpr const char* kPragmaHeader = "Pragma";
 constexpr const char* kNoCache = "no-cache";
@@ -445,12 +449,14 @@ void WebViewDriver::loadChanged(WebKitLoadEvent event) {
       committed_ = false;
       failed_ = false;
       tlsErrors_ = static_cast<GTlsCertificateFlags>(0);
+      redirects_ = 0;
       requestStarted_ = request_.has_value();
       if (delegate) {
         delegate->didStartProvisionalNavigation(*owner);
       }
       return;
     case WEBKIT_LOAD_REDIRECTED:
+      ++redirects_;
       return;
     case WEBKIT_LOAD_COMMITTED:
       committed_ = true;
@@ -492,6 +498,10 @@ gboolean WebViewDriver::loadFailed(WebKitLoadEvent event, const char* uri, GErro
   if (timedOut_ && cancelled) {
     timedOut_ = false;
     mapped.code = platform::UrlErrorCode::timedOut;
+  }
+  if (mapped.domain == platform::kUrlErrorDomain &&
+      mapped.code == platform::UrlErrorCode::unknown && redirects_ >= kEngineRedirectLimit) {
+    mapped.code = platform::UrlErrorCode::httpTooManyRedirects;  // the engine gave up on a loop
   }
   if (const std::shared_ptr<platform::NavigationDelegate> delegate = delegate_.lock()) {
     if (event == WEBKIT_LOAD_COMMITTED || committed_) {

@@ -124,6 +124,7 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
   bool swallowFinish_ = false;
   bool swallowAction_ = false;
   bool swallowStart_ = false;
+  int redirects_ = 0;  // redirects followed since the navigation started
 
   // The load of request_ carries "Sec-Purpose: prefetch": when the engine has finished it
   // without a failure, the same request follows without the mark (see followUpPrefetch()).
