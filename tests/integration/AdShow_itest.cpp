@@ -89,10 +89,9 @@ TEST_F(AdShowTest, APageThatTimesOutIsRetriedOnceASecondLater) {
 
 TEST_F(AdShowTest, ARefusedConnectionIsNotRetried) {
   const ClosedPort closed;
-  const InspectorRun run = show(
-      "itest-refused",
-      {{"adm", "https://127.0.0.1:" + std::to_string(closed.port()) + "/ads/interstitial.html"}},
-      {"--close-after", "3"});
+  const InspectorRun run =
+      show("itest-refused", {{"adm", closed.url("https", "/ads/interstitial.html")}},
+           {"--close-after", "3"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.trace(), (Strings{"adDidLoad", "adDidShow", "adDidDismiss"}));
   EXPECT_NE(run.errors.find("(Code: -1004)"), std::string::npos) << run.errors;

@@ -111,50 +111,49 @@ class Browser:
     def ad_messages(self):
         return [body for channel, body in self.messages if channel == AD_CHANNEL]
 
-    def evaluate(self, script):
+    def _finish(self, start, finish):
+        """Starts an asynchronous call with its callback, spins until it ends, returns its result."""
         result = {}
 
         def done(view, task):
             try:
-                value = view.evaluate_javascript_finish(task)
-                result["value"] = json.loads(value.to_json(0) or "null")
+                result["value"] = finish(view, task)
             except GLib.Error as error:
                 result["error"] = error.message
-        self.view.evaluate_javascript(script, -1, None, None, None, done)
+        start(done)
         spin_until(lambda: result, 10)
         if "error" in result:
-            raise AssertionError("script failed: %s" % result["error"])
+            raise AssertionError("call failed: %s" % result["error"])
         return result["value"]
 
-    def snapshot(self, path):
-        result = {}
+    def evaluate(self, script):
+        return self._finish(
+            lambda done: self.view.evaluate_javascript(script, -1, None, None, None, done),
+            lambda view, task: json.loads(view.evaluate_javascript_finish(task).to_json(0) or "null"))
 
-        def done(view, task):
-            result["texture"] = view.get_snapshot_finish(task)
-        self.view.get_snapshot(WebKit.SnapshotRegion.FULL_DOCUMENT, WebKit.SnapshotOptions.NONE,
-                               None, done)
-        spin_until(lambda: result, 10)
-        result["texture"].save_to_png(path)
+    def snapshot(self, path):
+        self._finish(lambda done: self.view.get_snapshot(
+            WebKit.SnapshotRegion.FULL_DOCUMENT, WebKit.SnapshotOptions.NONE, None, done),
+            lambda view, task: view.get_snapshot_finish(task)).save_to_png(path)
 
     def close(self):
         self.view.terminate_web_process()
         self.window.destroy()
 
 
-def spin_until(predicate, seconds):
+def spin_until(predicate, seconds, fail=True):
+    """Iterates the main context until `predicate()` holds; past `seconds`, fails (or returns)."""
     deadline = time.monotonic() + seconds
-    context = GLib.MainContext.default()
     while not predicate():
         if time.monotonic() > deadline:
+            if not fail:
+                return
             raise AssertionError("timed out after %.1f s" % seconds)
-        context.iteration(False) or time.sleep(0.005)
+        GLib.MainContext.default().iteration(False) or time.sleep(0.005)
 
 
 def spin_for(seconds):
-    deadline = time.monotonic() + seconds
-    context = GLib.MainContext.default()
-    while time.monotonic() < deadline:
-        context.iteration(False) or time.sleep(0.005)
+    spin_until(lambda: False, seconds, fail=False)
 
 
 def expect(condition, message):
