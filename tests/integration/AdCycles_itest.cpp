@@ -51,7 +51,6 @@ constexpr std::size_t kCycles = 20;
 constexpr auto kStepDeadline = 20s;    // one load, show, page load or dismissal
 constexpr auto kSettleDeadline = 15s;  // everything released after the last cycle
 
-// Whether `delegate` recorded a host callback named `name`.
 bool has(const RecordingDelegate& delegate, const std::string& name) {
   const Strings names = delegate.names();
   return std::find(names.begin(), names.end(), name) != names.end();
@@ -220,7 +219,6 @@ TEST_F(AdCyclesTest, TwentyShowCloseCyclesLeaveNoWebViewScreenOrWebProcessBehind
   runMainLoopUntil([&] { return census() == released; }, kSettleDeadline);
   EXPECT_EQ(census(), released);
   if (allCyclesRan) {
-    // Each show was billed once.
     EXPECT_EQ(exchange_->waitForLog("billing", kCycles, 5s).size(), std::size_t{kCycles});
   }
 }
