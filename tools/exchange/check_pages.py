@@ -112,7 +112,7 @@ class Browser:
         return [body for channel, body in self.messages if channel == AD_CHANNEL]
 
     def _finish(self, start, finish):
-        """Starts an asynchronous call with its callback, spins until it ends, returns its result."""
+        """Starts an asynchronous call, spins until its callback ran, returns its result."""
         result = {}
 
         def done(view, task):
@@ -129,7 +129,8 @@ class Browser:
     def evaluate(self, script):
         return self._finish(
             lambda done: self.view.evaluate_javascript(script, -1, None, None, None, done),
-            lambda view, task: json.loads(view.evaluate_javascript_finish(task).to_json(0) or "null"))
+            lambda view, task: json.loads(view.evaluate_javascript_finish(task).to_json(0)
+                                          or "null"))
 
     def snapshot(self, path):
         self._finish(lambda done: self.view.get_snapshot(
@@ -195,13 +196,13 @@ def pay_sends_pixel_steps_then_completed_then_goes_to_thank_you(exchange):
         "checkout_address_info_submitted", "checkout_shipping_info_submitted",
         "payment_info_submitted", "checkout_completed"], "pixel steps: %s" % pixel_names(messages))
     expect(all(isinstance(m["body"], str) for m in messages), "every body is a string")
-    summary = json.loads(next(m["body"] for m in messages if m["name"] == "completed"))
-    order = summary["orderDetails"]
+    order = json.loads(next(m["body"] for m in messages if m["name"] == "completed"))
+    order = order["orderDetails"]
     expect(order["id"] == "4242", "order id %r" % order["id"])
     expect(order["paymentMethods"][0]["details"]["last4"] is None, "a null detail is kept")
     completed_pixel = json.loads(messages[-1]["body"])
-    checkout = completed_pixel["event"]["data"]["checkout"]
-    expect(checkout["order"]["id"] == "4242", "the completed pixel carries the order")
+    expect(completed_pixel["event"]["data"]["checkout"]["order"]["id"] == "4242",
+           "the completed pixel carries the order")
     context = completed_pixel["event"]["context"]
     location = context["document"]["location"]
     expect(location["protocol"] == "https:" and location["port"] == str(exchange.port),
@@ -220,8 +221,7 @@ def presented_before_the_page_script_runs_is_delivered_by_the_ready_event(exchan
             state["sent"] = True
             view.evaluate_javascript(dispatch_script("presented"), -1, None, None, None, None)
     browser.view.connect("load-changed", on_committed)
-    browser.load(exchange.origin + "/checkout/slow?seconds=0")
-    spin_until(lambda: browser.finished, 15)
+    browser.open("/checkout/slow?seconds=0")
     spin_until(lambda: pixel_names(browser.checkout_messages())[:1] == ["page_viewed"], 5)
     expect(browser.evaluate("VembaSite.presentedCount()") == 1, "presented once")
     browser.close()
