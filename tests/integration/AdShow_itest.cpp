@@ -5,7 +5,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <functional>
-#include <optional>
+#include <map>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -195,23 +195,17 @@ TEST_P(AdShowHostilePageTest, ShowsClosesAndTellsTheHostOnlyWhatItMay) {
   const HostilePage& hostile = GetParam();
   const std::string unit = std::string("itest-hostile-") + hostile.name;
   using Clock = std::chrono::steady_clock;
-  std::optional<Clock::time_point> shown;
-  std::optional<Clock::time_point> dismissed;
+  std::map<std::string, Clock::time_point> heardAt;  // callback name -> when its line arrived
   const InspectorRun run =
       show(unit, page(hostile.page),
            {"--format", hostile.format, "--close-after", std::to_string(hostile.closeAfter)},
-           [&](const nlohmann::json& line) {
-             if (line.value("callback", "") == "adDidShow") {
-               shown = Clock::now();
-             } else if (line.value("callback", "") == "adDidDismiss") {
-               dismissed = Clock::now();
-             }
-           });
+           [&](const nlohmann::json& line) { heardAt[line.value("callback", "")] = Clock::now(); });
 
   EXPECT_EQ(run.trace(), hostile.trace) << run.errors.substr(0, 2000);
-  ASSERT_TRUE(shown && dismissed);
+  ASSERT_TRUE(heardAt.count("adDidShow") && heardAt.count("adDidDismiss"));
   // The close button's press (or the page's close) was handled promptly: the main loop turned.
-  const double closedAfter = std::chrono::duration<double>(*dismissed - *shown).count();
+  const double closedAfter =
+      std::chrono::duration<double>(heardAt["adDidDismiss"] - heardAt["adDidShow"]).count();
   EXPECT_LT(closedAfter, hostile.closedByPage ? hostile.closeAfter : hostile.closeAfter + 2.0);
   for (const auto& [text, count] : hostile.logCounts) {
     EXPECT_EQ(occurrences(run.errors, text), count) << text;
