@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <stdexcept>
+#include <string>
 
 namespace vemba::testing {
 
@@ -33,6 +34,10 @@ class LoopbackPort {
   LoopbackPort& operator=(const LoopbackPort&) = delete;
   int port() const { return port_; }
   int fd() const { return fd_; }
+  // `scheme`://127.0.0.1:port`path`
+  std::string url(const std::string& scheme, const std::string& path) const {
+    return scheme + "://127.0.0.1:" + std::to_string(port_) + path;
+  }
 
  private:
   int fd_;

@@ -15,7 +15,6 @@ constexpr auto kNoFlags = static_cast<GTlsCertificateFlags>(0);
 struct Row {
   GQuark domain;
   int code;
-  GTlsCertificateFlags flags;
   std::string_view expectedDomain;
   int expectedCode;
 };
@@ -26,35 +25,31 @@ TEST(WebErrorMapTest, MapsEachFailureClass) {
   const std::string_view url = platform::kUrlErrorDomain;
   const std::string_view webKit = platform::kWebKitErrorDomain;
   const Row rows[] = {
-      {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED, kNoFlags, url, Code::cancelled},
-      {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_UNKNOWN_PROTOCOL, kNoFlags, url,
-       Code::unsupportedURL},
-      {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_TRANSPORT, kNoFlags, url,
-       Code::networkConnectionLost},
-      {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_FAILED, kNoFlags, url, Code::unknown},
+      {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED, url, Code::cancelled},
+      {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_UNKNOWN_PROTOCOL, url, Code::unsupportedURL},
+      {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_TRANSPORT, url, Code::networkConnectionLost},
+      {WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_FAILED, url, Code::unknown},
       // The engine's policy codes stay in the engine's domain.
-      {WEBKIT_POLICY_ERROR, WEBKIT_POLICY_ERROR_CANNOT_SHOW_URI, kNoFlags, webKit,
+      {WEBKIT_POLICY_ERROR, WEBKIT_POLICY_ERROR_CANNOT_SHOW_URI, webKit,
        platform::WebKitErrorCode::cannotShowURL},
-      {WEBKIT_POLICY_ERROR, WEBKIT_POLICY_ERROR_CANNOT_USE_RESTRICTED_PORT, kNoFlags, webKit, 103},
-      {G_IO_ERROR, G_IO_ERROR_NETWORK_UNREACHABLE, kNoFlags, url, Code::notConnectedToInternet},
-      {G_IO_ERROR, G_IO_ERROR_CONNECTION_CLOSED, kNoFlags, url, Code::networkConnectionLost},
-      {G_IO_ERROR, G_IO_ERROR_PERMISSION_DENIED, kNoFlags, url, Code::unknown},
-      {G_RESOLVER_ERROR, G_RESOLVER_ERROR_NOT_FOUND, kNoFlags, url, Code::cannotFindHost},
-      {G_RESOLVER_ERROR, G_RESOLVER_ERROR_TEMPORARY_FAILURE, kNoFlags, url, Code::cannotFindHost},
-      {G_RESOLVER_ERROR, G_RESOLVER_ERROR_INTERNAL, kNoFlags, url, Code::dnsLookupFailed},
-      {G_TLS_ERROR, G_TLS_ERROR_HANDSHAKE, kNoFlags, url, Code::secureConnectionFailed},
-      {G_TLS_ERROR, G_TLS_ERROR_CERTIFICATE_REQUIRED, kNoFlags, url,
-       Code::clientCertificateRejected},
+      {WEBKIT_POLICY_ERROR, WEBKIT_POLICY_ERROR_CANNOT_USE_RESTRICTED_PORT, webKit, 103},
+      {G_IO_ERROR, G_IO_ERROR_NETWORK_UNREACHABLE, url, Code::notConnectedToInternet},
+      {G_IO_ERROR, G_IO_ERROR_CONNECTION_CLOSED, url, Code::networkConnectionLost},
+      {G_IO_ERROR, G_IO_ERROR_PERMISSION_DENIED, url, Code::unknown},
+      {G_RESOLVER_ERROR, G_RESOLVER_ERROR_NOT_FOUND, url, Code::cannotFindHost},
+      {G_RESOLVER_ERROR, G_RESOLVER_ERROR_TEMPORARY_FAILURE, url, Code::cannotFindHost},
+      {G_RESOLVER_ERROR, G_RESOLVER_ERROR_INTERNAL, url, Code::dnsLookupFailed},
+      {G_TLS_ERROR, G_TLS_ERROR_HANDSHAKE, url, Code::secureConnectionFailed},
+      {G_TLS_ERROR, G_TLS_ERROR_CERTIFICATE_REQUIRED, url, Code::clientCertificateRejected},
       // A refused certificate without the flags WebKit reports beforehand.
-      {G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE, kNoFlags, url, Code::serverCertificateUntrusted},
-      {SOUP_SESSION_ERROR, SOUP_SESSION_ERROR_TOO_MANY_REDIRECTS, kNoFlags, url,
-       Code::httpTooManyRedirects},
-      {SOUP_SESSION_ERROR, SOUP_SESSION_ERROR_PARSING, kNoFlags, url, Code::cannotParseResponse},
-      {g_quark_from_static_string("vemba-test-unknown-domain"), 7, kNoFlags, url, Code::unknown},
+      {G_TLS_ERROR, G_TLS_ERROR_BAD_CERTIFICATE, url, Code::serverCertificateUntrusted},
+      {SOUP_SESSION_ERROR, SOUP_SESSION_ERROR_TOO_MANY_REDIRECTS, url, Code::httpTooManyRedirects},
+      {SOUP_SESSION_ERROR, SOUP_SESSION_ERROR_PARSING, url, Code::cannotParseResponse},
+      {g_quark_from_static_string("vemba-test-unknown-domain"), 7, url, Code::unknown},
   };
   for (const Row& row : rows) {
     const platform::NavigationError error =
-        navigationErrorFor(row.domain, row.code, row.flags, "https://shop.invalid/pay");
+        navigationErrorFor(row.domain, row.code, kNoFlags, "https://shop.invalid/pay");
     EXPECT_EQ(error.domain, row.expectedDomain) << g_quark_to_string(row.domain) << " " << row.code;
     EXPECT_EQ(error.code, row.expectedCode) << g_quark_to_string(row.domain) << " " << row.code;
   }
@@ -80,14 +75,12 @@ TEST(WebErrorMapTest, CertificateProblemsInOrderOfGravity) {
 }
 
 TEST(WebErrorMapTest, KeepsTheFailingUrlOnlyWhenThereIsOne) {
-  EXPECT_EQ(navigationErrorFor(G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED, kNoFlags,
-                               "https://shop.invalid/pay")
-                .failingUrl,
-            "https://shop.invalid/pay");
-  EXPECT_FALSE(
-      navigationErrorFor(G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED, kNoFlags, "").failingUrl);
-  EXPECT_FALSE(
-      navigationErrorFor(G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED, kNoFlags, nullptr).failingUrl);
+  const auto failingUrl = [](const char* url) {
+    return navigationErrorFor(G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED, kNoFlags, url).failingUrl;
+  };
+  EXPECT_EQ(failingUrl("https://shop.invalid/pay"), "https://shop.invalid/pay");
+  EXPECT_FALSE(failingUrl(""));
+  EXPECT_FALSE(failingUrl(nullptr));
 }
 
 }  // namespace

@@ -68,8 +68,7 @@ platform::WebRequest requestFor(const std::string& url, std::chrono::millisecond
   if (!parsed) {
     throw std::invalid_argument("not a URL: " + url);
   }
-  platform::WebRequest request{*parsed, {}, platform::CachePolicy::useProtocolCachePolicy, timeout};
-  return request;
+  return {*parsed, {}, platform::CachePolicy::useProtocolCachePolicy, timeout};
 }
 
 }  // namespace vemba::testing

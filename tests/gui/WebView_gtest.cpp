@@ -97,15 +97,13 @@ TEST_F(WebViewTest, SendsTheRequestHeadersAndTheUserAgentSuffixOnTheWire) {
 TEST_F(WebViewTest, FailsWithTheMappedCodeAndNeverFinishes) {
   const SilentPort silent;
   const ClosedPort closed;
-  const std::string silentUrl = "http://127.0.0.1:" + std::to_string(silent.port()) + "/pay";
-  const std::string refusedUrl = "http://127.0.0.1:" + std::to_string(closed.port()) + "/pay";
   const struct {
     std::string url;
     std::chrono::milliseconds timeout;
     int code;
   } rows[] = {
-      {silentUrl, std::chrono::milliseconds(400), Code::timedOut},
-      {refusedUrl, std::chrono::seconds(20), Code::cannotConnectToHost},
+      {silent.url("http", "/pay"), std::chrono::milliseconds(400), Code::timedOut},
+      {closed.url("http", "/pay"), std::chrono::seconds(20), Code::cannotConnectToHost},
   };
   TestWebView made = makeWebView();
   // A started web process: the timing is the request's own.
@@ -138,9 +136,9 @@ TEST_F(WebViewTest, AnEndlessRedirectFailsAsTooManyRedirects) {
 
 TEST_F(WebViewTest, TimesOutARequestTheEngineHasNotStarted) {
   const SilentPort silent;
-  const std::string url = "http://127.0.0.1:" + std::to_string(silent.port()) + "/pay";
   TestWebView made = makeWebView();  // its web process is not running yet
-  ASSERT_TRUE(made.loadAndWait(requestFor(url, std::chrono::milliseconds(1))));
+  ASSERT_TRUE(
+      made.loadAndWait(requestFor(silent.url("http", "/pay"), std::chrono::milliseconds(1))));
   runMainLoopFor(std::chrono::milliseconds(1500));  // the web process is up: nothing more arrives
   EXPECT_THAT(made.delegate->events,
               ElementsAre("fail-provisional URLError " + std::to_string(Code::timedOut)));

@@ -35,11 +35,7 @@ class CurlHttpClientTest : public ExchangeTest</*Port=*/0, /*NeedsDisplay=*/fals
     options.caFile = exchange().caFile();
     return options;
   }
-  static HttpRequest get(const std::string& path) {
-    HttpRequest request;
-    request.url = exchange().origin() + path;
-    return request;
-  }
+  static HttpRequest get(const std::string& path) { return requestTo(exchange().origin() + path); }
 
   // The one recorded bid whose request carries `requestId`.
   static json recordedBid(const std::string& requestId) {
@@ -86,10 +82,9 @@ TEST_F(CurlHttpClientTest, PostReachesTheServerAsSentAndAnswersOnTheWorker) {
 
 TEST_F(CurlHttpClientTest, LargeBodiesGoOutWithoutWaitingForContinue) {
   CurlHttpClient client(trusting());
-  HttpRequest request;
-  request.method = "PUT";
-  request.url = exchange().origin() + "/upload/large";
-  request.body = std::string(1536 * 1024, 'x');  // above libcurl's "Expect: 100-continue" size
+  // Above libcurl's "Expect: 100-continue" size.
+  const HttpRequest request =
+      requestTo(exchange().origin() + "/upload/large", "PUT", std::string(1536 * 1024, 'x'));
 
   const Outcome outcome = fetch(client, request);
   ASSERT_NE(response(outcome), nullptr);
@@ -146,11 +141,7 @@ TEST(CurlHttpClientPlainHttpTest, RedirectsTimeoutsBodilessRequestsAndUnsendable
   for (const Case& c : cases) {
     SCOPED_TRACE(c.method + " " + c.path);
     const std::size_t before = server.received().size();
-    HttpRequest request;
-    request.method = c.method;
-    request.url = server.origin() + c.path;
-    request.body = c.body;
-    const Outcome outcome = fetch(client, request);
+    const Outcome outcome = fetch(client, requestTo(server.origin() + c.path, c.method, c.body));
     ASSERT_NE(response(outcome), nullptr);
     EXPECT_EQ(response(outcome)->statusCode, 200);
     EXPECT_EQ(response(outcome)->body, c.answer);
@@ -165,8 +156,7 @@ TEST(CurlHttpClientPlainHttpTest, RedirectsTimeoutsBodilessRequestsAndUnsendable
 
   // A time-out of zero or less means none.
   for (const int milliseconds : {0, -1}) {
-    HttpRequest request;
-    request.url = server.origin() + "/slow";
+    HttpRequest request = requestTo(server.origin() + "/slow");
     request.timeout = std::chrono::milliseconds(milliseconds);
     const Outcome outcome = fetch(client, request);
     ASSERT_NE(response(outcome), nullptr) << milliseconds;
@@ -175,8 +165,7 @@ TEST(CurlHttpClientPlainHttpTest, RedirectsTimeoutsBodilessRequestsAndUnsendable
 
   // The hop cap ends a redirect loop: the first request and kMaxRedirects followed hops, no more.
   const std::size_t before = server.received().size();
-  HttpRequest loop;
-  loop.url = server.origin() + "/loop";
+  const HttpRequest loop = requestTo(server.origin() + "/loop");
   const Outcome looped = fetch(client, loop);
   ASSERT_NE(transportError(looped), nullptr);
   EXPECT_EQ(transportError(looped)->code, Code::httpTooManyRedirects);
@@ -185,8 +174,7 @@ TEST(CurlHttpClientPlainHttpTest, RedirectsTimeoutsBodilessRequestsAndUnsendable
             static_cast<std::size_t>(CurlHttpClient::kMaxRedirects + 1));
 
   // A field that cannot be sent as given is left out; the others still go.
-  HttpRequest request;
-  request.url = server.origin() + "/headers";
+  HttpRequest request = requestTo(server.origin() + "/headers");
   request.headers = {
       {"X-Before", "1"}, {"X-Split", "a\r\nX-Injected: 1"}, {"Bad Name", "v"}, {"X-After", "2"}};
   ASSERT_NE(response(fetch(client, request)), nullptr);
@@ -204,11 +192,6 @@ TEST(CurlHttpClientPlainHttpTest, RedirectsTimeoutsBodilessRequestsAndUnsendable
 // fails, whether declared or streamed.
 TEST_F(CurlHttpClientTest, AnswersAreResponsesOfAnyStatusOrMappedTransportErrors) {
   const ClosedPort closed;
-  const auto at = [](std::string url) {
-    HttpRequest request;
-    request.url = std::move(url);
-    return request;
-  };
   const auto bid = [](const char* tagid) {
     HttpRequest request = bidRequest(exchange().origin(), std::string("answer-") + tagid, tagid);
     request.timeout = std::chrono::milliseconds(400);
@@ -227,10 +210,9 @@ TEST_F(CurlHttpClientTest, AnswersAreResponsesOfAnyStatusOrMappedTransportErrors
       {bid("exchange:huge?bytes=262144&chunked=true"), 0, 200, 262144},
       {bid("exchange:huge?bytes=262145"), Code::dataLengthExceedsMaximum},
       {bid("exchange:huge?bytes=4194304&chunked=true"), Code::dataLengthExceedsMaximum},
-      {at("https://127.0.0.1:" + std::to_string(closed.port()) + "/bid"),
-       Code::cannotConnectToHost},
-      {at("https://127.0.0.1:99999999/bid"), Code::badURL},
-      {at("ftp://127.0.0.1:1/file"), Code::unsupportedURL},
+      {requestTo(closed.url("https", "/bid")), Code::cannotConnectToHost},
+      {requestTo("https://127.0.0.1:99999999/bid"), Code::badURL},
+      {requestTo("ftp://127.0.0.1:1/file"), Code::unsupportedURL},
       {bid("exchange:drop"), Code::networkConnectionLost},
       {bid("exchange:slow?seconds=5"), Code::timedOut},
   };
@@ -259,10 +241,9 @@ TEST_F(CurlHttpClientTest, AnswersAreResponsesOfAnyStatusOrMappedTransportErrors
 }
 
 TEST_F(CurlHttpClientTest, TrustsTheBundleNamedBySslCertFileAndOnlyThat) {
-  const char* old = std::getenv("SSL_CERT_FILE");
-  const std::optional<std::string> previous = old ? std::optional<std::string>(old) : std::nullopt;
   // An empty value names no bundle: libcurl's default store applies, which does not know the CA.
-  for (const std::string& bundle : {exchange().caFile(), std::string()}) {
+  // The suite's own bundle comes last, so it stays in force for the tests after this one.
+  for (const std::string& bundle : {std::string(), exchange().caFile()}) {
     setenv("SSL_CERT_FILE", bundle.c_str(), 1);
     CurlHttpClient client;
     const Outcome outcome = fetch(client, get("/_health"));
@@ -272,11 +253,6 @@ TEST_F(CurlHttpClientTest, TrustsTheBundleNamedBySslCertFileAndOnlyThat) {
     } else {
       EXPECT_EQ(response(outcome) ? response(outcome)->statusCode : 0, 200);
     }
-  }
-  if (previous) {
-    setenv("SSL_CERT_FILE", previous->c_str(), 1);
-  } else {
-    unsetenv("SSL_CERT_FILE");
   }
 }
 
@@ -312,7 +288,7 @@ TEST_F(CurlHttpClientTest, ConcurrentTasksEachCompleteExactlyOnceOnTheWorker) {
         const std::string id = "concurrent-" + std::to_string(t) + "-" + std::to_string(i);
         HttpRequest request = bidRequest(exchange().origin(), id, "unit-concurrent");
         if (i % 4 == 3) {
-          request.url = "https://127.0.0.1:" + std::to_string(closed.port()) + "/bid";
+          request.url = closed.url("https", "/bid");
         }
         client.dataTask(request, [&, id](platform::HttpResult) {
           const std::lock_guard<std::mutex> lock(mutex);

@@ -7,6 +7,7 @@
 #include <future>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <thread>
 #include <variant>
@@ -35,16 +36,22 @@ inline Outcome fetch(platform::HttpClient& client, platform::HttpRequest request
   return future.get();
 }
 
+inline platform::HttpRequest requestTo(std::string url, std::string method = "GET",
+                                       std::optional<std::string> body = std::nullopt) {
+  platform::HttpRequest request;
+  request.method = std::move(method);
+  request.url = std::move(url);
+  request.body = std::move(body);
+  return request;
+}
+
 inline platform::HttpRequest bidRequest(const std::string& origin, const std::string& requestId,
                                         const std::string& tagid, bool rewarded = false) {
   nlohmann::json imp = {{"id", "1"}, {"tagid", tagid}};
   imp[rewarded ? "rewarded" : "interstitial"] = nlohmann::json::object();
   const nlohmann::json body = {{"id", requestId}, {"imp", {imp}}};
-  platform::HttpRequest request;
-  request.method = "POST";
-  request.url = origin + "/bid";
+  platform::HttpRequest request = requestTo(origin + "/bid", "POST", body.dump());
   request.headers = {{"Content-Type", "application/json"}};
-  request.body = body.dump();
   return request;
 }
 

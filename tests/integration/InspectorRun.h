@@ -14,6 +14,7 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -65,9 +66,10 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
   posix_spawn_file_actions_addclose(&actions, out[0]);
-  std::FILE* errors = std::tmpfile();  // gone when closed
+  const auto closeFile = [](std::FILE* file) { std::fclose(file); };
+  const std::unique_ptr<std::FILE, decltype(closeFile)> errors(std::tmpfile());  // gone when closed
   if (errors != nullptr) {
-    posix_spawn_file_actions_adddup2(&actions, fileno(errors), STDERR_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, fileno(errors.get()), STDERR_FILENO);
   }
   std::vector<std::string> argvStrings{binary};
   argvStrings.insert(argvStrings.end(), args.begin(), args.end());
@@ -82,9 +84,6 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
   close(out[1]);
   if (spawned != 0) {
     close(out[0]);
-    if (errors != nullptr) {
-      std::fclose(errors);
-    }
     return run;
   }
   const auto deadline = std::chrono::steady_clock::now() + limit;
@@ -132,12 +131,11 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
   waitpid(pid, &status, 0);
   run.exitCode = !killed && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   if (errors != nullptr) {
-    std::rewind(errors);
+    std::rewind(errors.get());
     char chunk[4096];
-    for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, errors)) > 0;) {
+    for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, errors.get())) > 0;) {
       run.errors.append(chunk, n);
     }
-    std::fclose(errors);
   }
   return run;
 }

@@ -111,50 +111,50 @@ class Browser:
     def ad_messages(self):
         return [body for channel, body in self.messages if channel == AD_CHANNEL]
 
-    def evaluate(self, script):
+    def _finish(self, start, finish):
+        """Starts an asynchronous call, spins until its callback ran, returns its result."""
         result = {}
 
         def done(view, task):
             try:
-                value = view.evaluate_javascript_finish(task)
-                result["value"] = json.loads(value.to_json(0) or "null")
+                result["value"] = finish(view, task)
             except GLib.Error as error:
                 result["error"] = error.message
-        self.view.evaluate_javascript(script, -1, None, None, None, done)
+        start(done)
         spin_until(lambda: result, 10)
         if "error" in result:
-            raise AssertionError("script failed: %s" % result["error"])
+            raise AssertionError("call failed: %s" % result["error"])
         return result["value"]
 
-    def snapshot(self, path):
-        result = {}
+    def evaluate(self, script):
+        return self._finish(
+            lambda done: self.view.evaluate_javascript(script, -1, None, None, None, done),
+            lambda view, task: json.loads(view.evaluate_javascript_finish(task).to_json(0)
+                                          or "null"))
 
-        def done(view, task):
-            result["texture"] = view.get_snapshot_finish(task)
-        self.view.get_snapshot(WebKit.SnapshotRegion.FULL_DOCUMENT, WebKit.SnapshotOptions.NONE,
-                               None, done)
-        spin_until(lambda: result, 10)
-        result["texture"].save_to_png(path)
+    def snapshot(self, path):
+        self._finish(lambda done: self.view.get_snapshot(
+            WebKit.SnapshotRegion.FULL_DOCUMENT, WebKit.SnapshotOptions.NONE, None, done),
+            lambda view, task: view.get_snapshot_finish(task)).save_to_png(path)
 
     def close(self):
         self.view.terminate_web_process()
         self.window.destroy()
 
 
-def spin_until(predicate, seconds):
+def spin_until(predicate, seconds, fail=True):
+    """Iterates the main context until `predicate()` holds; past `seconds`, fails (or returns)."""
     deadline = time.monotonic() + seconds
-    context = GLib.MainContext.default()
     while not predicate():
         if time.monotonic() > deadline:
+            if not fail:
+                return
             raise AssertionError("timed out after %.1f s" % seconds)
-        context.iteration(False) or time.sleep(0.005)
+        GLib.MainContext.default().iteration(False) or time.sleep(0.005)
 
 
 def spin_for(seconds):
-    deadline = time.monotonic() + seconds
-    context = GLib.MainContext.default()
-    while time.monotonic() < deadline:
-        context.iteration(False) or time.sleep(0.005)
+    spin_until(lambda: False, seconds, fail=False)
 
 
 def expect(condition, message):
@@ -196,13 +196,13 @@ def pay_sends_pixel_steps_then_completed_then_goes_to_thank_you(exchange):
         "checkout_address_info_submitted", "checkout_shipping_info_submitted",
         "payment_info_submitted", "checkout_completed"], "pixel steps: %s" % pixel_names(messages))
     expect(all(isinstance(m["body"], str) for m in messages), "every body is a string")
-    summary = json.loads(next(m["body"] for m in messages if m["name"] == "completed"))
-    order = summary["orderDetails"]
+    order = json.loads(next(m["body"] for m in messages if m["name"] == "completed"))
+    order = order["orderDetails"]
     expect(order["id"] == "4242", "order id %r" % order["id"])
     expect(order["paymentMethods"][0]["details"]["last4"] is None, "a null detail is kept")
     completed_pixel = json.loads(messages[-1]["body"])
-    checkout = completed_pixel["event"]["data"]["checkout"]
-    expect(checkout["order"]["id"] == "4242", "the completed pixel carries the order")
+    expect(completed_pixel["event"]["data"]["checkout"]["order"]["id"] == "4242",
+           "the completed pixel carries the order")
     context = completed_pixel["event"]["context"]
     location = context["document"]["location"]
     expect(location["protocol"] == "https:" and location["port"] == str(exchange.port),
@@ -221,8 +221,7 @@ def presented_before_the_page_script_runs_is_delivered_by_the_ready_event(exchan
             state["sent"] = True
             view.evaluate_javascript(dispatch_script("presented"), -1, None, None, None, None)
     browser.view.connect("load-changed", on_committed)
-    browser.load(exchange.origin + "/checkout/slow?seconds=0")
-    spin_until(lambda: browser.finished, 15)
+    browser.open("/checkout/slow?seconds=0")
     spin_until(lambda: pixel_names(browser.checkout_messages())[:1] == ["page_viewed"], 5)
     expect(browser.evaluate("VembaSite.presentedCount()") == 1, "presented once")
     browser.close()

@@ -18,15 +18,23 @@ struct Row {
   int expected;
 };
 
-CurlFailureDetail verifyResult(long result) {
+CurlFailureDetail verify(long result) {
   return {result, 0};
 }
 CurlFailureDetail osErrno(long value) {
   return {std::nullopt, value};
 }
 
+// OpenSSL's X509_V_ERR_* numbers.
+constexpr long kOk = 0;
+constexpr long kUnableToGetIssuerLocally = 20;
+constexpr long kSelfSignedInChain = 19;
+constexpr long kNotYetValid = 9;
+constexpr long kExpired = 10;
+
 // The classes the HTTP client's integration test cannot provoke over loopback (it sees refused,
-// malformed and unsupported URLs, drops, time-outs and oversized bodies through real libcurl).
+// malformed and unsupported URLs, drops, time-outs and oversized bodies through real libcurl),
+// and certificate failures refined by the verification result.
 TEST(CurlErrorMapTest, MapsEachFailureClass) {
   const Row rows[] = {
       {CURLE_COULDNT_RESOLVE_HOST, {}, Code::cannotFindHost},
@@ -42,40 +50,23 @@ TEST(CurlErrorMapTest, MapsEachFailureClass) {
       {CURLE_SSL_CONNECT_ERROR, {}, Code::secureConnectionFailed},
       {CURLE_SSL_CLIENTCERT, {}, Code::clientCertificateRejected},
       {CURLE_LOGIN_DENIED, {}, Code::unknown},
+      {CURLE_PEER_FAILED_VERIFICATION, {}, Code::serverCertificateUntrusted},
+      {CURLE_SSL_CACERT, {}, Code::serverCertificateUntrusted},
+      {CURLE_PEER_FAILED_VERIFICATION, verify(kOk), Code::serverCertificateUntrusted},
+      {CURLE_PEER_FAILED_VERIFICATION, verify(kUnableToGetIssuerLocally),
+       Code::serverCertificateUntrusted},
+      {CURLE_PEER_FAILED_VERIFICATION, verify(kSelfSignedInChain),
+       Code::serverCertificateUntrusted},
+      {CURLE_PEER_FAILED_VERIFICATION, verify(kExpired), Code::serverCertificateHasBadDate},
+      {CURLE_PEER_FAILED_VERIFICATION, verify(kNotYetValid), Code::serverCertificateNotYetValid},
+      {CURLE_SSL_PINNEDPUBKEYNOTMATCH, {}, Code::serverCertificateUntrusted},
+      // The verification result only refines certificate failures.
+      {CURLE_SSL_CONNECT_ERROR, verify(kExpired), Code::secureConnectionFailed},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(urlErrorCodeForCurl(row.curl, row.detail), row.expected)
         << "curl code " << row.curl << " (" << curl_easy_strerror(row.curl) << "), errno "
-        << row.detail.osErrno;
-  }
-}
-
-TEST(CurlErrorMapTest, CertificateFailuresAreRefinedByTheVerificationResult) {
-  // OpenSSL's X509_V_ERR_* numbers.
-  constexpr long kOk = 0;
-  constexpr long kUnableToGetIssuerLocally = 20;
-  constexpr long kSelfSignedInChain = 19;
-  constexpr long kNotYetValid = 9;
-  constexpr long kExpired = 10;
-  const Row rows[] = {
-      {CURLE_PEER_FAILED_VERIFICATION, {}, Code::serverCertificateUntrusted},
-      {CURLE_SSL_CACERT, {}, Code::serverCertificateUntrusted},
-      {CURLE_PEER_FAILED_VERIFICATION, verifyResult(kOk), Code::serverCertificateUntrusted},
-      {CURLE_PEER_FAILED_VERIFICATION, verifyResult(kUnableToGetIssuerLocally),
-       Code::serverCertificateUntrusted},
-      {CURLE_PEER_FAILED_VERIFICATION, verifyResult(kSelfSignedInChain),
-       Code::serverCertificateUntrusted},
-      {CURLE_PEER_FAILED_VERIFICATION, verifyResult(kExpired), Code::serverCertificateHasBadDate},
-      {CURLE_PEER_FAILED_VERIFICATION, verifyResult(kNotYetValid),
-       Code::serverCertificateNotYetValid},
-      {CURLE_SSL_PINNEDPUBKEYNOTMATCH, {}, Code::serverCertificateUntrusted},
-      // The verification result only refines certificate failures.
-      {CURLE_SSL_CONNECT_ERROR, verifyResult(kExpired), Code::secureConnectionFailed},
-  };
-  for (const Row& row : rows) {
-    EXPECT_EQ(urlErrorCodeForCurl(row.curl, row.detail), row.expected)
-        << "curl code " << row.curl << ", verify result "
-        << row.detail.opensslVerifyResult.value_or(-1);
+        << row.detail.osErrno << ", verify result " << row.detail.opensslVerifyResult.value_or(-1);
   }
 }
 
