@@ -16,11 +16,6 @@ using testing::url;
 
 class CheckoutPresentationTest : public testing::CheckoutScreenTest {
  protected:
-  std::shared_ptr<CheckoutViewController> show(std::weak_ptr<CheckoutDelegate> host) {
-    auto controller = present(checkout, hostScreen(), std::move(host));
-    drain();
-    return controller;
-  }
   static fake::FakeScreen& fakeScreen(const std::shared_ptr<platform::Screen>& screen) {
     return dynamic_cast<fake::FakeScreen&>(*screen);
   }
@@ -35,7 +30,6 @@ class CheckoutPresentationTest : public testing::CheckoutScreenTest {
     return static_cast<std::size_t>(std::count(messages.begin(), messages.end(), "'presented'"));
   }
 
-  const Url checkout = url("https://shop.example/checkouts/c1");
   std::shared_ptr<RecordingDelegate> delegate = std::make_shared<RecordingDelegate>();
 };
 
@@ -190,8 +184,7 @@ TEST_F(CheckoutPresentationTest, PageEventsReachTheHost) {
   EXPECT_EQ(layers[0]->name(), "checkout-confetti");
 }
 
-class MinimalDelegate : public CheckoutDelegate {
- public:
+struct MinimalDelegate : CheckoutDelegate {
   void checkoutDidCancel() override {}
 };
 

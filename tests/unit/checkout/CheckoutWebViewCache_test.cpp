@@ -19,7 +19,6 @@ class CheckoutWebViewCacheTest : public testing::CheckoutScreenTest {
   std::shared_ptr<CheckoutWebView> obtain(std::optional<MetaData::EntryPoint> entry = {}) {
     return CheckoutWebView::forCheckout(checkout, false, entry);
   }
-  const Url checkout = url("https://shop.example/checkouts/c1");
 };
 
 TEST_F(CheckoutWebViewCacheTest, AnEntryServesItsKeyForStrictlyLessThanFiveMinutes) {

@@ -71,7 +71,6 @@ class CheckoutWebViewTest : public testing::CheckoutScreenTest {
     return out;
   }
 
-  const Url checkout = url("https://shop.example/checkouts/c1");
   std::shared_ptr<RecordingViewDelegate> delegate = std::make_shared<RecordingViewDelegate>();
 };
 

@@ -63,8 +63,7 @@ TEST(FreeFormJsonTest, NonContainersFailAsTypeMismatch) {
     ASSERT_FALSE(read) << text;
     EXPECT_NE(read.error().kind, json::DecodingError::Kind::dataCorrupted) << text;
   }
-  auto array = json::decodeText("{}", readJsonArray);
-  EXPECT_FALSE(array);
+  EXPECT_FALSE(json::decodeText("{}", readJsonArray));
 }
 
 TEST(FreeFormJsonTest, NestingIsBoundedAtTheLimit) {
