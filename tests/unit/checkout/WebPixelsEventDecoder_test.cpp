@@ -31,12 +31,8 @@ Json body(std::string_view type) {
               {"context", Json::object()}};
 }
 
-Expected<std::optional<PixelEvent>, json::DecodingError> decodeMessage(const Json& message) {
-  return WebPixelsEventDecoder::decode(message);
-}
-
 Expected<std::optional<PixelEvent>, json::DecodingError> decodePayload(const Json& p) {
-  return decodeMessage(Json{{"name", "webPixels"}, {"body", p.dump()}});
+  return WebPixelsEventDecoder::decode(Json{{"name", "webPixels"}, {"body", p.dump()}});
 }
 
 // The decoded event, failing the test when there is none.
@@ -112,7 +108,7 @@ TEST(WebPixelsEventDecoderTest, FailuresAreReportedNotSwallowed) {
       {"id missing", with("standard", "id", {}), "event.id"},
   };
   for (const Case& c : cases) {
-    auto decoded = decodeMessage(c.message);
+    auto decoded = WebPixelsEventDecoder::decode(c.message);
     ASSERT_FALSE(decoded) << c.name;
     EXPECT_EQ(decoded.error().path, c.path) << c.name << ": " << decoded.error().description();
   }
