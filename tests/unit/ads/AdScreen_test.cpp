@@ -292,14 +292,12 @@ TEST_F(TopScreenTest, WalksContainersAndPresentedChains) {
   present(navigation, overNavigation);
   EXPECT_EQ(ads::UIUtils::getTopViewController(), overNavigation);
 
-  auto first = screen();
-  auto second = screen();
+  auto first = screen(), second = screen();
   auto tabs = platform.ui.createTabScreen({first, second}, 1);
   keyWindow(tabs);
   EXPECT_EQ(ads::UIUtils::getTopViewController(), second);
 
-  auto chained = screen();
-  auto top = screen();
+  auto chained = screen(), top = screen();
   present(second, chained);
   present(chained, top);
   EXPECT_EQ(ads::UIUtils::getTopViewController(), top);
@@ -308,8 +306,7 @@ TEST_F(TopScreenTest, WalksContainersAndPresentedChains) {
 }
 
 TEST_F(TopScreenTest, KeyWindowComesFromTheFirstActiveWindowSceneElseTheWindowList) {
-  auto fromScene = screen();
-  auto fromList = screen();
+  auto fromScene = screen(), fromList = screen();
   using State = platform::Scene::ActivationState;
   auto keyIn = [](std::shared_ptr<platform::Screen> root) {
     return std::make_shared<fake::FakeWindow>(true, std::move(root));

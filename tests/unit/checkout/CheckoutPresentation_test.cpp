@@ -73,7 +73,7 @@ TEST_F(CheckoutPresentationTest, PresentShowsTheCheckoutPageInASheet) {
 
 TEST_F(CheckoutPresentationTest, APreloadedPageIsReusedAndToldAtOnceThatItIsPresented) {
   preload(checkout);
-  const auto preloaded = CheckoutWebView::forCheckout(checkout, false, std::nullopt);
+  const auto preloaded = obtain();
   loadPage(fakeOf(*preloaded));
   const auto sheet = show(delegate);
   EXPECT_EQ(page(sheet).checkoutView(), preloaded);
@@ -92,7 +92,7 @@ TEST_F(CheckoutPresentationTest, APreloadedPageIsReusedAndToldAtOnceThatItIsPres
   sheet->dismiss(false);
   CheckoutWebView::resetForTesting();
   preload(checkout);
-  fakeOf(*CheckoutWebView::forCheckout(checkout, false, std::nullopt)).startProvisionalNavigation();
+  fakeOf(*obtain()).startProvisionalNavigation();
   drain();
   const auto loading = show(delegate);
   EXPECT_TRUE(barShown(loading));
@@ -150,8 +150,7 @@ TEST_F(CheckoutPresentationTest, ClosingCancelsAndKeepsOnlyAPageTheHostPreloaded
     drain();
     EXPECT_EQ(delegate->calls, std::vector<std::string>{"cancel"});
     EXPECT_EQ(hasBridge(*shown), c.hostPreloaded);
-    EXPECT_EQ(CheckoutWebView::forCheckout(checkout, false, std::nullopt) == shown,
-              c.hostPreloaded);
+    EXPECT_EQ(obtain() == shown, c.hostPreloaded);
   }
 }
 

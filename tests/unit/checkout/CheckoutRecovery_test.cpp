@@ -106,13 +106,13 @@ TEST_F(CheckoutRecoveryTest, TheRecoveryViewIsTheLastChance) {
 TEST_F(CheckoutRecoveryTest, AnErrorFromThePageDropsAndDisconnectsTheCachedPage) {
   const auto sheet = show(delegate);
   const auto shown = page(sheet).checkoutView();
-  ASSERT_EQ(CheckoutWebView::forCheckout(checkout, false, std::nullopt), shown);
+  ASSERT_EQ(obtain(), shown);
   fakeOf(*shown).postMessage(
       "mobileCheckoutSdk",
       testing::envelope("error", R"([{"group":"expired","code":"cart_expired"}])"));
   EXPECT_EQ(delegate->calls, (std::vector<std::string>{"fail:3", "shouldRecover"}));
   EXPECT_FALSE(hasBridge(*shown));
-  EXPECT_NE(CheckoutWebView::forCheckout(checkout, false, std::nullopt), shown);
+  EXPECT_NE(obtain(), shown);
   EXPECT_TRUE(sheetGoneAfterTransition());
 }
 

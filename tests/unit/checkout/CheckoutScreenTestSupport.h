@@ -133,6 +133,11 @@ class CheckoutScreenTest : public CheckoutTest {
     return sheet;
   }
 
+  // The standard view the cache holds for the test's checkout, made and cached when it has none.
+  std::shared_ptr<CheckoutWebView> obtain(std::optional<MetaData::EntryPoint> entry = {}) {
+    return CheckoutWebView::forCheckout(checkout, false, entry);
+  }
+
   // The log lines written so far that contain `text`.
   std::size_t countLog(std::string_view text) const {
     std::size_t count = 0;
