@@ -73,7 +73,9 @@ TEST_F(SdkEntryTest, AppInfoFallbacks) {
     platform.device.bundleIdentifierValue = c.bundle;
     platform.device.hasInfoDictionaryValue = c.hasDictionary;
     platform.device.shortVersionValue = c.version;
-    EXPECT_EQ(ads::currentAppInfo(), (ads::AppInfo{c.expectedBundle, c.expectedVersion}));
+    const ads::AppInfo app = ads::currentAppInfo();
+    EXPECT_EQ(app.bundle, c.expectedBundle);
+    EXPECT_EQ(app.ver, c.expectedVersion);
   }
 }
 
