@@ -111,6 +111,10 @@ struct RetryCase {
   bool retried;
 };
 
+const RetryCase kRetries[] = {{-1009, false, true}, {-1003, false, true},  {-1001, false, true},
+                              {-1001, true, true},  {-1004, false, false}, {-1200, false, false},
+                              {-999, true, false},  {102, false, false}};
+
 class AdScreenRetryTest : public AdScreenTest, public ::testing::WithParamInterface<RetryCase> {};
 
 TEST_P(AdScreenRetryTest, OnlyThreeCodesAreRetriedOnceASecondLater) {
@@ -137,11 +141,7 @@ TEST_P(AdScreenRetryTest, OnlyThreeCodesAreRetriedOnceASecondLater) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Codes, AdScreenRetryTest,
-    ::testing::Values(RetryCase{-1009, false, true}, RetryCase{-1003, false, true},
-                      RetryCase{-1001, false, true}, RetryCase{-1001, true, true},
-                      RetryCase{-1004, false, false}, RetryCase{-1200, false, false},
-                      RetryCase{-999, true, false}, RetryCase{102, false, false}),
+    Codes, AdScreenRetryTest, ::testing::ValuesIn(kRetries),
     // Named from the fields: the struct's padding would otherwise make the names differ by run.
     [](const ::testing::TestParamInfo<RetryCase>& param) {
       const RetryCase& c = param.param;
@@ -227,30 +227,27 @@ TEST_P(AdScreenMessageTest, PageVocabularyIsAsymmetricAndExact) {
   EXPECT_EQ(countLog("vemba received message: " + c.channel), 1U);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Messages, AdScreenMessageTest,
-    ::testing::Values(
-        MessageCase{"close", "vemba", std::string("close"), "delegate:close"},
-        MessageCase{"click", "vemba", std::string("click"), "delegate:click"},
-        MessageCase{"closeOtherCase", "vemba", std::string("Close"), ""},
-        MessageCase{"closeAsAction", "vemba", json(R"({"action":"close"})"), ""},
-        MessageCase{"otherChannel", "vembaAds", std::string("close"), ""},
-        MessageCase{"openUrl", "vemba",
-                    json(R"({"action":"openURL","url":"https://shop.example.test/p?q=1"})"),
-                    "open:https://shop.example.test/p?q=1"},
-        MessageCase{"openUrlUnparseable", "vemba",
-                    json(R"({"action":"openURL","url":"http://[bad"})"), ""},
-        MessageCase{"openUrlNotString", "vemba", json(R"({"action":"openURL","url":7})"), ""},
-        MessageCase{"openUrlMissing", "vemba", json(R"({"action":"openURL"})"), ""},
-        MessageCase{"actionNotString", "vemba", json(R"({"action":1,"url":"https://a.test"})"), ""},
-        MessageCase{"emptyDictionary", "vemba", json("{}"), ""},
-        MessageCase{"array", "vemba", json(R"(["close"])"), ""},
-        MessageCase{"openCheckout", "vemba",
-                    json(R"({"action":"openCheckout","url":"https://shop.example.test/c/1"})"),
-                    "checkout"},
-        MessageCase{"openCheckoutUnparseable", "vemba",
-                    json(R"({"action":"openCheckout","url":"::"})"), ""}),
-    [](const auto& param) { return std::string(param.param.name); });
+const MessageCase kMessages[] = {
+    {"close", "vemba", std::string("close"), "delegate:close"},
+    {"click", "vemba", std::string("click"), "delegate:click"},
+    {"closeOtherCase", "vemba", std::string("Close"), ""},
+    {"closeAsAction", "vemba", json(R"({"action":"close"})"), ""},
+    {"otherChannel", "vembaAds", std::string("close"), ""},
+    {"openUrl", "vemba", json(R"({"action":"openURL","url":"https://shop.example.test/p?q=1"})"),
+     "open:https://shop.example.test/p?q=1"},
+    {"openUrlUnparseable", "vemba", json(R"({"action":"openURL","url":"http://[bad"})"), ""},
+    {"openUrlNotString", "vemba", json(R"({"action":"openURL","url":7})"), ""},
+    {"openUrlMissing", "vemba", json(R"({"action":"openURL"})"), ""},
+    {"actionNotString", "vemba", json(R"({"action":1,"url":"https://a.test"})"), ""},
+    {"emptyDictionary", "vemba", json("{}"), ""},
+    {"array", "vemba", json(R"(["close"])"), ""},
+    {"openCheckout", "vemba",
+     json(R"({"action":"openCheckout","url":"https://shop.example.test/c/1"})"), "checkout"},
+    {"openCheckoutUnparseable", "vemba", json(R"({"action":"openCheckout","url":"::"})"), ""},
+};
+
+INSTANTIATE_TEST_SUITE_P(Messages, AdScreenMessageTest, ::testing::ValuesIn(kMessages),
+                         [](const auto& param) { return std::string(param.param.name); });
 
 TEST_F(AdScreenTest, NeitherThePendingRetryNorTheHandlerKeepsTheControllerAlive) {
   auto controller = shownController();
@@ -295,14 +292,12 @@ TEST_F(TopScreenTest, WalksContainersAndPresentedChains) {
   present(navigation, overNavigation);
   EXPECT_EQ(ads::UIUtils::getTopViewController(), overNavigation);
 
-  auto first = screen();
-  auto second = screen();
+  auto first = screen(), second = screen();
   auto tabs = platform.ui.createTabScreen({first, second}, 1);
   keyWindow(tabs);
   EXPECT_EQ(ads::UIUtils::getTopViewController(), second);
 
-  auto chained = screen();
-  auto top = screen();
+  auto chained = screen(), top = screen();
   present(second, chained);
   present(chained, top);
   EXPECT_EQ(ads::UIUtils::getTopViewController(), top);
@@ -311,8 +306,7 @@ TEST_F(TopScreenTest, WalksContainersAndPresentedChains) {
 }
 
 TEST_F(TopScreenTest, KeyWindowComesFromTheFirstActiveWindowSceneElseTheWindowList) {
-  auto fromScene = screen();
-  auto fromList = screen();
+  auto fromScene = screen(), fromList = screen();
   using State = platform::Scene::ActivationState;
   auto keyIn = [](std::shared_ptr<platform::Screen> root) {
     return std::make_shared<fake::FakeWindow>(true, std::move(root));

@@ -38,6 +38,12 @@ class AdShowTest : public AdTest {
     drain();
     delegate->calls.clear();
   }
+  // Loads, shows, and lets the presentation finish.
+  void loadAndShow() {
+    load();
+    ad->show(host);
+    advance(fake::kTransitionDuration);
+  }
   std::size_t billingHits() const {
     std::size_t hits = 0;
     for (std::size_t i = 0; i < platform.http.taskCount(); ++i) {
@@ -47,18 +53,16 @@ class AdShowTest : public AdTest {
   }
   // The ad's screen as presented from the host, with its loaded web view.
   fake::FakeScreen& adScreen() { return dynamic_cast<fake::FakeScreen&>(*host->presentedScreen()); }
-  fake::FakeWebView& adWebView() {
-    auto& root = dynamic_cast<fake::FakeViewState&>(adScreen().view());
-    return dynamic_cast<fake::FakeWebView&>(*root.subviewList.at(0));
+  platform::View& subview(std::size_t i) {
+    return *dynamic_cast<fake::FakeViewState&>(adScreen().view()).subviewList.at(i);
   }
-  fake::FakeButton& closeButton() {
-    auto& root = dynamic_cast<fake::FakeViewState&>(adScreen().view());
-    return dynamic_cast<fake::FakeButton&>(*root.subviewList.at(1));
-  }
-  void pageSays(std::string body) {
-    dynamic_cast<fake::FakeUserContentController&>(adWebView().userContentController())
+  fake::FakeWebView& adWebView() { return dynamic_cast<fake::FakeWebView&>(subview(0)); }
+  fake::FakeButton& closeButton() { return dynamic_cast<fake::FakeButton&>(subview(1)); }
+  static void pageSays(fake::FakeWebView& page, std::string body) {
+    dynamic_cast<fake::FakeUserContentController&>(page.userContentController())
         .post("vemba", std::move(body));
   }
+  void pageSays(std::string body) { pageSays(adWebView(), std::move(body)); }
   std::vector<std::string> closeSequence() const {
     if constexpr (std::is_same_v<Ad, VembaRewardedAd>) {
       return {"adDidEarnReward(1,reward)", "adDidDismiss"};
@@ -113,19 +117,15 @@ TYPED_TEST(AdShowTest, PresentsFullScreenThenShowsThenBills) {
 }
 
 TYPED_TEST(AdShowTest, BillsWithoutADelegateToo) {
-  this->load();
   this->ad->setDelegate({});
-  this->ad->show(this->host);
-  this->advance(fake::kTransitionDuration);
+  this->loadAndShow();
   EXPECT_EQ(this->billingHits(), 1U);
 }
 
 TYPED_TEST(AdShowTest, CloseButtonAndPageCloseDismissThenReport) {
   for (const bool fromPage : {false, true}) {
     SCOPED_TRACE(fromPage ? "page" : "button");
-    this->load();
-    this->ad->show(this->host);
-    this->advance(fake::kTransitionDuration);
+    this->loadAndShow();
     this->delegate->calls.clear();
 
     if (fromPage) {
@@ -147,9 +147,7 @@ TYPED_TEST(AdShowTest, CloseButtonAndPageCloseDismissThenReport) {
 TYPED_TEST(AdShowTest, OnePresentationHasOneCloseHoweverManyArrive) {
   for (const bool alsoAfterwards : {false, true}) {
     SCOPED_TRACE(alsoAfterwards ? "a new show afterwards" : "first show");
-    this->load();
-    this->ad->show(this->host);
-    this->advance(fake::kTransitionDuration);
+    this->loadAndShow();
     const std::weak_ptr<platform::Screen> adScreen = this->host->presentedScreen();
     const std::shared_ptr<fake::FakeWebView> page = this->adWebView().shared_from_this();
     this->delegate->calls.clear();
@@ -161,8 +159,7 @@ TYPED_TEST(AdShowTest, OnePresentationHasOneCloseHoweverManyArrive) {
     this->closeButton().tap();
     this->advance(fake::kTransitionDuration);
     // The page outlives the screen for a moment: its last words reach nobody.
-    dynamic_cast<fake::FakeUserContentController&>(page->userContentController())
-        .post("vemba", std::string("close"));
+    this->pageSays(*page, "close");
     this->advance(fake::kTransitionDuration);
 
     EXPECT_EQ(this->delegate->names(), this->closeSequence());
@@ -171,9 +168,7 @@ TYPED_TEST(AdShowTest, OnePresentationHasOneCloseHoweverManyArrive) {
 }
 
 TYPED_TEST(AdShowTest, ClickIsReportedAndTheScreenStays) {
-  this->load();
-  this->ad->show(this->host);
-  this->advance(fake::kTransitionDuration);
+  this->loadAndShow();
   this->pageSays("click");
   EXPECT_EQ(this->delegate->names(), (std::vector<std::string>{"adDidShow", "adDidClick"}));
   EXPECT_NE(this->host->presentedScreen(), nullptr);

@@ -38,11 +38,8 @@ class AdWebViewPreparationTest : public AdTest {
   // One exchange answered: a usable bid, or a server error.
   void answer(const std::shared_ptr<Ad>& ad, bool usable) {
     ad->load();
-    if (usable) {
-      platform.http.respondLast(200, bidResponse(kPage));
-    } else {
-      platform.http.respondLast(500, std::nullopt);
-    }
+    platform.http.respondLast(usable ? 200 : 500,
+                              usable ? std::optional(bidResponse(kPage)) : std::nullopt);
     drain();
   }
   int hints() const { return platform.ui.prepareWebViewCalls; }
@@ -74,8 +71,7 @@ TYPED_TEST(AdWebViewPreparationTest, AskedOnceAReadyAdIsKnownAndBeforeItsHostHea
 
 TYPED_TEST(AdWebViewPreparationTest, TheAdScreensWebViewConsumesItAndAnotherReadyAdAsksAgain) {
   auto host = this->platform.ui.createScreen();
-  auto first = TypeParam::create("u");
-  auto second = TypeParam::create("v");
+  auto first = TypeParam::create("u"), second = TypeParam::create("v");
   this->answer(first, /*usable=*/true);
   this->answer(second, /*usable=*/true);
   ASSERT_EQ(this->hints(), 1);
@@ -98,8 +94,7 @@ TYPED_TEST(AdWebViewPreparationTest, TheAdScreensWebViewConsumesItAndAnotherRead
 }
 
 TYPED_TEST(AdWebViewPreparationTest, ReleasedWhenTheLastReadyAdStopsBeingReadyWithoutAShow) {
-  auto first = TypeParam::create("u");
-  auto second = TypeParam::create("v");
+  auto first = TypeParam::create("u"), second = TypeParam::create("v");
   this->answer(first, /*usable=*/true);
   this->answer(second, /*usable=*/true);
 

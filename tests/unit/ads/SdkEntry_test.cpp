@@ -12,14 +12,10 @@ using SdkEntryTest = AdTest;
 
 TEST_F(SdkEntryTest, InitializeStoresKeyPrewarmsAndCompletesSynchronouslyOnce) {
   EXPECT_FALSE(VembaSDK::shared().apiKey());
-  int calls = 0;
-  bool value = false;
-  VembaSDK::shared().initialize(VembaConfiguration("key-1", true), [&](bool ok) {
-    ++calls;
-    value = ok;
-  });
-  EXPECT_EQ(calls, 1);  // before initialize returned
-  EXPECT_TRUE(value);
+  std::vector<bool> results;
+  VembaSDK::shared().initialize(VembaConfiguration("key-1", true),
+                                [&](bool ok) { results.push_back(ok); });
+  EXPECT_EQ(results, std::vector<bool>{true});  // once, before initialize returned
   EXPECT_EQ(VembaSDK::shared().apiKey(), "key-1");
   EXPECT_EQ(UserAgentFetcher::shared().cachedUserAgent(), kIPhoneUserAgent);
   EXPECT_EQ(logs,
@@ -100,10 +96,9 @@ TEST_F(SdkEntryTest, ErrorCodesKeepTheirPlaces) {
                             VembaError::noBid()};
   for (int code = 0; code < 7; ++code) {
     const Error error = all[code].toError();
-    EXPECT_EQ(error.domain, "VembaError");
-    EXPECT_EQ(error.code, code);
-    EXPECT_EQ(error.description, "The operation couldn\u2019t be completed. (VembaError error " +
-                                     std::to_string(code) + ".)");
+    EXPECT_EQ(error, (Error{"VembaError", code,
+                            "The operation couldn\u2019t be completed. (VembaError error " +
+                                std::to_string(code) + ".)"}));
     if (code > 0) {
       EXPECT_EQ(VembaError::from(error), all[code]);
     }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -45,15 +46,14 @@ BridgeError decodeFailure(const platform::ScriptMessage& message) {
   return result ? BridgeError::unencodableInstrumentation(std::nullopt) : result.error();
 }
 
+WebEvent unsupported(std::string name) {
+  return WebEvent{WebEvent::Unsupported{std::move(name)}};
+}
+
 class CheckoutBridgeTest : public testing::CheckoutTest {};
 
-struct ErrorBodyCase {
-  std::string body;
-  WebEvent expected;
-};
-
 TEST_F(CheckoutBridgeTest, ErrorMessagesBecomeEventsByGroup) {
-  const std::vector<ErrorBodyCase> cases = {
+  const std::pair<std::string, WebEvent> cases[] = {
       {R"([{"group":"expired","code":"cart_expired","reason":"Gone"}])",
        WebEvent{WebEvent::CheckoutExpired{"Gone", CheckoutErrorCode::cartExpired}}},
       {R"([{"group":"expired"}])",
@@ -63,15 +63,15 @@ TEST_F(CheckoutBridgeTest, ErrorMessagesBecomeEventsByGroup) {
                                              CheckoutErrorCode::storefrontPasswordRequired}}},
       {R"([{"group":"unrecoverable","code":"no_such_code","reason":null,"extra":[1]}])",
        WebEvent{WebEvent::CheckoutUnavailable{std::nullopt, CheckoutErrorCode::unknown}}},
-      {R"([{"group":"authentication","reason":"x"}])", WebEvent{WebEvent::Unsupported{"error"}}},
-      {R"([{"group":"checkout"}])", WebEvent{WebEvent::Unsupported{"error"}}},
-      {R"([{"group":"unsupported"}])", WebEvent{WebEvent::Unsupported{"error"}}},
+      {R"([{"group":"authentication","reason":"x"}])", unsupported("error")},
+      {R"([{"group":"checkout"}])", unsupported("error")},
+      {R"([{"group":"unsupported"}])", unsupported("error")},
       // Only the first element counts.
       {R"([{"group":"expired","reason":"first"},{"group":"unrecoverable"}])",
        WebEvent{WebEvent::CheckoutExpired{"first", CheckoutErrorCode::unknown}}},
   };
-  for (const ErrorBodyCase& c : cases) {
-    EXPECT_EQ(decodeOk(envelope("error", c.body)), c.expected) << c.body;
+  for (const auto& [body, expected] : cases) {
+    EXPECT_EQ(decodeOk(envelope("error", body)), expected) << body;
   }
   EXPECT_THAT(platform.log.lines, IsEmpty());
 }
@@ -90,7 +90,7 @@ TEST_F(CheckoutBridgeTest, MalformedErrorBodiesAreLoggedAndIgnored) {
   };
   for (const std::string& text : texts) {
     platform.log.lines.clear();
-    EXPECT_EQ(decodeOk(text), WebEvent{WebEvent::Unsupported{"error"}}) << text;
+    EXPECT_EQ(decodeOk(text), unsupported("error")) << text;
     ASSERT_EQ(platform.log.lines.size(), 1U) << text;
     EXPECT_THAT(platform.log.lines[0].text,
                 StartsWith("[VembaCheckoutKit] (Error) - Error decoding \"error\" event - "));
@@ -105,21 +105,23 @@ TEST_F(CheckoutBridgeTest, MalformedErrorBodiesAreLoggedAndIgnored) {
 }
 
 TEST_F(CheckoutBridgeTest, BlockingEventAndUnsupportedNames) {
-  EXPECT_EQ(decodeOk(envelope("checkoutBlockingEvent", "true")),
-            WebEvent{WebEvent::CheckoutModalToggled{true}});
-  EXPECT_EQ(decodeOk(envelope("checkoutBlockingEvent", "false")),
-            WebEvent{WebEvent::CheckoutModalToggled{false}});
-  // Names are exact and case-sensitive; other names' bodies are never read.
-  EXPECT_EQ(decodeOk(envelope("Completed", 1)), WebEvent{WebEvent::Unsupported{"Completed"}});
-  EXPECT_EQ(decodeOk(envelope("ERROR", "[]")), WebEvent{WebEvent::Unsupported{"ERROR"}});
-  EXPECT_EQ(decodeOk(R"({"name":"presented","extra":{}})"),
-            WebEvent{WebEvent::Unsupported{"presented"}});
-  EXPECT_EQ(decodeOk(R"({"name":""})"), WebEvent{WebEvent::Unsupported{""}});
-  // Of repeated keys the last one counts.
-  EXPECT_EQ(decodeOk(R"({"name":"checkoutBlockingEvent","body":null,"body":"false"})"),
-            WebEvent{WebEvent::CheckoutModalToggled{false}});
-  EXPECT_EQ(decodeOk(R"({"name":"completed","body":"{}","name":"presented"})"),
-            WebEvent{WebEvent::Unsupported{"presented"}});
+  const WebEvent shown{WebEvent::CheckoutModalToggled{true}};
+  const WebEvent hidden{WebEvent::CheckoutModalToggled{false}};
+  const std::pair<std::string, WebEvent> cases[] = {
+      {envelope("checkoutBlockingEvent", "true"), shown},
+      {envelope("checkoutBlockingEvent", "false"), hidden},
+      // Names are exact and case-sensitive; other names' bodies are never read.
+      {envelope("Completed", 1), unsupported("Completed")},
+      {envelope("ERROR", "[]"), unsupported("ERROR")},
+      {R"({"name":"presented","extra":{}})", unsupported("presented")},
+      {R"({"name":""})", unsupported("")},
+      // Of repeated keys the last one counts.
+      {R"({"name":"checkoutBlockingEvent","body":null,"body":"false"})", hidden},
+      {R"({"name":"completed","body":"{}","name":"presented"})", unsupported("presented")},
+  };
+  for (const auto& [text, expected] : cases) {
+    EXPECT_EQ(decodeOk(text), expected) << text;
+  }
   EXPECT_THAT(platform.log.lines, IsEmpty());
 }
 
@@ -214,14 +216,16 @@ TEST_F(CheckoutBridgeTest, WebPixelsMessages) {
 using CheckoutBridgeDeathTest = CheckoutBridgeTest;
 
 TEST_F(CheckoutBridgeDeathTest, ContractViolationsEndTheProcess) {
-  EXPECT_DEATH((void)CheckoutBridge::decode(envelope("error", "[]")),
-               "vemba-checkout: contract violation: .*empty array");
-  EXPECT_DEATH((void)CheckoutBridge::decode(envelope("checkoutBlockingEvent", "TRUE")),
-               "vemba-checkout: contract violation: .*checkoutBlockingEvent");
-  EXPECT_DEATH((void)CheckoutBridge::decode(envelope("checkoutBlockingEvent", "")),
-               "vemba-checkout: contract violation: ");
-  EXPECT_DEATH((void)CheckoutBridge::decode(envelope("checkoutBlockingEvent", " true")),
-               "vemba-checkout: contract violation: ");
+  const std::array<std::string, 3> cases[] = {
+      {"error", "[]", ".*empty array"},
+      {"checkoutBlockingEvent", "TRUE", ".*checkoutBlockingEvent"},
+      {"checkoutBlockingEvent", "", ""},
+      {"checkoutBlockingEvent", " true", ""}};
+  for (const auto& [name, body, reason] : cases) {
+    EXPECT_DEATH((void)CheckoutBridge::decode(envelope(name, body)),
+                 "vemba-checkout: contract violation: " + reason)
+        << name << " " << body;
+  }
 }
 
 void returningHook(std::string_view /*reason*/) {}

@@ -16,11 +16,6 @@ using testing::url;
 
 class CheckoutPresentationTest : public testing::CheckoutScreenTest {
  protected:
-  std::shared_ptr<CheckoutViewController> show(std::weak_ptr<CheckoutDelegate> host) {
-    auto controller = present(checkout, hostScreen(), std::move(host));
-    drain();
-    return controller;
-  }
   static fake::FakeScreen& fakeScreen(const std::shared_ptr<platform::Screen>& screen) {
     return dynamic_cast<fake::FakeScreen&>(*screen);
   }
@@ -35,7 +30,6 @@ class CheckoutPresentationTest : public testing::CheckoutScreenTest {
     return static_cast<std::size_t>(std::count(messages.begin(), messages.end(), "'presented'"));
   }
 
-  const Url checkout = url("https://shop.example/checkouts/c1");
   std::shared_ptr<RecordingDelegate> delegate = std::make_shared<RecordingDelegate>();
 };
 
@@ -79,7 +73,7 @@ TEST_F(CheckoutPresentationTest, PresentShowsTheCheckoutPageInASheet) {
 
 TEST_F(CheckoutPresentationTest, APreloadedPageIsReusedAndToldAtOnceThatItIsPresented) {
   preload(checkout);
-  const auto preloaded = CheckoutWebView::forCheckout(checkout, false, std::nullopt);
+  const auto preloaded = obtain();
   loadPage(fakeOf(*preloaded));
   const auto sheet = show(delegate);
   EXPECT_EQ(page(sheet).checkoutView(), preloaded);
@@ -98,7 +92,7 @@ TEST_F(CheckoutPresentationTest, APreloadedPageIsReusedAndToldAtOnceThatItIsPres
   sheet->dismiss(false);
   CheckoutWebView::resetForTesting();
   preload(checkout);
-  fakeOf(*CheckoutWebView::forCheckout(checkout, false, std::nullopt)).startProvisionalNavigation();
+  fakeOf(*obtain()).startProvisionalNavigation();
   drain();
   const auto loading = show(delegate);
   EXPECT_TRUE(barShown(loading));
@@ -156,8 +150,7 @@ TEST_F(CheckoutPresentationTest, ClosingCancelsAndKeepsOnlyAPageTheHostPreloaded
     drain();
     EXPECT_EQ(delegate->calls, std::vector<std::string>{"cancel"});
     EXPECT_EQ(hasBridge(*shown), c.hostPreloaded);
-    EXPECT_EQ(CheckoutWebView::forCheckout(checkout, false, std::nullopt) == shown,
-              c.hostPreloaded);
+    EXPECT_EQ(obtain() == shown, c.hostPreloaded);
   }
 }
 
@@ -190,8 +183,7 @@ TEST_F(CheckoutPresentationTest, PageEventsReachTheHost) {
   EXPECT_EQ(layers[0]->name(), "checkout-confetti");
 }
 
-class MinimalDelegate : public CheckoutDelegate {
- public:
+struct MinimalDelegate : CheckoutDelegate {
   void checkoutDidCancel() override {}
 };
 

@@ -46,10 +46,9 @@ TEST_F(CheckoutRecoveryTest, OnlyAFirstFailureTheDelegateAgreesToRecoverFromIsRe
     CheckoutWebView::resetForTesting();
     delegate->calls.clear();
     delegate->recover = c.answer;
-    const auto sheet = present(url(c.checkout), hostScreen(),
-                               c.withDelegate ? std::weak_ptr<CheckoutDelegate>(delegate)
-                                              : std::weak_ptr<CheckoutDelegate>());
-    drain();
+    const auto sheet = show(c.withDelegate ? std::weak_ptr<CheckoutDelegate>(delegate)
+                                           : std::weak_ptr<CheckoutDelegate>(),
+                            url(c.checkout));
     CheckoutWebViewController& controller = page(sheet);
     const auto failed = controller.checkoutView();
     loadPage(fakeOf(*failed), c.status);
@@ -80,8 +79,7 @@ TEST_F(CheckoutRecoveryTest, OnlyAFirstFailureTheDelegateAgreesToRecoverFromIsRe
 
 TEST_F(CheckoutRecoveryTest, TheRecoveryViewIsTheLastChance) {
   delegate->recover = true;
-  const auto sheet = present(url("https://shop.example/checkouts/c1"), hostScreen(), delegate);
-  drain();
+  const auto sheet = show(delegate);
   CheckoutWebViewController& controller = page(sheet);
   const auto first = controller.checkoutView();
   loadPage(fakeOf(*first), 500);
@@ -106,17 +104,15 @@ TEST_F(CheckoutRecoveryTest, TheRecoveryViewIsTheLastChance) {
 }
 
 TEST_F(CheckoutRecoveryTest, AnErrorFromThePageDropsAndDisconnectsTheCachedPage) {
-  const Url checkout = url("https://shop.example/checkouts/c1");
-  const auto sheet = present(checkout, hostScreen(), delegate);
-  drain();
+  const auto sheet = show(delegate);
   const auto shown = page(sheet).checkoutView();
-  ASSERT_EQ(CheckoutWebView::forCheckout(checkout, false, std::nullopt), shown);
+  ASSERT_EQ(obtain(), shown);
   fakeOf(*shown).postMessage(
       "mobileCheckoutSdk",
       testing::envelope("error", R"([{"group":"expired","code":"cart_expired"}])"));
   EXPECT_EQ(delegate->calls, (std::vector<std::string>{"fail:3", "shouldRecover"}));
   EXPECT_FALSE(hasBridge(*shown));
-  EXPECT_NE(CheckoutWebView::forCheckout(checkout, false, std::nullopt), shown);
+  EXPECT_NE(obtain(), shown);
   EXPECT_TRUE(sheetGoneAfterTransition());
 }
 

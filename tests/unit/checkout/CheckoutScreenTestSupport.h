@@ -16,6 +16,7 @@
 #include "checkout/CheckoutWebView.h"
 #include "checkout/CheckoutWebViewController.h"
 #include "checkout/OSLogger.h"
+#include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutDelegate.h"
 
 namespace vemba::checkout::testing {
@@ -123,6 +124,20 @@ class CheckoutScreenTest : public CheckoutTest {
     return host_;
   }
 
+  // Presents a sheet for `target` (the test's checkout by default) from the host screen and
+  // runs what that queued.
+  std::shared_ptr<CheckoutViewController> show(std::weak_ptr<CheckoutDelegate> host,
+                                               const std::optional<Url>& target = std::nullopt) {
+    auto sheet = present(target.value_or(checkout), hostScreen(), std::move(host));
+    drain();
+    return sheet;
+  }
+
+  // The standard view the cache holds for the test's checkout, made and cached when it has none.
+  std::shared_ptr<CheckoutWebView> obtain(std::optional<MetaData::EntryPoint> entry = {}) {
+    return CheckoutWebView::forCheckout(checkout, false, entry);
+  }
+
   // The log lines written so far that contain `text`.
   std::size_t countLog(std::string_view text) const {
     std::size_t count = 0;
@@ -131,6 +146,8 @@ class CheckoutScreenTest : public CheckoutTest {
     }
     return count;
   }
+
+  const Url checkout = url("https://shop.example/checkouts/c1");
 
  private:
   std::shared_ptr<platform::Screen> host_;

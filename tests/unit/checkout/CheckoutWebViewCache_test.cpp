@@ -14,13 +14,7 @@ using std::chrono::milliseconds;
 using testing::url;
 constexpr auto kAccelerated = MetaData::EntryPoint::acceleratedCheckouts;
 
-class CheckoutWebViewCacheTest : public testing::CheckoutScreenTest {
- protected:
-  std::shared_ptr<CheckoutWebView> obtain(std::optional<MetaData::EntryPoint> entry = {}) {
-    return CheckoutWebView::forCheckout(checkout, false, entry);
-  }
-  const Url checkout = url("https://shop.example/checkouts/c1");
-};
+using CheckoutWebViewCacheTest = testing::CheckoutScreenTest;
 
 TEST_F(CheckoutWebViewCacheTest, AnEntryServesItsKeyForStrictlyLessThanFiveMinutes) {
   const auto first = obtain();

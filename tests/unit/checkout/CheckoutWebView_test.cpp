@@ -56,9 +56,6 @@ class CheckoutWebViewTest : public testing::CheckoutScreenTest {
     view->setViewDelegate(delegate);
     return view;
   }
-  bool stillCached(const std::shared_ptr<CheckoutWebView>& view) {
-    return CheckoutWebView::forCheckout(checkout, false, std::nullopt) == view;
-  }
   std::vector<InstrumentationPayload> instrumentation(const fake::FakeWebView& webView) {
     std::vector<InstrumentationPayload> out;
     for (const std::string& argument : dispatched(webView)) {
@@ -71,7 +68,6 @@ class CheckoutWebViewTest : public testing::CheckoutScreenTest {
     return out;
   }
 
-  const Url checkout = url("https://shop.example/checkouts/c1");
   std::shared_ptr<RecordingViewDelegate> delegate = std::make_shared<RecordingViewDelegate>();
 };
 
@@ -203,7 +199,7 @@ TEST_F(CheckoutWebViewTest, OnlyAnErrorStatusOfTheCheckoutDocumentFailsTheLoad) 
     EXPECT_EQ(delegate->calls.size(), failed ? 1U : 0U);
     // A failure drops the page from the cache and disconnects it.
     EXPECT_EQ(hasBridge(*view), !failed);
-    EXPECT_EQ(stillCached(view), !failed);
+    EXPECT_EQ(obtain() == view, !failed);
   }
   EXPECT_EQ(countLog("Handling response for URL: unknown URL, status code: 500"), 1U);
 
@@ -309,7 +305,7 @@ TEST_F(CheckoutWebViewTest, BridgeMessagesBecomeDelegateCalls) {
     ASSERT_TRUE(fakeOf(*view).postMessage("mobileCheckoutSdk", c.message));
     EXPECT_EQ(delegate->calls, c.calls);
     EXPECT_TRUE(hasBridge(*view));
-    EXPECT_EQ(stillCached(view), c.staysCached);
+    EXPECT_EQ(obtain() == view, c.staysCached);
   }
   EXPECT_EQ(countLog("(Info) - Checkout completed event received"), 1U);
 

@@ -29,8 +29,7 @@ class Recorder : public platform::ScreenDelegate, public platform::PresentationD
 // The fake's own timing: an animated transition ends after kTransitionDuration of virtual time,
 // anything else (and the dismissal of nothing) on a later turn of the queue, never in the call.
 TEST_F(FakeUiTest, TransitionsEndOnTheQueueAndThePresenterHoldsTheChildAndItsDelegate) {
-  auto host = screen();
-  auto child = screen();
+  auto host = screen(), child = screen();
   std::weak_ptr<FakeScreen> weakChild = child;
   auto recorder = std::make_shared<Recorder>();
   std::weak_ptr<Recorder> weakRecorder = recorder;

@@ -93,8 +93,7 @@ class ConfettiTest : public testing::CheckoutScreenTest {
 };
 
 TEST_F(ConfettiTest, OneCellPerParticleBornAboveTheViewForOneSecond) {
-  const platform::Image first = image();
-  const platform::Image second = image();
+  const platform::Image first = image(), second = image();
   enable({first, second});
   advance(milliseconds(5000));  // a media time that is not zero
   ConfettiCannon::fire(*view);

@@ -15,26 +15,24 @@ struct SuffixCase {
   ColorScheme scheme;
   std::optional<MetaData::Platform> platform;
   std::optional<MetaData::EntryPoint> entryPoint;
-  const char* expected;
+  const char* expected;  // after "VembaCheckoutKit/3.4.0 "
 };
 
 TEST(UserAgentTest, SuffixRules) {
+  using enum CheckoutType;
+  using enum ColorScheme;
   const SuffixCase cases[] = {
-      {CheckoutType::standard, ColorScheme::automatic, std::nullopt, std::nullopt,
-       "VembaCheckoutKit/3.4.0 (8.1;automatic;standard)"},
-      {CheckoutType::standard, ColorScheme::web, std::nullopt, std::nullopt,
-       "VembaCheckoutKit/3.4.0 (8.1;web_default;standard)"},
+      {standard, automatic, std::nullopt, std::nullopt, "(8.1;automatic;standard)"},
+      {standard, web, std::nullopt, std::nullopt, "(8.1;web_default;standard)"},
       // Recovery announces "noconnect" where the schema version stands otherwise.
-      {CheckoutType::recovery, ColorScheme::light, std::nullopt, std::nullopt,
-       "VembaCheckoutKit/3.4.0 (noconnect;light;standard_recovery)"},
-      {CheckoutType::standard, ColorScheme::light, MetaData::Platform::iOS, std::nullopt,
-       "VembaCheckoutKit/3.4.0 (8.1;light;standard) iOS"},
-      {CheckoutType::standard, ColorScheme::automatic, std::nullopt,
-       MetaData::EntryPoint::acceleratedCheckouts,
-       "VembaCheckoutKit/3.4.0 (8.1;automatic;standard) AcceleratedCheckouts"},
+      {recovery, light, std::nullopt, std::nullopt, "(noconnect;light;standard_recovery)"},
+      {standard, light, MetaData::Platform::iOS, std::nullopt, "(8.1;light;standard) iOS"},
+      {standard, automatic, std::nullopt, MetaData::EntryPoint::acceleratedCheckouts,
+       "(8.1;automatic;standard) AcceleratedCheckouts"},
   };
   for (const SuffixCase& c : cases) {
-    EXPECT_EQ(UserAgent::string(c.type, c.scheme, c.platform, c.entryPoint), c.expected);
+    EXPECT_EQ(UserAgent::string(c.type, c.scheme, c.platform, c.entryPoint),
+              std::string("VembaCheckoutKit/3.4.0 ") + c.expected);
   }
 }
 

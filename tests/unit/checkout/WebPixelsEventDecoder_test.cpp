@@ -31,12 +31,8 @@ Json body(std::string_view type) {
               {"context", Json::object()}};
 }
 
-Expected<std::optional<PixelEvent>, json::DecodingError> decodeMessage(const Json& message) {
-  return WebPixelsEventDecoder::decode(message);
-}
-
 Expected<std::optional<PixelEvent>, json::DecodingError> decodePayload(const Json& p) {
-  return decodeMessage(Json{{"name", "webPixels"}, {"body", p.dump()}});
+  return WebPixelsEventDecoder::decode(Json{{"name", "webPixels"}, {"body", p.dump()}});
 }
 
 // The decoded event, failing the test when there is none.
@@ -71,22 +67,15 @@ TEST(WebPixelsEventDecoderTest, OtherTypesYieldNoEventAndNoFailure) {
 }
 
 TEST(WebPixelsEventDecoderTest, FailuresAreReportedNotSwallowed) {
+  // A message whose event is body(type) with `key` set to `value` (removed when it is absent).
+  const auto with = [](std::string_view type, const char* key, std::optional<Json> value) {
+    Json event = body(type);
+    value ? void(event[key] = *value) : void(event.erase(key));
+    return Json{{"body", payload(event).dump()}};
+  };
   Json noContext = body("custom");
   noContext.erase("context");
   noContext["customData"] = Json::object();
-  Json nullContext = body("standard");
-  nullContext["context"] = nullptr;
-  Json customWithoutData = body("custom");
-  Json customDataString = body("custom");
-  customDataString["customData"] = "{}";
-  Json dataNotObject = body("standard");
-  dataNotObject["data"] = Json::array();
-  Json badPort = body("standard");
-  badPort["context"] = Json::parse(R"({"document":{"location":{"port":443}}})");
-  Json badCookie = body("standard");
-  badCookie["context"] = Json::parse(R"({"navigator":{"cookieEnabled":"true"}})");
-  Json noId = body("standard");
-  noId.erase("id");
   // "data" is depth 1, so 512 arrays under it pass the limit; the first one in reading order
   // (members in key order) names the path.
   const Json tooDeep =
@@ -106,19 +95,20 @@ TEST(WebPixelsEventDecoderTest, FailuresAreReportedNotSwallowed) {
       {"body not JSON", Json{{"name", "webPixels"}, {"body", "{"}}, ""},
       {"outer name missing", Json{{"name", "webPixels"}, {"body", R"({"event":{}})"}}, "name"},
       {"no context, custom", Json{{"body", payload(noContext).dump()}}, "event.context"},
-      {"null context", Json{{"body", payload(nullContext).dump()}}, "event.context"},
-      {"custom without customData", Json{{"body", payload(customWithoutData).dump()}},
-       "event.customData"},
-      {"customData a string", Json{{"body", payload(customDataString).dump()}}, "event.customData"},
-      {"data not an object", Json{{"body", payload(dataNotObject).dump()}}, "event.data"},
-      {"port a number", Json{{"body", payload(badPort).dump()}},
+      {"null context", with("standard", "context", nullptr), "event.context"},
+      {"custom without customData", with("custom", "customData", {}), "event.customData"},
+      {"customData a string", with("custom", "customData", "{}"), "event.customData"},
+      {"data not an object", with("standard", "data", Json::array()), "event.data"},
+      {"port a number",
+       with("standard", "context", Json::parse(R"({"document":{"location":{"port":443}}})")),
        "event.context.document.location.port"},
-      {"cookieEnabled a string", Json{{"body", payload(badCookie).dump()}},
+      {"cookieEnabled a string",
+       with("standard", "context", Json::parse(R"({"navigator":{"cookieEnabled":"true"}})")),
        "event.context.navigator.cookieEnabled"},
-      {"id missing", Json{{"body", payload(noId).dump()}}, "event.id"},
+      {"id missing", with("standard", "id", {}), "event.id"},
   };
   for (const Case& c : cases) {
-    auto decoded = decodeMessage(c.message);
+    auto decoded = WebPixelsEventDecoder::decode(c.message);
     ASSERT_FALSE(decoded) << c.name;
     EXPECT_EQ(decoded.error().path, c.path) << c.name << ": " << decoded.error().description();
   }

@@ -25,26 +25,25 @@ Expected<std::vector<Pair>, DecodingError> decodeList(std::string_view text) {
 }
 
 TEST(JsonDecodingTest, FailuresNameTheKindAndThePath) {
+  using Kind = DecodingError::Kind;
   struct Case {
     const char* text;
-    DecodingError::Kind kind;
+    Kind kind;
     const char* path;
   };
   const Case cases[] = {
-      {R"({"items":[{"count":1},{"name":"x"}]})", DecodingError::Kind::keyNotFound,
-       "items[1].count"},
-      {R"({"items":[{"count":null}]})", DecodingError::Kind::valueNotFound, "items[0].count"},
-      {R"({"items":[{"count":"1"}]})", DecodingError::Kind::typeMismatch, "items[0].count"},
-      {R"({"items":[{"count":2.5}]})", DecodingError::Kind::dataCorrupted, "items[0].count"},
-      {R"({"items":[{"count":1e300}]})", DecodingError::Kind::dataCorrupted, "items[0].count"},
-      {R"({"items":[{"count":18446744073709551615}]})", DecodingError::Kind::dataCorrupted,
-       "items[0].count"},
-      {R"({"items":[{"count":1,"name":7}]})", DecodingError::Kind::typeMismatch, "items[0].name"},
-      {R"({"items":{}})", DecodingError::Kind::typeMismatch, "items"},
-      {R"([])", DecodingError::Kind::typeMismatch, ""},
-      {"{\"items\":[{\"count\":1,\"name\":\"\xff\"}]}", DecodingError::Kind::dataCorrupted, ""},
-      {"", DecodingError::Kind::dataCorrupted, ""},
-      {"{\"items\":[]} trailing", DecodingError::Kind::dataCorrupted, ""},
+      {R"({"items":[{"count":1},{"name":"x"}]})", Kind::keyNotFound, "items[1].count"},
+      {R"({"items":[{"count":null}]})", Kind::valueNotFound, "items[0].count"},
+      {R"({"items":[{"count":"1"}]})", Kind::typeMismatch, "items[0].count"},
+      {R"({"items":[{"count":2.5}]})", Kind::dataCorrupted, "items[0].count"},
+      {R"({"items":[{"count":1e300}]})", Kind::dataCorrupted, "items[0].count"},
+      {R"({"items":[{"count":18446744073709551615}]})", Kind::dataCorrupted, "items[0].count"},
+      {R"({"items":[{"count":1,"name":7}]})", Kind::typeMismatch, "items[0].name"},
+      {R"({"items":{}})", Kind::typeMismatch, "items"},
+      {R"([])", Kind::typeMismatch, ""},
+      {"{\"items\":[{\"count\":1,\"name\":\"\xff\"}]}", Kind::dataCorrupted, ""},
+      {"", Kind::dataCorrupted, ""},
+      {"{\"items\":[]} trailing", Kind::dataCorrupted, ""},
   };
   for (const Case& c : cases) {
     const auto result = decodeList(c.text);

@@ -66,12 +66,8 @@ class PresentationStackTest : public ::testing::Test {
     EXPECT_TRUE(from.node.canPresent(child->node)) << child->name;
     PresentationNode& childNode = child->node;
     auto delegate = std::make_shared<Delegate>(child->name, &log);
-    std::function<void()> completion;
-    if (!label.empty()) {
-      completion = [this, label] { log.push_back(label); };
-    }
     return from.node.beginPresentation(std::move(child), childNode, std::move(delegate),
-                                       std::move(completion));
+                                       label.empty() ? nullptr : note(label));
   }
   std::function<void()> note(std::string text) {
     return [this, text] { log.push_back(text); };
@@ -82,12 +78,9 @@ class PresentationStackTest : public ::testing::Test {
 
 // host presents middle, which presents a container whose root is `root`; `lone` stands apart.
 TEST_F(PresentationStackTest, RefusesWhatThePlatformRefusesAndFindsWhatADismissTakes) {
-  auto host = screen("host");
-  auto middle = screen("middle");
-  auto root = screen("root");
-  auto container = screen("container");
+  auto host = screen("host"), middle = screen("middle"), root = screen("root");
+  auto container = screen("container"), lone = screen("lone");
   root->node.setContainer(container->node);
-  auto lone = screen("lone");
   present(*host, middle);
   present(*middle, container);
 
@@ -117,15 +110,11 @@ TEST_F(PresentationStackTest, RefusesWhatThePlatformRefusesAndFindsWhatADismissT
 }
 
 TEST_F(PresentationStackTest, DismissingFromTheMiddleTakesEverythingAboveTopFirst) {
-  auto a = screen("a");
-  auto b = screen("b");
-  auto c = screen("c");
-  auto d = screen("d");
+  auto a = screen("a"), b = screen("b"), c = screen("c"), d = screen("d");
   present(*a, b);
   present(*b, c);
   present(*c, d);
-  const std::weak_ptr<StackScreen> weakC = c;
-  const std::weak_ptr<StackScreen> weakD = d;
+  const std::weak_ptr<StackScreen> weakC = c, weakD = d;
   c.reset();
   d.reset();
 
@@ -203,8 +192,7 @@ TEST_F(PresentationStackTest, ASecondDismissalJoinsTheOneUnderWayAndAStaleEndDoe
 }
 
 TEST_F(PresentationStackTest, ALowerDismissalTakesOverOneHigherUpAndItsLateEndDoesNothing) {
-  auto a = screen("a");
-  auto b = screen("b");
+  auto a = screen("a"), b = screen("b");
   present(*a, b);
   const auto presentedC = present(*b, screen("c"), "presented c");
   const auto upper = b->node.beginDismissal(note("b's dismissal"));
@@ -230,14 +218,7 @@ TEST_F(PresentationStackTest, ALowerDismissalTakesOverOneHigherUpAndItsLateEndDo
 }
 
 TEST_F(PresentationStackTest, TheUsersDismissalReachesOnlyTheTopSheetAndIsToldAfterRelease) {
-  enum class Setup {
-    topSheet,
-    fullScreen,
-    notPresented,
-    coversAnother,
-    presenterDismissing,
-    lowerDismissing
-  };
+  enum class Setup { topSheet, fullScreen, notPresented, covered, byPresenter, byLower };
   struct Case {
     const char* what;
     Setup setup;
@@ -247,29 +228,27 @@ TEST_F(PresentationStackTest, TheUsersDismissalReachesOnlyTheTopSheetAndIsToldAf
       {"the top sheet", Setup::topSheet, true},
       {"presented full screen", Setup::fullScreen, false},
       {"not presented", Setup::notPresented, false},
-      {"covered by another screen", Setup::coversAnother, false},
-      {"its presenter is dismissing it", Setup::presenterDismissing, false},
-      {"a dismissal below takes it", Setup::lowerDismissing, false},
+      {"covered by another screen", Setup::covered, false},
+      {"its presenter is dismissing it", Setup::byPresenter, false},
+      {"a dismissal below takes it", Setup::byLower, false},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     log.clear();
-    auto host = screen("host");
-    auto middle = screen("middle");
-    auto sheet = screen("sheet");
+    auto host = screen("host"), middle = screen("middle"), sheet = screen("sheet");
     auto user = std::make_shared<Delegate>("user", &log);
     StackScreen* rawSheet = sheet.get();
     present(*host, middle);
     if (c.setup != Setup::notPresented) {
       present(*middle, std::move(sheet));
     }
-    if (c.setup == Setup::coversAnother) {
+    if (c.setup == Setup::covered) {
       present(*rawSheet, screen("cover"));
     }
-    if (c.setup == Setup::presenterDismissing) {
+    if (c.setup == Setup::byPresenter) {
       ASSERT_TRUE(middle->node.beginDismissal({}));
     }
-    if (c.setup == Setup::lowerDismissing) {
+    if (c.setup == Setup::byLower) {
       ASSERT_TRUE(host->node.beginDismissal({}));
     }
     const auto style = c.setup == Setup::fullScreen ? ModalPresentationStyle::fullScreen
@@ -286,8 +265,7 @@ TEST_F(PresentationStackTest, TheUsersDismissalReachesOnlyTheTopSheetAndIsToldAf
 }
 
 TEST_F(PresentationStackTest, APresenterThatGoesAwayLetsGoOfItsChild) {
-  auto child = screen("child");
-  auto grandchild = screen("grandchild");
+  auto child = screen("child"), grandchild = screen("grandchild");
   {
     auto host = screen("host");
     present(*host, child);
