@@ -1,10 +1,11 @@
 #include "checkout/CheckoutURL.h"
 
 #include <algorithm>
-#include <cctype>
 #include <regex>
 #include <string>
 #include <string_view>
+
+#include "common/AsciiCase.h"
 
 namespace vemba::checkout {
 namespace {
@@ -15,12 +16,6 @@ constexpr std::string_view kAboutScheme = "about";
 constexpr std::string_view kAboutBlank = "about:blank";
 constexpr std::string_view kHttp = "http";
 constexpr std::string_view kHttps = "https";
-
-std::string lowercased(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
 
 const std::regex& confirmationComponent() {
   static const std::regex pattern(kConfirmationComponentPattern,
@@ -42,12 +37,13 @@ bool CheckoutURL::isConfirmationPage() const {
 }
 
 bool CheckoutURL::isBlank() const {
-  return lowercased(url.scheme()) == kAboutScheme || url.absoluteString() == kAboutBlank;
+  return equalsIgnoringAsciiCase(url.scheme(), kAboutScheme) || url.absoluteString() == kAboutBlank;
 }
 
 bool CheckoutURL::isDeepLink() const {
-  const std::string scheme = lowercased(url.scheme());
-  return !scheme.empty() && !isBlank() && scheme != kHttp && scheme != kHttps;
+  const std::string& scheme = url.scheme();
+  return !scheme.empty() && !isBlank() && !equalsIgnoringAsciiCase(scheme, kHttp) &&
+         !equalsIgnoringAsciiCase(scheme, kHttps);
 }
 
 }  // namespace vemba::checkout

@@ -1,10 +1,10 @@
 #include "checkout/ExternalLink.h"
 
-#include <algorithm>
-#include <cctype>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "common/AsciiCase.h"
 
 namespace vemba::checkout {
 namespace {
@@ -12,13 +12,6 @@ namespace {
 constexpr std::string_view kOpenExternally = "open_externally";
 constexpr std::string_view kTrue = "true";
 constexpr std::string_view kOne = "1";
-
-bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return std::tolower(static_cast<unsigned char>(x)) ==
-                  std::tolower(static_cast<unsigned char>(y));
-         });
-}
 
 // The name of one raw "name=value" pair, percent-decoded the way Url decodes query items.
 std::string decodedName(std::string_view pair) {
@@ -36,7 +29,7 @@ std::string decodedName(std::string_view pair) {
 bool asksToOpenExternally(const Url& url) {
   for (const Url::QueryItem& item : url.queryItems()) {
     if (item.name == kOpenExternally) {
-      return item.value && (equalsIgnoringCase(*item.value, kTrue) || *item.value == kOne);
+      return item.value && (equalsIgnoringAsciiCase(*item.value, kTrue) || *item.value == kOne);
     }
   }
   return false;

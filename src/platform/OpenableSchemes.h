@@ -1,6 +1,6 @@
-// The URL schemes the library hands to another application: web pages, mail and telephone. Every
-// backend's Application::open() refuses any other scheme, whatever the page or the host asked.
-// Pure functions; any thread.
+// The URL schemes the library hands to another application: web pages, mail and telephone. A
+// backend's Application answers canOpenURL() with this rule and its open() refuses any other
+// scheme, whatever the page or the host asked. Pure functions; any thread.
 #pragma once
 
 #include <array>

@@ -10,6 +10,7 @@
 #include "TlsTrust.h"
 #include "WarmWebView.h"
 #include "WebErrorMap.h"
+#include "common/AsciiCase.h"
 #include "platform/UrlErrorCode.h"
 #include "vemba/linux/WebViews.h"
 
@@ -29,14 +30,8 @@ constexpr const char* kNoCache = "no-cache";
 constexpr std::string_view kPurposeHeader = "Sec-Purpose";
 constexpr std::string_view kPrefetch = "prefetch";
 
-bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return g_ascii_tolower(x) == g_ascii_tolower(y);
-         });
-}
-
 bool isPrefetchHeader(const std::pair<std::string, std::string>& header) {
-  return equalsIgnoringCase(header.first, kPurposeHeader) && header.second == kPrefetch;
+  return equalsIgnoringAsciiCase(header.first, kPurposeHeader) && header.second == kPrefetch;
 }
 
 // What a signal connection, a timer or a controller knows of its driver: a weak reference.
