@@ -53,6 +53,12 @@ TEST(WebErrorMapTest, MapsEachFailureClass) {
     EXPECT_EQ(error.domain, row.expectedDomain) << g_quark_to_string(row.domain) << " " << row.code;
     EXPECT_EQ(error.code, row.expectedCode) << g_quark_to_string(row.domain) << " " << row.code;
   }
+  // An error of no known domain ends a redirect loop only once the engine's limit is reached.
+  const GQuark none = 0;
+  EXPECT_EQ(navigationErrorFor(none, 0, kNoFlags, nullptr, kEngineRedirectLimit).code,
+            Code::httpTooManyRedirects);
+  EXPECT_EQ(navigationErrorFor(none, 0, kNoFlags, nullptr, kEngineRedirectLimit - 1).code,
+            Code::unknown);
 }
 
 TEST(WebErrorMapTest, CertificateProblemsInOrderOfGravity) {

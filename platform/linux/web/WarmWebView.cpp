@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "WebViewDriver.h"
+#include "WebViewFactory.h"
 #include "vemba/linux/WebViews.h"
 
 namespace vemba::linux_platform {
@@ -23,18 +25,16 @@ Warm& warm() {
 
 }  // namespace
 
-void prepareWarmWebView() {
+void prepareWebView() {
   Warm& kept = warm();
   const bool ephemeral = ephemeralWebViews();
   if (kept.view != nullptr) {
     if (kept.ephemeral == ephemeral) {
       return;
     }
-    dropWarmWebView();  // kept for the other kind of session: no view would take it any more
+    releasePreparedWebView();  // kept for the other kind of session: no view would take it
   }
-  WebKitNetworkSession* session =
-      ephemeral ? webkit_network_session_new_ephemeral()
-                : WEBKIT_NETWORK_SESSION(g_object_ref(webkit_network_session_get_default()));
+  WebKitNetworkSession* session = newNetworkSession(ephemeral);
   auto* view =
       WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session, nullptr));
   g_object_ref_sink(view);
@@ -47,12 +47,12 @@ void prepareWarmWebView() {
 WebKitWebView* takeWarmWebView(bool ephemeral) {
   Warm& kept = warm();
   if (kept.view != nullptr && kept.ephemeral != ephemeral) {
-    dropWarmWebView();  // of no use to this view, and it was the one asked for
+    releasePreparedWebView();  // of no use to this view, and it was the one asked for
   }
   return std::exchange(kept.view, nullptr);
 }
 
-void dropWarmWebView() {
+void releasePreparedWebView() {
   Warm& kept = warm();
   if (kept.view == nullptr) {
     return;

@@ -1,7 +1,8 @@
-// At most one hidden, unparented WebKitWebView kept so that its web process is already running
-// when the next ad view is made: that view is created related to it and shares the process, and
-// the warm view is dropped as soon as the new view's first load has committed or failed (or the
-// new view goes first), so the process then lives only as the new view's and ends with it.
+// At most one hidden, unparented WebKitWebView kept (by prepareWebView() of WebViewFactory.h) so
+// that its web process is already running when the next ad view is made: that view is created
+// related to it and shares the process, and the warm view is dropped as soon as the new view's
+// first load has committed or failed (or the new view goes first), so the process then lives only
+// as the new view's and ends with it.
 //
 // The warm view loads about:blank (no network request) in the network session the consuming view
 // would get anyway, has no script-message handler, and is never placed in a window; nothing a
@@ -12,12 +13,8 @@
 
 namespace vemba::linux_platform {
 
-// Makes the warm view and starts its web process, unless one is kept already.
-void prepareWarmWebView();
 // Hands over the kept warm view (one strong reference) if its session has the same persistence
 // as `ephemeral` asks for; null, keeping nothing, otherwise.
 WebKitWebView* takeWarmWebView(bool ephemeral);
-// Ends the kept warm view and its web process, if one is kept.
-void dropWarmWebView();
 
 }  // namespace vemba::linux_platform

@@ -111,7 +111,7 @@ int urlErrorCodeForTlsFlags(GTlsCertificateFlags flags) {
 }
 
 platform::NavigationError navigationErrorFor(GQuark domain, int code, GTlsCertificateFlags tlsFlags,
-                                             const char* failingUri) {
+                                             const char* failingUri, int redirects) {
   platform::NavigationError error;
   if (failingUri != nullptr && *failingUri != '\0') {
     error.failingUrl = std::string(failingUri);
@@ -134,7 +134,7 @@ platform::NavigationError navigationErrorFor(GQuark domain, int code, GTlsCertif
   } else if (domain == SOUP_SESSION_ERROR) {
     error.code = soupSessionCode(code);
   } else {
-    error.code = Code::unknown;
+    error.code = redirects >= kEngineRedirectLimit ? Code::httpTooManyRedirects : Code::unknown;
   }
   return error;
 }

@@ -19,9 +19,6 @@ namespace {
 
 // Reissues of one load() after a refused certificate that the bundle vouches for.
 constexpr int kMaxTrustReissues = 3;
-// WebKit follows this many redirects of one navigation, then fails it with an error of its own
-// that names no domain (measured with WebKitGTK 2.50).
-constexpr int kEngineRedirectLimit = 20;
 // The request headers that make WebKit's cache revalidate the page with the server instead of
 // using a stored copy (WebKitGTK has no per-request cache policy).
 constexpr const char* kCacheControlHeader = "Cache-Control";
@@ -152,6 +149,11 @@ GdkRGBA rgbaOf(platform::Color color) {
 
 }  // namespace
 
+WebKitNetworkSession* newNetworkSession(bool ephemeral) {
+  return ephemeral ? webkit_network_session_new_ephemeral()
+                   : WEBKIT_NETWORK_SESSION(g_object_ref(webkit_network_session_get_default()));
+}
+
 std::shared_ptr<WebViewDriver> WebViewDriver::create(
     const platform::WebViewConfiguration& configuration) {
   auto* controller =
@@ -183,9 +185,7 @@ std::shared_ptr<WebViewDriver> WebViewDriver::create(
                                         settings, nullptr));
     session = WEBKIT_NETWORK_SESSION(g_object_ref(webkit_web_view_get_network_session(view)));
   } else {
-    session = ephemeral
-                  ? webkit_network_session_new_ephemeral()
-                  : WEBKIT_NETWORK_SESSION(g_object_ref(webkit_network_session_get_default()));
+    session = newNetworkSession(ephemeral);
     view = WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session,
                                         "user-content-manager", controller->manager(), "settings",
                                         settings, nullptr));
@@ -487,16 +487,12 @@ gboolean WebViewDriver::loadFailed(WebKitLoadEvent event, const char* uri, GErro
   failed_ = true;
   releaseWarmView();
   platform::NavigationError mapped =
-      navigationErrorFor(error->domain, error->code, tlsErrors_, uri);
+      navigationErrorFor(error->domain, error->code, tlsErrors_, uri, redirects_);
   const bool cancelled = mapped.domain == platform::kUrlErrorDomain &&
                          mapped.code == platform::UrlErrorCode::cancelled;
   if (timedOut_ && cancelled) {
     timedOut_ = false;
     mapped.code = platform::UrlErrorCode::timedOut;
-  }
-  if (mapped.domain == platform::kUrlErrorDomain &&
-      mapped.code == platform::UrlErrorCode::unknown && redirects_ >= kEngineRedirectLimit) {
-    mapped.code = platform::UrlErrorCode::httpTooManyRedirects;  // the engine gave up on a loop
   }
   if (const std::shared_ptr<platform::NavigationDelegate> delegate = delegate_.lock()) {
     if (event == WEBKIT_LOAD_COMMITTED || committed_) {

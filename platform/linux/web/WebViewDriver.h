@@ -24,6 +24,10 @@
 
 namespace vemba::linux_platform {
 
+// A new reference to the network session a web view of this persistence gets: a memory-only
+// session of its own when `ephemeral`, else WebKit's default persistent one.
+WebKitNetworkSession* newNetworkSession(bool ephemeral);
+
 class GtkUserContentController;
 
 class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
@@ -114,13 +118,13 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
   bool failed_ = false;  // its failure was reported; its FINISHED stays silent
   GTlsCertificateFlags tlsErrors_ = static_cast<GTlsCertificateFlags>(0);
 
-  // A request reissued after its certificate was trusted: the refused attempt's FINISHED, and
-  // the action decision and start of the reissue, are kept from the core.
   // Reissues of the current load after a refused certificate that verified against the bundle.
   // More than one, because the session's new trust reaches WebKit's network process on its own
   // path, and a reissue that overtakes it would be refused again; the cap keeps a server whose
   // certificate keeps changing from looping.
   int trustReissues_ = 0;
+  // A request reissued after its certificate was trusted: the refused attempt's FINISHED, and
+  // the action decision and start of the reissue, are kept from the core.
   bool swallowFinish_ = false;
   bool swallowAction_ = false;
   bool swallowStart_ = false;

@@ -2,7 +2,6 @@
 
 #include "GtkUserContentController.h"
 #include "GtkWebView.h"
-#include "WarmWebView.h"
 
 namespace vemba::linux_platform {
 
@@ -13,14 +12,6 @@ std::shared_ptr<platform::UserContentController> createUserContentController() {
 std::shared_ptr<platform::WebView> createWebView(platform::Rect frame,
                                                  const platform::WebViewConfiguration& c) {
   return GtkWebView::create(frame, c);
-}
-
-void prepareWebView() {
-  prepareWarmWebView();
-}
-
-void releasePreparedWebView() {
-  dropWarmWebView();
 }
 
 }  // namespace vemba::linux_platform

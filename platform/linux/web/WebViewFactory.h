@@ -12,7 +12,8 @@ namespace vemba::linux_platform {
 std::shared_ptr<platform::UserContentController> createUserContentController();
 std::shared_ptr<platform::WebView> createWebView(
     platform::Rect frame, const platform::WebViewConfiguration& configuration);
-// Keeps one web process running for the next web view made with usesPreparedWebView.
+// Keeps one web process running for the next web view made with usesPreparedWebView (see
+// WarmWebView.h).
 void prepareWebView();
 // Ends what prepareWebView() started, if no web view has taken it.
 void releasePreparedWebView();
