@@ -10,7 +10,6 @@ packages=(
   libgtk-4-dev libwebkitgtk-6.0-dev xvfb xauth libgl1-mesa-dri fonts-dejavu-core
   python3-gi gir1.2-gtk-4.0 gir1.2-webkit-6.0 xdotool
   python3 openssl ca-certificates
-  libgtk-4-dev libwebkitgtk-6.0-dev xvfb xauth libgl1-mesa-dri fonts-dejavu-core
 )
 
 missing=()
