@@ -80,24 +80,6 @@ TEST_F(CurlHttpClientTest, PostReachesTheServerAsSentAndAnswersOnTheWorker) {
   EXPECT_EQ(LocalExchange::header(entry, "X-Empty-Key"), "");
 }
 
-TEST_F(CurlHttpClientTest, LargeBodiesGoOutWithoutWaitingForContinue) {
-  CurlHttpClient client(trusting());
-  // Above libcurl's "Expect: 100-continue" size.
-  const HttpRequest request =
-      requestTo(exchange().origin() + "/upload/large", "PUT", std::string(1536 * 1024, 'x'));
-
-  const Outcome outcome = fetch(client, request);
-  ASSERT_NE(response(outcome), nullptr);
-  EXPECT_EQ(response(outcome)->statusCode, 404);
-  const std::vector<json> recorded = exchange().log("other");
-  ASSERT_FALSE(recorded.empty());
-  const json& entry = recorded.back();
-  EXPECT_EQ(entry.at("method"), "PUT");
-  EXPECT_EQ(entry.at("path"), "/upload/large");
-  EXPECT_EQ(entry.at("body").get<std::string>().size(), request.body->size());
-  EXPECT_EQ(LocalExchange::header(entry, "Expect"), std::nullopt);
-}
-
 // Redirects, time-outs of zero or less, bodiless requests and unsendable header fields, against
 // a plain loopback server that records every request it receives.
 TEST(CurlHttpClientPlainHttpTest, RedirectsTimeoutsBodilessRequestsAndUnsendableHeaders) {
@@ -254,20 +236,6 @@ TEST_F(CurlHttpClientTest, TrustsTheBundleNamedBySslCertFileAndOnlyThat) {
       EXPECT_EQ(response(outcome) ? response(outcome)->statusCode : 0, 200);
     }
   }
-}
-
-TEST_F(CurlHttpClientTest, SequentialRequestsReuseOneConnection) {
-  CurlHttpClient client(trusting());
-  for (int i = 0; i < 10; ++i) {
-    const Outcome outcome =
-        fetch(client, bidRequest(exchange().origin(), "reuse-" + std::to_string(i), "unit-reuse"));
-    ASSERT_NE(response(outcome), nullptr);
-  }
-  std::set<int> peerPorts;
-  for (int i = 0; i < 10; ++i) {
-    peerPorts.insert(recordedBid("reuse-" + std::to_string(i)).at("peerPort").get<int>());
-  }
-  EXPECT_EQ(peerPorts.size(), 1u);
 }
 
 TEST_F(CurlHttpClientTest, ConcurrentTasksEachCompleteExactlyOnceOnTheWorker) {

@@ -17,17 +17,6 @@ TEST_F(ConfigurationTest, TitleIsTheHostsLocalisedStringReadOnceOnFirstUse) {
   EXPECT_EQ(configuration().title, "Kasse");
 }
 
-TEST_F(ConfigurationTest, ReadsAreCopiesAndWritesGoThroughTheStore) {
-  Configuration copy = configuration();
-  copy.title = "Changed";
-  EXPECT_EQ(configuration().title, "Checkout");
-  detail::replaceConfiguration(copy);
-  EXPECT_EQ(configuration().title, "Changed");
-  detail::modifyConfiguration([](Configuration& c) { c.logLevel = LogLevel::all; });
-  EXPECT_EQ(configuration().title, "Changed");
-  EXPECT_EQ(configuration().logLevel, LogLevel::all);
-}
-
 int gPreloadWrites = 0;
 
 TEST_F(ConfigurationTest, EveryWriteOfPreloadingEnabledRunsTheHookEvenWithTheSameValue) {

@@ -179,30 +179,6 @@ TEST(WebPixelsEventDecoderTest, StandardDataIsTypedFromItsFreeFormReading) {
   EXPECT_FALSE(json::decodeText(standard["data"].dump(), decodeStandardEventData));
 }
 
-TEST(ContextTest, KeysAndTypes) {
-  const auto decode = [](std::string_view text) { return json::decodeText(text, decodeContext); };
-  const auto context = decode(R"({"document":{"location":{"protocol":"https:","port":""}},
-      "window":{"innerWidth":390,"screen":{"height":844.5}},
-      "navigator":{"languages":["en-CA","fr"],"cookieEnabled":true}})");
-  ASSERT_TRUE(context);
-  EXPECT_EQ(context->document->location->locationProtocol, "https:");
-  EXPECT_EQ(context->document->location->port, "");
-  EXPECT_EQ(context->window->innerWidth, 390.0);
-  EXPECT_EQ(context->window->screen->height, 844.5);
-  EXPECT_EQ(context->navigator->languages, (std::vector<std::string>{"en-CA", "fr"}));
-
-  const auto renamed = decode(R"({"document":{"location":{"locationProtocol":"https:"}}})");
-  ASSERT_TRUE(renamed);
-  EXPECT_FALSE(renamed->document->location->locationProtocol.has_value());
-
-  const auto empty = decode("{}");
-  ASSERT_TRUE(empty);
-  EXPECT_EQ(*empty, Context{});
-
-  EXPECT_FALSE(decode(R"({"navigator":{"languages":["en",1]}})"));
-  EXPECT_FALSE(decode(R"({"window":{"scrollY":"0"}})"));
-}
-
 // A payload using every record of the pixel model once.
 constexpr std::string_view kFullStandardData = R"({"checkout":{
   "attributes":[{"key":"gift","value":"yes"}],
