@@ -58,8 +58,6 @@ class PresentationNode {
   // The node of the screen that presents this one; null when none.
   PresentationNode* presentingNode() const { return presenting_; }
   Screen* presenting() const { return presenting_ != nullptr ? presenting_->owner_ : nullptr; }
-  // A dismissal of what this screen presents is under way.
-  bool isDismissing() const { return dismissing_; }
 
   // Makes `container` (a navigation container's node) the container of this root screen.
   void setContainer(PresentationNode& container);

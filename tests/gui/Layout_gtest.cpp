@@ -144,18 +144,5 @@ TEST_F(LayoutTest, ProgressBarAnimatesTowardsTheModelValue) {
       << "the theme must not thicken the line";
 }
 
-TEST_F(LayoutTest, ButtonActionRunsOnClickAndCanBeReplaced) {
-  auto button = ui->createButton();
-  int first = 0;
-  int second = 0;
-  button->setAction([&] { ++first; });
-  GtkWidget* widget = linux_platform::gtkWidgetOf(*button);
-  g_signal_emit_by_name(widget, "clicked");
-  button->setAction([&] { ++second; });
-  g_signal_emit_by_name(widget, "clicked");
-  EXPECT_EQ(first, 1);
-  EXPECT_EQ(second, 1);
-}
-
 }  // namespace
 }  // namespace vemba::gui_test

@@ -19,8 +19,8 @@ struct Row {
   int expectedCode;
 };
 
-// Refused connections, time-outs, an unknown root and a cancelled response reach the web view
-// tests through real WebKit; these are the classes they cannot provoke over loopback.
+// Refused connections and time-outs reach the ad tests through real WebKit, an unknown root and a
+// cancelled response the web view tests; these are the classes they cannot provoke over loopback.
 TEST(WebErrorMapTest, MapsEachFailureClass) {
   const std::string_view url = platform::kUrlErrorDomain;
   const std::string_view webKit = platform::kWebKitErrorDomain;

@@ -16,11 +16,8 @@ TEST(LinuxDeviceTest, SystemVersionIsTheNumericPrefixOfTheKernelRelease) {
   const std::pair<const char*, const char*> rows[] = {
       {"6.1.0-18-amd64", "6.1.0"},
       {"5.15.153.1-microsoft-standard-WSL2", "5.15.153.1"},
-      {"6.8.0", "6.8.0"},
-      {"6.9", "6.9"},
       {"6", "6"},
       {"6.2.0.-rc1", "6.2.0"},
-      {"4.19.0+", "4.19.0"},
       {"6.1.0rc7", "6.1.0"},
       {"custom-kernel", "custom-kernel"},
       {"", ""},

@@ -181,14 +181,12 @@ TEST_F(PresentationStackTest, ASecondDismissalJoinsTheOneUnderWayAndAStaleEndDoe
   ASSERT_TRUE(first.has_value());
   EXPECT_FALSE(host->node.beginDismissal(note("second")).has_value());
   EXPECT_FALSE(host->node.beginDismissal({}).has_value());
-  EXPECT_TRUE(host->node.isDismissing());
 
   host->node.endDismissal(first->id + 1);
   EXPECT_TRUE(log.empty()) << "an end for another dismissal";
   host->node.endDismissal(first->id);
   host->node.endDismissal(first->id);
   EXPECT_EQ(log, (Log{"released top", "released top's delegate", "first", "second"}));
-  EXPECT_FALSE(host->node.isDismissing());
 }
 
 TEST_F(PresentationStackTest, ALowerDismissalTakesOverOneHigherUpAndItsLateEndDoesNothing) {
