@@ -13,7 +13,6 @@
 #include "ExchangeTest.h"
 #include "HttpTestSupport.h"
 #include "LocalExchange.h"
-#include "LoopbackHttpServer.h"
 #include "LoopbackPorts.h"
 #include "platform/UrlErrorCode.h"
 
@@ -80,92 +79,84 @@ TEST_F(CurlHttpClientTest, PostReachesTheServerAsSentAndAnswersOnTheWorker) {
   EXPECT_EQ(LocalExchange::header(entry, "X-Empty-Key"), "");
 }
 
-// Redirects, time-outs of zero or less, bodiless requests and unsendable header fields, against
-// a plain loopback server that records every request it receives.
-TEST(CurlHttpClientPlainHttpTest, RedirectsTimeoutsBodilessRequestsAndUnsendableHeaders) {
-  LoopbackHttpServer server([](const LoopbackHttpServer::Request& request) {
-    LoopbackHttpServer::Response out;
-    if (request.path.rfind("/to-final/", 0) == 0) {
-      out.status = std::stoi(request.path.substr(10));
-      out.headers.emplace_back("Location", "/final");
-    } else if (request.path == "/loop") {
-      out.status = 302;
-      out.headers.emplace_back("Location", "/loop");
-    } else if (request.path == "/slow") {
-      out.delay = std::chrono::milliseconds(300);
-      out.body = "slow";
-    } else {
-      out.body = request.method + " " + request.header("Content-Length").value_or("-") + " " +
-                 request.body;
-    }
-    return out;
-  });
-  // Each case: the request, the final answer's body, and what the server received in order.
-  struct Case {
-    std::string method;
-    std::string path;
-    std::optional<std::string> body;
-    std::string answer;
-    std::string seen;  // "METHOD path [body]" per request, joined by ", "
-  };
-  const Case cases[] = {
-      {"GET", "/to-final/302", std::nullopt, "GET - ", "GET /to-final/302 [], GET /final []"},
-      // A POST answered 301, 302 or 303 continues as a GET; 307 keeps the method and body.
-      {"POST", "/to-final/302", "x", "GET - ", "POST /to-final/302 [x], GET /final []"},
-      {"POST", "/to-final/303", "x", "GET - ", "POST /to-final/303 [x], GET /final []"},
-      {"POST", "/to-final/301", "x", "GET - ", "POST /to-final/301 [x], GET /final []"},
-      {"POST", "/to-final/307", "x", "POST 1 x", "POST /to-final/307 [x], POST /final [x]"},
-      // HEAD sends and receives no body; a bodiless POST sends an empty one.
-      {"HEAD", "/echo", std::nullopt, "", "HEAD /echo []"},
-      {"POST", "/echo", std::nullopt, "POST 0 ", "POST /echo []"},
-  };
-  CurlHttpClient client(CurlHttpClient::Options{});
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.method + " " + c.path);
-    const std::size_t before = server.received().size();
-    const Outcome outcome = fetch(client, requestTo(server.origin() + c.path, c.method, c.body));
-    ASSERT_NE(response(outcome), nullptr);
-    EXPECT_EQ(response(outcome)->statusCode, 200);
-    EXPECT_EQ(response(outcome)->body, c.answer);
-    const std::vector<LoopbackHttpServer::Request> all = server.received();
+// Redirects, time-outs of zero or less, bodiless requests and unsendable header fields, seen by
+// the exchange: every request it is sent is in its log, in order.
+TEST_F(CurlHttpClientTest, RedirectsTimeoutsBodilessRequestsAndUnsendableHeaders) {
+  CurlHttpClient client(trusting());
+  // "METHOD path [body]" of each request sent since `before`, joined by ", ".
+  const auto sentSince = [](std::size_t before) {
+    const std::vector<json> all = exchange().log("other");
     std::string seen;
     for (std::size_t i = before; i < all.size(); ++i) {
-      seen +=
-          (seen.empty() ? "" : ", ") + all[i].method + " " + all[i].path + " [" + all[i].body + "]";
+      seen += (seen.empty() ? "" : ", ") + all[i].at("method").get<std::string>() + " " +
+              all[i].at("path").get<std::string>() + " [" + all[i].value("body", "") + "]";
     }
-    EXPECT_EQ(seen, c.seen);
+    return seen;
+  };
+  struct Case {
+    std::string method;
+    std::string status;  // of the redirect; empty: no redirect
+    std::optional<std::string> body;
+    std::string seen;
+  };
+  const Case cases[] = {
+      {"GET", "302", std::nullopt, "GET /_redirect/302 [], GET /final []"},
+      // A POST answered 301, 302 or 303 continues as a GET; 307 keeps the method and body.
+      {"POST", "302", "x", "POST /_redirect/302 [x], GET /final []"},
+      {"POST", "303", "x", "POST /_redirect/303 [x], GET /final []"},
+      {"POST", "301", "x", "POST /_redirect/301 [x], GET /final []"},
+      {"POST", "307", "x", "POST /_redirect/307 [x], POST /final [x]"},
+      // HEAD sends and receives no body; a bodiless POST sends an empty one.
+      {"HEAD", "", std::nullopt, "HEAD /final []"},
+      {"POST", "", std::nullopt, "POST /final []"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.method + " " + c.status);
+    const std::size_t before = exchange().log("other").size();
+    const std::string path = c.status.empty()
+                                 ? "/final"
+                                 : "/_redirect/" + c.status + "?status=" + c.status + "&to=/final";
+    const Outcome outcome = fetch(client, requestTo(exchange().origin() + path, c.method, c.body));
+    ASSERT_NE(response(outcome), nullptr);
+    EXPECT_EQ(response(outcome)->statusCode, 404);  // the final answer, not a redirect
+    EXPECT_EQ(sentSince(before), c.seen);
+    if (c.method == "HEAD") {
+      EXPECT_EQ(response(outcome)->body.value_or(""), "");
+    } else if (c.method == "POST" && !c.body) {
+      EXPECT_EQ(LocalExchange::header(exchange().log("other").back(), "Content-Length"), "0");
+    }
   }
 
   // A time-out of zero or less means none.
   for (const int milliseconds : {0, -1}) {
-    HttpRequest request = requestTo(server.origin() + "/slow");
+    HttpRequest request = get("/checkout/slow?seconds=0.3");
     request.timeout = std::chrono::milliseconds(milliseconds);
     const Outcome outcome = fetch(client, request);
     ASSERT_NE(response(outcome), nullptr) << milliseconds;
-    EXPECT_EQ(response(outcome)->body, "slow") << milliseconds;
+    EXPECT_EQ(response(outcome)->statusCode, 200) << milliseconds;
   }
 
   // The hop cap ends a redirect loop: the first request and kMaxRedirects followed hops, no more.
-  const std::size_t before = server.received().size();
-  const HttpRequest loop = requestTo(server.origin() + "/loop");
+  const std::size_t before = exchange().log("other").size();
+  const HttpRequest loop = get("/_redirect/loop");
   const Outcome looped = fetch(client, loop);
   ASSERT_NE(transportError(looped), nullptr);
   EXPECT_EQ(transportError(looped)->code, Code::httpTooManyRedirects);
   EXPECT_EQ(transportError(looped)->url, loop.url);
-  EXPECT_EQ(server.received().size() - before,
+  EXPECT_EQ(exchange().log("other").size() - before,
             static_cast<std::size_t>(CurlHttpClient::kMaxRedirects + 1));
 
   // A field that cannot be sent as given is left out; the others still go.
-  HttpRequest request = requestTo(server.origin() + "/headers");
+  HttpRequest request = get("/headers");
   request.headers = {
       {"X-Before", "1"}, {"X-Split", "a\r\nX-Injected: 1"}, {"Bad Name", "v"}, {"X-After", "2"}};
   ASSERT_NE(response(fetch(client, request)), nullptr);
-  const LoopbackHttpServer::Request arrived = server.received().back();
-  EXPECT_EQ(arrived.header("X-Before"), "1");
-  EXPECT_EQ(arrived.header("X-After"), "2");
-  EXPECT_FALSE(arrived.header("X-Split"));
-  EXPECT_FALSE(arrived.header("X-Injected"));
-  EXPECT_FALSE(arrived.header("Bad Name"));
+  const json arrived = exchange().log("other").back();
+  EXPECT_EQ(LocalExchange::header(arrived, "X-Before"), "1");
+  EXPECT_EQ(LocalExchange::header(arrived, "X-After"), "2");
+  EXPECT_FALSE(LocalExchange::header(arrived, "X-Split"));
+  EXPECT_FALSE(LocalExchange::header(arrived, "X-Injected"));
+  EXPECT_FALSE(LocalExchange::header(arrived, "Bad Name"));
 }
 
 // Each request's answer on the worker, never waiting for the exchange's slow answer (5 s) or a

@@ -364,6 +364,8 @@ class ExchangeHandler(BaseHTTPRequestHandler):
                 self.send_json(200, self.server.state.behaviours_snapshot())
             elif path == "/_health" and self.command == "GET":
                 self.send(200, b"ok\n", "text/plain; charset=utf-8")
+            elif path.startswith("/_redirect/"):
+                self.handle_redirect(body)
             elif self.command in ("GET", "HEAD"):
                 if not self.server.site.handle(self, body, path, urlsplit(self.path).query):
                     self.handle_static(body, path)
@@ -379,6 +381,17 @@ class ExchangeHandler(BaseHTTPRequestHandler):
                                             query.get("pathPrefix"))
         text = "".join(json.dumps(e, ensure_ascii=False) + "\n" for e in lines)
         self.send(200, text.encode("utf-8"), "application/x-ndjson")
+
+    def handle_redirect(self, body):
+        """Any method: answers ?status= (a 3xx, 302 when absent) with a Location of ?to=, or of
+        this same URL when absent (an endless loop). Recorded as "other"."""
+        query = dict(parse_qsl(urlsplit(self.path).query))
+        self.record("other", body)
+        status = query.get("status", "302")
+        if not (status.isdigit() and 300 <= int(status) <= 399):
+            self.send_json(400, {"error": "status is a 3xx code"})
+            return
+        self.send(int(status), extra_headers=[("Location", query.get("to", self.path))])
 
     def handle_control(self, body):
         self.record("control", body)

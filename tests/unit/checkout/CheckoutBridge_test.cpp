@@ -64,8 +64,6 @@ TEST_F(CheckoutBridgeTest, ErrorMessagesBecomeEventsByGroup) {
       {R"([{"group":"unrecoverable","code":"no_such_code","reason":null,"extra":[1]}])",
        WebEvent{WebEvent::CheckoutUnavailable{std::nullopt, CheckoutErrorCode::unknown}}},
       {R"([{"group":"authentication","reason":"x"}])", unsupported("error")},
-      {R"([{"group":"checkout"}])", unsupported("error")},
-      {R"([{"group":"unsupported"}])", unsupported("error")},
       // Only the first element counts.
       {R"([{"group":"expired","reason":"first"},{"group":"unrecoverable"}])",
        WebEvent{WebEvent::CheckoutExpired{"first", CheckoutErrorCode::unknown}}},
@@ -81,11 +79,9 @@ TEST_F(CheckoutBridgeTest, MalformedErrorBodiesAreLoggedAndIgnored) {
       envelope("error", R"([{"group":"Expired"}])"),
       envelope("error", "not json"),
       envelope("error", R"({"group":"expired"})"),
-      envelope("error", R"([{"reason":"no group"}])"),
       envelope("error", R"([{"group":"expired","code":5}])"),
       // A later element that fails fails the whole array.
       envelope("error", R"([{"group":"expired"},{"group":7}])"),
-      envelope("error", 42),
       R"({"name":"error"})",
   };
   for (const std::string& text : texts) {
@@ -114,7 +110,6 @@ TEST_F(CheckoutBridgeTest, BlockingEventAndUnsupportedNames) {
       {envelope("Completed", 1), unsupported("Completed")},
       {envelope("ERROR", "[]"), unsupported("ERROR")},
       {R"({"name":"presented","extra":{}})", unsupported("presented")},
-      {R"({"name":""})", unsupported("")},
       // Of repeated keys the last one counts.
       {R"({"name":"checkoutBlockingEvent","body":null,"body":"false"})", hidden},
       {R"({"name":"completed","body":"{}","name":"presented"})", unsupported("presented")},
@@ -139,14 +134,11 @@ TEST_F(CheckoutBridgeTest, DecodingFailures) {
   };
   const Case cases[] = {
       {"not json", "Data corrupted at the top level: The given data was not valid JSON."},
-      {"", "Data corrupted at the top level: The given data was not valid JSON."},
       {"{\"name\":\"completed\",\"x\":\"\xFF\"}",
        "Data corrupted at the top level: The given data was not valid JSON."},
       {"null", "Value not found at the top level: Expected object value but found null instead."},
       {R"(["name","error"])",
        "Type mismatch at the top level: Expected to decode object but found array instead."},
-      {R"("name")",
-       "Type mismatch at the top level: Expected to decode object but found string instead."},
       {"7", "Type mismatch at the top level: Expected to decode object but found number instead."},
       {R"({"body":"true"})", "Key not found at \"name\": No value associated with key \"name\"."},
       {R"({"name":null})", "Value not found at \"name\": Expected a value but found null."},
@@ -156,13 +148,9 @@ TEST_F(CheckoutBridgeTest, DecodingFailures) {
        "Key not found at \"body\": No value associated with key \"body\"."},
       {R"({"name":"checkoutBlockingEvent","body":true})",
        "Type mismatch at \"body\": Expected to decode String but found bool instead."},
-      {R"({"name":"checkoutBlockingEvent","body":[]})",
-       "Type mismatch at \"body\": Expected to decode String but found array instead."},
       // Of repeated keys the last one counts.
       {R"({"name":"checkoutBlockingEvent","body":"true","body":null})",
        "Value not found at \"body\": Expected a value but found null."},
-      {R"({"name":"webPixels"})",
-       "Key not found at \"body\": No value associated with key \"body\"."},
       {R"({"name":"webPixels","body":{"name":"x"}})",
        "Type mismatch at \"body\": Expected to decode String but found object instead."},
       // The pixel payload inside the body is read as a document of its own.
