@@ -90,14 +90,6 @@ TEST_F(CheckoutSheetTest, PreloadIsMarkedAndThePresentationReusesThePage) {
   EXPECT_EQ(LocalExchange::header(requests[1], "Sec-Purpose"), std::nullopt);
 }
 
-TEST_F(CheckoutSheetTest, AnEntryPointIsAnnouncedInTheUserAgent) {
-  const InspectorRun run = inspect({"--url", url("/checkout/entry"), "--entry-point",
-                                    "AcceleratedCheckouts", "--close-after", "1"});
-  const auto requests = pageRequests("/checkout/entry");
-  ASSERT_EQ(requests.size(), 1U);
-  EXPECT_THAT(agent(requests[0]), EndsWith(std::string(kStandardAgent) + " AcceleratedCheckouts"));
-}
-
 TEST_F(CheckoutSheetTest, A500RecoversAndCompletesThroughTheThankYouPage) {
   const InspectorRun run =
       inspect({"--url", url("/checkout/fail-once/recover-1?auto=pay&autoDelay=150")});
@@ -135,13 +127,6 @@ TEST_F(CheckoutSheetTest, LinksAreReportedAndStayOutOfTheSheet) {
   EXPECT_TRUE(run.where("opened", url("/checkout/terms")).empty());  // the host decides
   EXPECT_TRUE(pageRequests("/checkout/terms").empty());
   EXPECT_EQ(run.where("callback", "checkoutDidCancel").size(), 1U);
-}
-
-TEST_F(CheckoutSheetTest, TheDefaultDelegateOpensLinksThroughTheOpener) {
-  const InspectorRun run = inspect({"--url", url("/checkout/defaults?auto=terms&autoDelay=300"),
-                                    "--default-delegate", "--close-after", "2"});
-  EXPECT_EQ(run.trace(),
-            (Strings{"screen:presented", "opened", "checkoutDidCancel", "screen:dismissed"}));
 }
 
 TEST_F(CheckoutSheetTest, EscapeIsTheUsersDismissalAndCancels) {
