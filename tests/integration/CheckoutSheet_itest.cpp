@@ -34,9 +34,13 @@ class CheckoutSheetTest : public ExchangeTest<> {
   static InspectorRun inspect(Strings args,
                               const std::function<void(const nlohmann::json&)>& onLine = {}) {
     args.insert(args.begin(), "checkout");
-    args.insert(args.end(), {"--timeout", "40", "--linger", "0.2"});
+    // The kit's own debug lines go to the run's standard error: shown when a run fails.
+    args.insert(args.end(), {"--timeout", "40", "--linger", "0.2", "--log-level", "debug"});
     InspectorRun run = runInspector(VEMBA_INSPECT_BINARY, args, 60s, onLine);
-    EXPECT_EQ(run.exitCode, 0) << run.errors.substr(0, 2000);
+    EXPECT_EQ(run.exitCode, 0) << run.errors.substr(run.errors.size() -
+                                                    std::min<std::size_t>(run.errors.size(), 6000))
+                               << "\nheard: " << ::testing::PrintToString(run.trace())
+                               << "\nseen by the page: " << ::testing::PrintToString(seenByPage());
     return run;
   }
   static std::string agent(const nlohmann::json& entry) {

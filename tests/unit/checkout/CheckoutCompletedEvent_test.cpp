@@ -109,6 +109,7 @@ TEST_F(CompletedEventDecoderTest, OneBadFieldAnywhereDiscardsTheWholeSummary) {
       {"/orderDetails/email", false, false},
       {"/orderDetails/billingAddress", nullptr, true},
       {"/orderDetails/cart/token", remove, false},
+      {"/orderDetails/cart/lines", remove, false},
       {"/orderDetails/cart/lines", Json::array(), true},
       {"/orderDetails/cart/lines/0/title", remove, false},
       {"/orderDetails/cart/lines/0/quantity", 2.5, false},
