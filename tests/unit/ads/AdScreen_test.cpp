@@ -112,8 +112,8 @@ struct RetryCase {
 };
 
 const RetryCase kRetries[] = {{-1009, false, true}, {-1003, false, true},  {-1001, false, true},
-                              {-1001, true, true},  {-1004, false, false}, {-1200, false, false},
-                              {-999, true, false},  {102, false, false}};
+                              {-1001, true, true},  {-1004, false, false}, {-999, true, false},
+                              {102, false, false}};
 
 class AdScreenRetryTest : public AdScreenTest, public ::testing::WithParamInterface<RetryCase> {};
 

@@ -62,8 +62,6 @@ TEST(BidRecordsTest, ResponseDecoding) {
       {"seat without bid", R"({"id":"r","seatbid":[{}]})", false, "seatbid[0].bid"},
       {"bid without price", R"({"id":"r","seatbid":[{"bid":[{"impid":"1"}]}]})", false,
        "seatbid[0].bid[0].price"},
-      {"bid without impid", R"({"id":"r","seatbid":[{"bid":[{"price":1}]}]})", false,
-       "seatbid[0].bid[0].impid"},
       {"adm as number", R"({"id":"r","seatbid":[{"bid":[{"impid":"1","price":1,"adm":3}]}]})",
        false, "seatbid[0].bid[0].adm"},
       {"top-level array", R"([])", false, ""},

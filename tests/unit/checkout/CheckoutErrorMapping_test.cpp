@@ -93,7 +93,6 @@ TEST_F(CheckoutErrorMappingTest, HttpStatusOfTheCheckoutDocument) {
   const CheckoutError expired = CheckoutError::checkoutExpired(
       "Checkout has expired.", CheckoutErrorCode::cartExpired, false);
   const std::vector<HttpCase> cases = {
-      {200, false, std::nullopt, nullptr},
       {399, false, std::nullopt, nullptr},
       {400, false, unavailable("Bad Request", 400, false), "400 error received"},
       {401, false, unavailable("Unauthorized", 401, false), "Unauthorized access (401)"},

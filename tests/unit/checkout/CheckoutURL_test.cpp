@@ -32,7 +32,6 @@ TEST(CheckoutURLTest, Kinds) {
       {"http://shop.example/", false, false, false, false},
       {"HTTPS://shop.example/", false, false, false, false},
       {"mailto:help@shop.example", false, true, false, false},
-      {"tel:+15550100", false, true, false, false},
       {"bankapp://pay?x=1", false, true, false, false},
       {"about:blank", false, false, true, false},
       {"about:srcdoc", false, false, true, false},
