@@ -169,8 +169,8 @@ int main(int argc, char** argv) {
   vemba::UserAgentFetcher::shared().fetch([&](const std::string& ua) { userAgent = ua; });
   vemba::ads::BidExchange requestBuilder({vemba::ads::AdFormat::Kind::interstitial, ""},
                                          "bench-unit");
-  const std::string body =
-      *vemba::ads::encodeBidRequestText(requestBuilder.createBidRequest(userAgent));
+  const std::string body = *vemba::ads::encodeBidRequestText(
+      requestBuilder.createBidRequest(userAgent, requestBuilder.bidFloor()));
   BarePost bare(vemba::ads::BidEndpoints::defaults().bidEndpoint, body, exchange.caFile());
 
   for (int i = 0; i < kWarmup; ++i) {

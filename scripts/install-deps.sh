@@ -9,7 +9,7 @@ packages=(
   clang-14 libclang-rt-14-dev clang-format-14
   libgtk-4-dev libwebkitgtk-6.0-dev xvfb xauth libgl1-mesa-dri fonts-dejavu-core
   python3-gi gir1.2-gtk-4.0 gir1.2-webkit-6.0 xdotool
-  python3 openssl ca-certificates
+  python3 openssl ca-certificates locales
 )
 
 missing=()

@@ -132,13 +132,27 @@ bool FakeScreen::pressRightBarButtonItem() {
 
 bool FakeScreen::userDismiss() {
   const auto dismissal = stack_.beginUserDismissal(modalPresentationStyle, presentationDelegate_);
-  if (!dismissal) {
-    return false;
+  if (dismissal) {
+    endAtOnce(*dismissal);
   }
+  return dismissal.has_value();
+}
+
+bool FakeScreen::pressEscape() {
+  const auto own = delegate_.lock();
+  const auto root = kind_ == Kind::navigation ? children_.front()->delegate_.lock() : nullptr;
+  const auto escape =
+      stack_.escape(modalPresentationStyle, presentationDelegate_, {own.get(), root.get()});
+  if (escape.dismissal) {
+    endAtOnce(*escape.dismissal);
+  }
+  return escape.handled;
+}
+
+void FakeScreen::endAtOnce(const platform::PresentationNode::Dismissal& dismissal) {
   // The gesture's own animation is over when a test plays it: the screen goes at once.
-  const auto presenter = static_cast<FakeScreen&>(dismissal->presenter->owner()).shared_from_this();
-  presenter->stack_.endDismissal(dismissal->id);
-  return true;
+  const auto presenter = static_cast<FakeScreen&>(dismissal.presenter->owner()).shared_from_this();
+  presenter->stack_.endDismissal(dismissal.id);
 }
 
 }  // namespace vemba::fake

@@ -70,6 +70,9 @@ class FakeScreen final : public platform::Screen, public std::enable_shared_from
   // presented, is presented full screen, presents another screen, or a dismissal that would take
   // it is under way.
   bool userDismiss();
+  // The user's escape gesture on this screen (an Escape its page left unhandled): the screen's
+  // delegates may act on it, else a sheet goes as by userDismiss(). False when it meant nothing.
+  bool pressEscape();
   // Tab containers: selects another tab.
   void selectTab(std::size_t index) { selected_ = index; }
 
@@ -80,6 +83,7 @@ class FakeScreen final : public platform::Screen, public std::enable_shared_from
   int viewWillAppearCount = 0;
 
  private:
+  static void endAtOnce(const platform::PresentationNode::Dismissal& dismissal);
   void appear();
   void later(bool animated, std::function<void()> work);
 

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "FakeScreen.h"
@@ -48,6 +49,7 @@ class FakeUi final : public platform::Ui {
   void activate(const std::vector<platform::LayoutConstraint>& constraints) override;
   void animate(std::chrono::duration<double> duration, std::function<void()> animations,
                std::function<void(bool finished)> completion) override;
+  std::string userInterfaceSystemVersion() const override { return systemVersion; }
   std::chrono::duration<double> navigationBarHideShowDuration() const override {
     return kNavigationBarHideShowDuration;
   }
@@ -59,6 +61,8 @@ class FakeUi final : public platform::Ui {
                                               std::size_t selected);
 
   FakeMainQueue& queue() { return *queue_; }
+
+  std::string systemVersion = "17.4.1";
 
   // What was made, oldest first.
   std::vector<std::weak_ptr<FakeScreen>> screens;

@@ -57,6 +57,14 @@ std::shared_ptr<CheckoutViewController> present(const Url& checkout,
                                                 std::shared_ptr<platform::Screen> from,
                                                 std::optional<MetaData::EntryPoint> entryPoint,
                                                 std::weak_ptr<CheckoutDelegate> delegate) {
+  return detail::presentCheckout(checkout, std::move(from), [&](platform::Ui& ui) {
+    return CheckoutViewControllerImpl::create(ui, checkout, std::move(delegate), entryPoint);
+  });
+}
+
+std::shared_ptr<CheckoutViewController> detail::presentCheckout(
+    const Url& checkout, std::shared_ptr<platform::Screen> from,
+    const std::function<std::shared_ptr<CheckoutViewController>(platform::Ui&)>& make) {
   platform::Ui* ui = platform::ui();
   if (ui == nullptr) {
     OSLogger::shared().error(std::string(kNoDisplay) + checkout.absoluteString());
@@ -66,12 +74,10 @@ std::shared_ptr<CheckoutViewController> present(const Url& checkout,
     OSLogger::shared().error(std::string(kNoPresenter) + checkout.absoluteString());
     return nullptr;
   }
-  std::shared_ptr<CheckoutViewControllerImpl> controller =
-      CheckoutViewControllerImpl::create(*ui, checkout, std::move(delegate), entryPoint);
-  if (!controller) {
-    return nullptr;
+  std::shared_ptr<CheckoutViewController> controller = make(*ui);
+  if (controller) {
+    from->presentScreen(controller->screen(), /*animated=*/true, {});
   }
-  from->presentScreen(controller->screen(), /*animated=*/true, {});
   return controller;
 }
 

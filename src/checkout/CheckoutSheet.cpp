@@ -51,19 +51,20 @@ CheckoutSheet CheckoutSheet::onLinkClick(std::function<void(const Url&)> callbac
 }
 
 std::shared_ptr<CheckoutViewController> CheckoutSheet::viewController() const {
-  if (!shared_->viewController) {
+  const auto* made = dynamic_cast<const CheckoutViewControllerImpl*>(shared_->viewController.get());
+  if (made == nullptr || made->hasLeftTheScreen()) {
     platform::Ui* ui = platform::ui();
     if (ui == nullptr) {
       return nullptr;
     }
-    std::shared_ptr<CheckoutViewControllerImpl> made =
+    std::shared_ptr<CheckoutViewControllerImpl> fresh =
         CheckoutViewControllerImpl::create(*ui, checkoutURL_, shared_->delegate);
-    if (!made) {
+    if (!fresh) {
       return nullptr;
     }
     // The controller holds its delegate weakly; the wrapper lives as long as the controller.
-    made->retain(shared_->delegate);
-    shared_->viewController = made;
+    fresh->keepDelegateAlive(shared_->delegate);
+    shared_->viewController = fresh;
   }
 
   // Point the first checkout page controller at the wrapper again.
@@ -83,6 +84,12 @@ std::shared_ptr<CheckoutViewController> CheckoutSheet::viewController() const {
     OSLogger::shared().error(kNoMatchingController);
   }
   return shared_->viewController;
+}
+
+std::shared_ptr<CheckoutViewController> CheckoutSheet::present(
+    std::shared_ptr<platform::Screen> from) const {
+  return detail::presentCheckout(checkoutURL_, std::move(from),
+                                 [this](platform::Ui& /*ui*/) { return viewController(); });
 }
 
 }  // namespace vemba::checkout

@@ -7,6 +7,7 @@
 // through std::shared_ptr. Main thread only.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -40,15 +41,31 @@ class CheckoutViewControllerImpl final
 
   // The controllers of the container's screens, root first.
   std::vector<std::shared_ptr<platform::ScreenDelegate>> childControllers() const;
-  // Keeps `object` alive as long as this controller (the sheet's delegate wrapper).
-  void retain(std::shared_ptr<void> object) { retained_.push_back(std::move(object)); }
+  // Keeps `delegate` (a sheet's delegate wrapper) alive as long as this controller.
+  void keepDelegateAlive(std::shared_ptr<CheckoutDelegate> delegate) {
+    keptDelegate_ = std::move(delegate);
+  }
+  // It has been presented and is no longer: a presentation of its own is over.
+  bool hasLeftTheScreen() const { return appeared_ && screen_->presentingScreen() == nullptr; }
+
+  // platform::ScreenDelegate
+  void viewWillAppear() override { appeared_ = true; }
 
  private:
   CheckoutViewControllerImpl() = default;
 
   std::shared_ptr<CheckoutWebViewController> root_;
   std::shared_ptr<platform::Screen> screen_;
-  std::vector<std::shared_ptr<void>> retained_;
+  std::shared_ptr<CheckoutDelegate> keptDelegate_;
+  bool appeared_ = false;
 };
+
+namespace detail {
+// What present() and CheckoutSheet::present() share: null, with an error line, without a display
+// or without `from`; otherwise the controller `make` returns, presented (animated) from `from`.
+std::shared_ptr<CheckoutViewController> presentCheckout(
+    const Url& checkout, std::shared_ptr<platform::Screen> from,
+    const std::function<std::shared_ptr<CheckoutViewController>(platform::Ui&)>& make);
+}  // namespace detail
 
 }  // namespace vemba::checkout

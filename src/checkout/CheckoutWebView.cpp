@@ -1,6 +1,7 @@
 #include "checkout/CheckoutWebView.h"
 
-#include <cstdio>
+#include <array>
+#include <charconv>
 #include <string_view>
 #include <utility>
 
@@ -12,6 +13,7 @@
 #include "checkout/InstrumentationPayload.h"
 #include "checkout/MessageHandler.h"
 #include "checkout/OSLogger.h"
+#include "common/HostCall.h"
 #include "platform/Clock.h"
 #include "platform/Services.h"
 #include "platform/Ui.h"
@@ -38,8 +40,9 @@ constexpr std::string_view kEmittingInstrumentation =
     "Emitting instrumentation event with payload: ";
 constexpr std::string_view kEmittingPresented = "Emitting presented event to checkout";
 constexpr std::string_view kCompletedReceived = "Checkout completed event received";
+constexpr std::string_view kLoggerThrew = "The configuration's logger threw ";
 
-constexpr std::string_view kPrefetchHeader = "Sec-Purpose";
+constexpr std::string_view kPrefetchHeader = "Checkout-Purpose";
 constexpr std::string_view kPrefetchValue = "prefetch";
 constexpr std::string_view kOrderIdItem = "order_id";
 
@@ -48,6 +51,8 @@ constexpr std::string_view kFinishedLoading = "checkout_finished_loading";
 constexpr std::string_view kPreloadingTag = "preloading";
 
 constexpr std::int64_t kFirstErrorStatus = 400;
+// The first system version whose web views have an under-page colour.
+constexpr int kUnderPageColorSystemVersion = 15;
 
 std::string_view boolText(bool value) {
   return value ? "true" : "false";
@@ -115,7 +120,9 @@ void CheckoutWebView::build(platform::Ui& ui) {
   webView_->setContentInsetAdjustmentNever();
   webView_->setOpaque(false);
   webView_->setBackgroundColor(config.backgroundColor);
-  webView_->setUnderPageBackgroundColor(config.backgroundColor);
+  if (platform::majorVersion(ui.userInterfaceSystemVersion()) >= kUnderPageColorSystemVersion) {
+    webView_->setUnderPageBackgroundColor(config.backgroundColor);
+  }
 
   if (isRecovery_) {
     navigationObserver_ =
@@ -270,9 +277,16 @@ void CheckoutWebView::didFinishNavigation(platform::WebView& /*webView*/) {
     const std::chrono::system_clock::duration delta =
         platform::services().clock->wallNow() - *timer_;
     const double elapsed = std::chrono::duration<double>(delta).count();
-    char seconds[64];
-    std::snprintf(seconds, sizeof seconds, "%.2f", elapsed);
-    configuration().logger->log(joined({kLoadedIn, seconds, "s"}));
+    // Two decimals with a point whatever the process's locale ("%.2f" follows LC_NUMERIC).
+    std::array<char, 64> seconds{};
+    const auto written = std::to_chars(seconds.data(), seconds.data() + seconds.size(), elapsed,
+                                       std::chars_format::fixed, 2);
+    const std::string line =
+        joined({kLoadedIn, std::string_view(seconds.data(), written.ptr), "s"});
+    if (const std::optional<std::string> thrown =
+            callHost([&] { configuration().logger->log(line); })) {
+      OSLogger::shared().error(std::string(kLoggerThrew) + *thrown);
+    }
     if (isBridgeAttached_) {
       InstrumentationPayload payload;
       payload.name = std::string(kFinishedLoading);

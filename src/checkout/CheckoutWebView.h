@@ -74,7 +74,7 @@ class CheckoutWebView final : public platform::NavigationDelegate,
   CheckoutWebView& operator=(const CheckoutWebView&) = delete;
 
   // Loads the checkout page; a preload of a non-recovery view with preloading enabled is marked
-  // with "Sec-Purpose: prefetch".
+  // with "Checkout-Purpose: prefetch".
   void load(const Url& checkout, bool isPreload = false);
 
   platform::WebView& webView() const { return *webView_; }

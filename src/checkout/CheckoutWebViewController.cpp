@@ -1,12 +1,12 @@
 #include "checkout/CheckoutWebViewController.h"
 
-#include <charconv>
 #include <string>
 
 #include "checkout/CheckoutURL.h"
 #include "checkout/CheckoutWebView.h"
+#include "checkout/OSLogger.h"
 #include "checkout/ProgressBarView.h"
-#include "platform/DeviceInfo.h"
+#include "common/HostCall.h"
 #include "platform/Services.h"
 #include "platform/Ui.h"
 #include "vemba/checkout/Configuration.h"
@@ -16,19 +16,28 @@ namespace {
 
 using Edge = platform::LayoutAnchor::Attribute;
 
-// The major number of the platform's system version ("17.4.1" is 17); 0 when unknown.
-int systemMajorVersion() {
-  const platform::DeviceInfo* device = platform::services().device;
-  if (device == nullptr) {
-    return 0;
-  }
-  const std::string version = device->systemVersion();
-  int major = 0;
-  std::from_chars(version.data(), version.data() + version.size(), major);
-  return major;
-}
+constexpr std::string_view kDelegateThrew = " threw ";
+constexpr std::string_view kSheetDismissed = "; the sheet is dismissed";
+constexpr std::string_view kThrewItsError = "the CheckoutError it was given";
 
 }  // namespace
+
+template <typename Call>
+bool CheckoutWebViewController::tellDelegate(std::string_view callback, Call&& call) {
+  std::string thrown;
+  try {
+    std::forward<Call>(call)();
+    return true;
+  } catch (const CheckoutError&) {
+    thrown = kThrewItsError;  // the default checkoutDidFail
+  } catch (...) {
+    thrown = describeCurrentException();
+  }
+  OSLogger::shared().error(std::string(callback) + std::string(kDelegateThrew) + thrown +
+                           std::string(kSheetDismissed));
+  dismissSheet();
+  return false;
+}
 
 CheckoutWebViewController::CheckoutWebViewController(platform::Ui& ui, const Url& checkoutURL,
                                                      std::weak_ptr<CheckoutDelegate> delegate,
@@ -80,7 +89,9 @@ const platform::BarButtonItem& CheckoutWebViewController::closeBarButtonItem() {
     if (const std::optional<Color> tint = configuration().closeButtonTintColor) {
       item.kind = platform::BarButtonItem::Kind::image;
       item.systemImageName =
-          systemMajorVersion() >= kPlainCloseImageSystemVersion ? kCloseImage : kCloseImageBefore26;
+          platform::majorVersion(ui_->userInterfaceSystemVersion()) >= kPlainCloseImageSystemVersion
+              ? kCloseImage
+              : kCloseImageBefore26;
       item.tintColor = tint;
     } else {
       item.kind = platform::BarButtonItem::Kind::systemClose;
@@ -161,8 +172,17 @@ void CheckoutWebViewController::close() {
     CheckoutWebView::invalidate(/*disconnect=*/true);
   }
   if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock()) {
-    delegate->checkoutDidCancel();
+    tellDelegate("checkoutDidCancel", [&] { delegate->checkoutDidCancel(); });
   }
+}
+
+bool CheckoutWebViewController::presentationControllerShouldDismiss() {
+  // While the page shows a dialog of its own, the user's gesture is the page's business.
+  return !pageShowsModal_;
+}
+
+platform::View* CheckoutWebViewController::preferredFocusView() {
+  return checkoutView_->webViewPtr().get();
 }
 
 void CheckoutWebViewController::presentationControllerDidDismiss() {
@@ -172,7 +192,7 @@ void CheckoutWebViewController::presentationControllerDidDismiss() {
 void CheckoutWebViewController::checkoutViewDidCompleteCheckout(
     const CheckoutCompletedEvent& event) {
   if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock()) {
-    delegate->checkoutDidComplete(event);
+    tellDelegate("checkoutDidComplete", [&] { delegate->checkoutDidComplete(event); });
   }
 }
 
@@ -190,11 +210,12 @@ void CheckoutWebViewController::checkoutViewDidFinishNavigation() {
 
 void CheckoutWebViewController::checkoutViewDidClickLink(const Url& url) {
   if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock()) {
-    delegate->checkoutDidClickLink(url);
+    tellDelegate("checkoutDidClickLink", [&] { delegate->checkoutDidClickLink(url); });
   }
 }
 
 void CheckoutWebViewController::checkoutViewDidToggleModal(bool modalVisible) {
+  pageShowsModal_ = modalVisible;
   // The bar hides while the page shows a modal of its own.
   if (platform::Screen* container = screen_->navigationContainer()) {
     container->setNavigationBarHidden(modalVisible, /*animated=*/true);
@@ -203,7 +224,8 @@ void CheckoutWebViewController::checkoutViewDidToggleModal(bool modalVisible) {
 
 void CheckoutWebViewController::checkoutViewDidEmitWebPixelEvent(const PixelEvent& event) {
   if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock()) {
-    delegate->checkoutDidEmitWebPixelEvent(event);
+    tellDelegate("checkoutDidEmitWebPixelEvent",
+                 [&] { delegate->checkoutDidEmitWebPixelEvent(event); });
   }
 }
 
@@ -211,8 +233,9 @@ void CheckoutWebViewController::checkoutViewDidFailWithError(const CheckoutError
   const std::shared_ptr<CheckoutWebViewController> self = shared_from_this();
   ++failureCount_;
   CheckoutWebView::invalidate(/*disconnect=*/true);
-  if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock()) {
-    delegate->checkoutDidFail(error);
+  if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock();
+      delegate && !tellDelegate("checkoutDidFail", [&] { delegate->checkoutDidFail(error); })) {
+    return;  // the sheet is on its way out, without recovery
   }
   if (shouldAttemptRecovery(error)) {
     presentFallbackViewController();
@@ -221,12 +244,16 @@ void CheckoutWebViewController::checkoutViewDidFailWithError(const CheckoutError
   }
 }
 
-bool CheckoutWebViewController::shouldAttemptRecovery(const CheckoutError& error) const {
+bool CheckoutWebViewController::shouldAttemptRecovery(const CheckoutError& error) {
   if (failureCount_ >= kMaxRecoveryFailureCount || CheckoutURL{checkoutURL_}.isMultipassURL()) {
     return false;
   }
   const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock();
-  return delegate && delegate->shouldRecoverFromError(error);
+  bool recover = false;
+  return delegate &&
+         tellDelegate("shouldRecoverFromError",
+                      [&] { recover = delegate->shouldRecoverFromError(error); }) &&
+         recover;
 }
 
 void CheckoutWebViewController::presentFallbackViewController() {
@@ -242,6 +269,7 @@ void CheckoutWebViewController::presentFallbackViewController() {
     return;
   }
   checkoutView_ = std::move(recovery);
+  pageShowsModal_ = false;  // the recovery page has no bridge to report one
   adoptCheckoutView();
   checkoutView_->webView().setAlpha(1.0);
   if (!screen_->isViewLoaded()) {

@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <optional>
+#include <string_view>
 
 #include "checkout/CheckoutWebViewDelegate.h"
 #include "platform/Screen.h"
@@ -71,7 +72,11 @@ class CheckoutWebViewController final
   // platform::ScreenDelegate
   void viewDidLoad() override;
   void viewWillAppear() override;
-  // platform::PresentationDelegate
+  // The page takes the keyboard when the sheet appears.
+  platform::View* preferredFocusView() override;
+  // platform::PresentationDelegate: the user's gesture does not dismiss the sheet while the page
+  // reports a modal of its own.
+  bool presentationControllerShouldDismiss() override;
   void presentationControllerDidDismiss() override;
 
   // CheckoutWebViewDelegate
@@ -91,7 +96,12 @@ class CheckoutWebViewController final
   void layOutCheckoutViewAndProgressBar();
   void observeProgress();
   void loadCheckout();
-  bool shouldAttemptRecovery(const CheckoutError& error) const;
+  bool shouldAttemptRecovery(const CheckoutError& error);
+  // Calls the host's delegate. Nothing it throws leaves this call (the default checkoutDidFail
+  // throws the error it was given): the throw is logged at error level, naming `callback`, and
+  // the sheet is dismissed. False when it threw.
+  template <typename Call>
+  bool tellDelegate(std::string_view callback, Call&& call);
   void presentFallbackViewController();
   void dismissSheet();
 
@@ -99,6 +109,7 @@ class CheckoutWebViewController final
   std::weak_ptr<CheckoutDelegate> delegate_;
   std::shared_ptr<CheckoutWebView> checkoutView_;
   int failureCount_ = 0;
+  bool pageShowsModal_ = false;
   std::shared_ptr<ProgressBarView> progressBar_;
   bool initialNavigation_ = true;
   Url checkoutURL_;

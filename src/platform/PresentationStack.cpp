@@ -99,16 +99,44 @@ std::optional<PresentationNode::Dismissal> PresentationNode::beginUserDismissal(
   if (presenting_ == nullptr || style != ModalPresentationStyle::automatic || presented_) {
     return std::nullopt;
   }
-  for (const PresentationNode* below = presenting_; below != nullptr; below = below->presenting_) {
-    if (below->dismissing_) {
-      return std::nullopt;
-    }
+  if (isBeingDismissed()) {
+    return std::nullopt;
+  }
+  if (const auto asked = delegate.lock(); asked && !asked->presentationControllerShouldDismiss()) {
+    return std::nullopt;
   }
   return presenting_->beginDismissal([delegate = std::move(delegate)] {
     if (const auto told = delegate.lock()) {
       told->presentationControllerDidDismiss();
     }
   });
+}
+
+bool PresentationNode::isBeingDismissed() const {
+  for (const PresentationNode* below = presenting_; below != nullptr; below = below->presenting_) {
+    if (below->dismissing_) {
+      return true;
+    }
+  }
+  return false;
+}
+
+PresentationNode::Escape PresentationNode::escape(
+    ModalPresentationStyle style, std::weak_ptr<PresentationDelegate> delegate,
+    std::initializer_list<ScreenDelegate*> delegates) {
+  if (presenting_ == nullptr || presented_) {
+    return {};
+  }
+  // A screen on its way out takes no more gestures, and neither does what lies beneath it.
+  if (isBeingDismissed()) {
+    return {true, std::nullopt};
+  }
+  for (ScreenDelegate* screenDelegate : delegates) {
+    if (screenDelegate != nullptr && screenDelegate->accessibilityPerformEscape()) {
+      return {true, std::nullopt};
+    }
+  }
+  return {true, beginUserDismissal(style, std::move(delegate))};
 }
 
 void PresentationNode::endDismissal(std::uint64_t id,

@@ -27,6 +27,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -83,10 +84,23 @@ class PresentationNode {
   std::optional<Dismissal> beginDismissal(std::function<void()> completion);
   // The user's dismissal of this presented screen by the platform's gesture: refused (nothing)
   // when the screen is not presented, is presented full screen, presents another screen (the
-  // gesture reaches only the top one), or a dismissal that would take it is under way. Otherwise
-  // a dismissal by its presenter begins whose completion tells `delegate`.
+  // gesture reaches only the top one), a dismissal that would take it is under way, or
+  // `delegate` declines (presentationControllerShouldDismiss). Otherwise a dismissal by its
+  // presenter begins whose completion tells `delegate`.
   std::optional<Dismissal> beginUserDismissal(ModalPresentationStyle style,
                                               std::weak_ptr<PresentationDelegate> delegate);
+
+  // What the user's escape gesture does on this screen, the top of its window's presentations.
+  // `delegates` (the screen's own ScreenDelegate, then its root's; null entries are skipped) are
+  // asked in turn (accessibilityPerformEscape) until one acts; when none does, it is the user's
+  // dismissal of a sheet (beginUserDismissal). `handled` is false only when the gesture meant
+  // nothing here: the screen is not presented, or presents another screen.
+  struct Escape {
+    bool handled = false;
+    std::optional<Dismissal> dismissal;  // the backend runs its transition
+  };
+  Escape escape(ModalPresentationStyle style, std::weak_ptr<PresentationDelegate> delegate,
+                std::initializer_list<ScreenDelegate*> delegates);
   // Ends dismissal `id` of this presenter (nothing when that dismissal was taken over by a lower
   // one or has ended): `tearDown` (may be empty) sees each taken screen top first while still
   // linked, then the screens are unlinked and released, then the completions run.
@@ -94,6 +108,9 @@ class PresentationNode {
 
  private:
   struct PendingPresentation;
+
+  // A dismissal under way takes this presented screen.
+  bool isBeingDismissed() const;
 
   Screen* owner_;
   PresentationNode* container_ = nullptr;  // the navigation container this is the root of

@@ -32,6 +32,13 @@ class ScreenDelegate {
   // The screen is about to appear: each time it (or the container it is the root of) is
   // presented.
   virtual void viewWillAppear() {}
+  // The user's escape gesture reached this presented screen (on a desktop: an Escape key its
+  // content left unhandled). True when the screen acted on it; otherwise a sheet takes it as the
+  // user's dismissal. Asked of a navigation container's delegate first, then of its root's.
+  virtual bool accessibilityPerformEscape() { return false; }
+  // The view that takes keyboard focus when the screen is presented (null: the platform's first
+  // focusable view of the screen). Asked as accessibilityPerformEscape() is.
+  virtual View* preferredFocusView() { return nullptr; }
 };
 
 // Told when the user dismissed a presented screen by the platform's own gesture (a swipe down on
@@ -40,6 +47,8 @@ class ScreenDelegate {
 class PresentationDelegate {
  public:
   virtual ~PresentationDelegate() = default;
+  // Asked before the user's gesture dismisses the screen; false keeps it on screen.
+  virtual bool presentationControllerShouldDismiss() { return true; }
   virtual void presentationControllerDidDismiss() = 0;
 };
 

@@ -6,9 +6,12 @@
 // constraints; a progress bar at progress 0; an emitter layer with no cells and birth rate 1.
 #pragma once
 
+#include <charconv>
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/Geometry.h"
@@ -17,6 +20,13 @@
 #include "platform/WebView.h"
 
 namespace vemba::platform {
+
+// The major number of a system version ("17.4.1" is 17; 0 when it starts with no number).
+inline int majorVersion(std::string_view version) {
+  int major = 0;
+  std::from_chars(version.data(), version.data() + version.size(), major);
+  return major;
+}
 
 class Ui {
  public:
@@ -50,6 +60,9 @@ class Ui {
   // ended, with true when it ran to its end.
   virtual void animate(std::chrono::duration<double> duration, std::function<void()> animations,
                        std::function<void(bool finished)> completion) = 0;
+  // The system version whose look the user interface follows ("26.0"), for the rules that change
+  // with it. A phone reports its system's version; a desktop backend one fixed, documented value.
+  virtual std::string userInterfaceSystemVersion() const = 0;
   // The platform's duration of a navigation bar's show or hide animation.
   virtual std::chrono::duration<double> navigationBarHideShowDuration() const = 0;
   // The media clock emitter layers run on, in seconds.

@@ -76,7 +76,7 @@ TEST_F(CheckoutSheetTest, ColdPresentationCompletesWithPixelsAndTheHandshake) {
 
   const auto requests = pageRequests("/checkout/cold");
   ASSERT_EQ(requests.size(), 1U);
-  EXPECT_FALSE(LocalExchange::header(requests[0], "Sec-Purpose"));
+  EXPECT_FALSE(LocalExchange::header(requests[0], "Checkout-Purpose"));
   EXPECT_THAT(agent(requests[0]), EndsWith(kStandardAgent));
   EXPECT_THAT(seenByPage(),
               IsSupersetOf({"presented", "instrumentation:checkout_finished_loading"}));
@@ -86,12 +86,10 @@ TEST_F(CheckoutSheetTest, PreloadIsMarkedAndThePresentationReusesThePage) {
   const InspectorRun run =
       inspect({"--url", url("/checkout/warm?auto=pay&autoDelay=150"), "--preload"});
   EXPECT_EQ(run.where("callback", "checkoutDidComplete").size(), 1U);
-  // The preload's marked request and its unmarked follow-up (WebKit shows nothing for a marked
-  // one); presenting the preloaded page asks the server for nothing more.
+  // One marked request; presenting the preloaded page asks the server for nothing more.
   const auto requests = pageRequests("/checkout/warm");
-  ASSERT_EQ(requests.size(), 2U);
-  EXPECT_EQ(LocalExchange::header(requests[0], "Sec-Purpose"), "prefetch");
-  EXPECT_EQ(LocalExchange::header(requests[1], "Sec-Purpose"), std::nullopt);
+  ASSERT_EQ(requests.size(), 1U);
+  EXPECT_EQ(LocalExchange::header(requests[0], "Checkout-Purpose"), "prefetch");
 }
 
 TEST_F(CheckoutSheetTest, A500RecoversAndCompletesThroughTheThankYouPage) {

@@ -73,7 +73,7 @@ ads::BidRequest requestFor(const AdOptions& options, const std::string& userAgen
                              ""};
   ads::BidExchange exchange(format, options.adUnitId);
   exchange.setBidFloor(options.bidFloor);
-  return exchange.createBidRequest(userAgent);
+  return exchange.createBidRequest(userAgent, exchange.bidFloor());
 }
 
 }  // namespace
@@ -129,7 +129,7 @@ int runLoad(const Args& args) {
   }
   g_main_loop_unref(loop);
   if (!delegate->called) {
-    std::fprintf(stderr, "vemba-inspect: no callback within %g s\n", timeout);
+    reportTimeout("no callback", timeout);
     return kExitTimeout;
   }
   return 0;

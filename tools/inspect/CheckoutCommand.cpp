@@ -264,8 +264,7 @@ int runCheckout(const Args& args) {
   printOpenedUrls();
 
   if (session.options.preload && !preloadAndWait(session)) {
-    std::fprintf(stderr, "vemba-inspect: the preload did not finish within %g s\n",
-                 session.options.timeout);
+    reportTimeout("the preload did not finish", session.options.timeout);
     return kExitTimeout;
   }
 
@@ -285,8 +284,7 @@ int runCheckout(const Args& args) {
   }
   session.host->every(kWatchIntervalSeconds, [&session] { return watch(session); });
   if (!session.host->run(session.options.timeout)) {
-    std::fprintf(stderr, "vemba-inspect: the sheet was not dismissed within %g s\n",
-                 session.options.timeout);
+    reportTimeout("the sheet was not dismissed", session.options.timeout);
     return kExitTimeout;
   }
   return 0;

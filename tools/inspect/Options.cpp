@@ -1,5 +1,6 @@
 #include "Options.h"
 
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 
@@ -42,15 +43,24 @@ std::optional<double> Options::number(const std::string& name, bool& ok) const {
   if (!text) {
     return std::nullopt;
   }
-  char* end = nullptr;
-  const double parsed = std::strtod(text->c_str(), &end);
-  if (text->empty() || end == nullptr || *end != '\0') {
+  // A point is the decimal separator whatever the locale GTK sets from the environment.
+  double parsed = 0;
+  const char* end = text->data() + text->size();
+  const auto [stop, failure] = std::from_chars(text->data(), end, parsed);
+  if (text->empty() || failure != std::errc() || stop != end) {
     std::fprintf(stderr, "vemba-inspect: %s expects a number, got '%s'\n", name.c_str(),
                  text->c_str());
     ok = false;
     return std::nullopt;
   }
   return parsed;
+}
+
+void reportTimeout(const char* what, double seconds) {
+  char text[32];
+  const auto written = std::to_chars(text, text + sizeof text, seconds);
+  std::fprintf(stderr, "vemba-inspect: %s within %.*s s\n", what,
+               static_cast<int>(written.ptr - text), text);
 }
 
 bool timesFit(bool ok, double timeout, std::initializer_list<double> delays) {

@@ -30,6 +30,10 @@ class Options {
   std::set<std::string> flags_;
 };
 
+// Prints "vemba-inspect: <what> within <seconds> s" on standard error, the number with a point
+// whatever the locale.
+void reportTimeout(const char* what, double seconds);
+
 // The check shared by the commands that wait: `ok` (the numbers parsed), a time-out above zero
 // and no negative delay. Prints why when they do not fit.
 bool timesFit(bool ok, double timeout, std::initializer_list<double> delays);

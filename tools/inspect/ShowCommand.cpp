@@ -205,8 +205,7 @@ int runShow(const Args& args) {
     start<VembaRewardedAd, VembaRewardedAdDelegate>(session, delegate);
   }
   if (!session.host->run(session.options.timeout)) {
-    std::fprintf(stderr, "vemba-inspect: the ad was not dismissed within %g s\n",
-                 session.options.timeout);
+    reportTimeout("the ad was not dismissed", session.options.timeout);
     return kExitTimeout;
   }
   return 0;

@@ -48,9 +48,14 @@ class FullScreenAd : public std::enable_shared_from_this<Self> {
 
   // Shows the loaded ad full-screen, presented (animated) from `from`, or, when it is null, from
   // the top screen of the host's key window. Does nothing at all when the ad is not ready, has no
-  // page, or there is no screen to present from (then it stays ready). Otherwise the ad stops
+  // page, or there is no screen to present from (then it stays ready); when `from` already
+  // presents another screen it logs an error line and stays ready too. Otherwise the ad stops
   // being ready at once; adDidShow follows when the presentation has finished, then the billing
-  // pixel is fired. Closing the ad's screen dismisses it and then calls adDidDismiss.
+  // pixel is fired. Closing the ad's screen dismisses it and then calls adDidDismiss; a close
+  // while a screen the ad opened (a checkout sheet) is over it dismisses only that screen.
+  //
+  // Whatever a delegate call throws is stopped inside the library and logged at error level:
+  // nothing unwinds into the platform's callbacks.
   virtual void show(std::shared_ptr<platform::Screen> from = nullptr);
 
   FullScreenAd(const FullScreenAd&) = delete;
@@ -64,7 +69,9 @@ class FullScreenAd : public std::enable_shared_from_this<Self> {
   ads::BidExchange& bidExchange() const { return *exchange_; }
   void deliverBidOutcome(const ads::BidOutcome& outcome);
   // What the ad's screen reports: its close button or the page's "close", and the page's "click".
-  void screenDidClose(ads::VembaWebViewController& controller);
+  // True when the close began the dismissal of the ad's own screen (false when it dismissed a
+  // screen presented over the ad instead).
+  bool screenDidClose(ads::VembaWebViewController& controller);
   void screenDidClick();
 
   std::weak_ptr<Delegate> delegate_;

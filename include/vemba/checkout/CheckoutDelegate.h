@@ -3,6 +3,10 @@
 // Contract: every call arrives on the main thread. The kit holds the delegate weakly
 // (std::weak_ptr): keep it alive for as long as the sheet is shown. Only checkoutDidCancel() is
 // required; the others have the defaults described on each.
+//
+// Exceptions: whatever a call throws stops at the kit's boundary and never unwinds into the
+// platform's callbacks (the main loop, the web engine). The kit logs it at error level, naming
+// the call, and dismisses the sheet; a checkoutDidFail that throws leaves no recovery attempt.
 #pragma once
 
 #include "vemba/Url.h"
@@ -22,8 +26,8 @@ class CheckoutDelegate {
   // The user closed the sheet with its close control or dismissed it with the platform's
   // gesture. Dismissing a closed sheet is the host's business.
   virtual void checkoutDidCancel() = 0;
-  // The checkout failed. Default: throws `error` (a CheckoutError) back into the kit's call,
-  // which does not catch it, so it unwinds through the platform's callback. Implement this.
+  // The checkout failed. Default: throws `error` (a CheckoutError) back into the kit, which
+  // stops it there, logs it and dismisses the sheet (see above). Implement this.
   virtual void checkoutDidFail(const CheckoutError& error);
   // Whether the sheet should try once to recover from `error` with a stripped-down page.
   // Default: error.isRecoverable().

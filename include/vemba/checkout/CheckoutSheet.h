@@ -1,15 +1,18 @@
 // The checkout sheet as a value a host configures with callbacks, for hosts that prefer a builder
-// to implementing CheckoutDelegate:
+// to implementing CheckoutDelegate. On Linux:
 //
-//   auto sheet = CheckoutSheet(url).onComplete([](const auto& e) { ... }).onCancel([] { ... });
-//   from->presentScreen(sheet.viewController()->screen(), true, {});
+//   const auto sheet = vemba::checkout::CheckoutSheet(checkoutUrl)
+//                          .onComplete([](const vemba::checkout::CheckoutCompletedEvent&) {})
+//                          .onCancel([] {});
+//   sheet.present(vemba::topScreenForWindow(window));
 //
 // Making a sheet switches off, for the rest of the process, the dropping of the preloaded page
 // on configuration changes (styling a sheet must not throw its page away).
 //
-// Contract: main thread only. A sheet is a cheap value: copies share one delegate wrapper and
-// one view controller, so a callback set on any copy, before or after the view controller is
-// made, takes effect.
+// Contract: main thread only. A sheet is a cheap value: copies share one delegate wrapper, so a
+// callback set on any copy, before or after a presentation, takes effect. Every presentation
+// shows a fresh view controller (a page, a bridge and a recovery of its own); the delegate
+// wrapper lives as long as the newest of them.
 #pragma once
 
 #include <functional>
@@ -19,6 +22,10 @@
 #include "vemba/checkout/CheckoutConfigurable.h"
 #include "vemba/checkout/CheckoutDelegateWrapper.h"
 #include "vemba/checkout/CheckoutViewController.h"
+
+namespace vemba::platform {
+class Screen;
+}
 
 namespace vemba::checkout {
 
@@ -37,10 +44,17 @@ class CheckoutSheet : public CheckoutConfigurable<CheckoutSheet> {
   const Url& checkoutURL() const { return checkoutURL_; }
   const std::shared_ptr<CheckoutDelegateWrapper>& delegate() const { return shared_->delegate; }
 
-  // The sheet's view controller, made on the first call for checkoutURL() with the delegate
-  // wrapper as its delegate. Every call (the first included) then points the controller's
-  // checkout page controller at the wrapper again. Null when the platform has no display.
+  // The view controller of the sheet's next (or current) presentation: the one made by an
+  // earlier call while it has not yet been presented or is still on screen, otherwise a new one
+  // for checkoutURL() with the delegate wrapper as its delegate. Every call then points the
+  // controller's checkout page controller at the wrapper again. Null when the platform has no
+  // display.
   std::shared_ptr<CheckoutViewController> viewController() const;
+
+  // Presents the sheet (animated) from `from`, e.g. the top screen of a host window, and returns
+  // its view controller. Null, with an error line in the log, when `from` is null or the
+  // platform has no display. Nothing is presented while this sheet is still on screen.
+  std::shared_ptr<CheckoutViewController> present(std::shared_ptr<platform::Screen> from) const;
 
  private:
   struct Shared {

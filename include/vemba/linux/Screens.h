@@ -18,15 +18,24 @@ class Screen;
 }  // namespace platform
 
 // The screen at the root of `window`'s content: the same one for the same window, alive as long
-// as the window. Null for a null window. Main thread only; GTK must be initialised.
+// as the window. A screen presents one screen at a time, so while something is presented over
+// the window, show and present from topScreenForWindow() instead. Null for a null window. Main
+// thread only; GTK must be initialised.
 std::shared_ptr<platform::Screen> screenForWindow(GtkWindow* window);
 
-// Receives each URL the library opens outside the application (http, https, mailto and tel only;
-// other schemes never reach it). Runs on the main thread.
+// The top screen of `window`: the last of the screens presented over it, or its root screen when
+// nothing is. Showing an ad or presenting a checkout from it puts the new screen on top. Null
+// for a null window. Main thread only; GTK must be initialised.
+std::shared_ptr<platform::Screen> topScreenForWindow(GtkWindow* window);
+
+// Receives each URL the library opens outside the application (an ad's "openURL", a checkout
+// link the host's delegate leaves to the library): every URL that parses, whatever its scheme,
+// and decides what to do with it. Runs on the main thread; what it throws is logged and stopped.
 using UrlOpener = std::function<void(const std::string& url)>;
 
-// Replaces the opener; an empty one restores the default, which launches the desktop's handler
-// for the URL. Thread-safe; takes effect for the next URL.
+// Replaces the opener; an empty one restores the default, which opens only http, https, mailto
+// and tel URLs, with the desktop's handler, without blocking (a log line for anything else).
+// Thread-safe; takes effect for the next URL.
 void setUrlOpener(UrlOpener opener);
 
 }  // namespace vemba

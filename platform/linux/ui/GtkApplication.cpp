@@ -2,11 +2,14 @@
 
 #include <gtk/gtk.h>
 
+#include <memory>
 #include <mutex>
+#include <optional>
 #include <string_view>
 
 #include "GtkScreen.h"
 #include "GtkUi.h"
+#include "common/HostCall.h"
 #include "platform/LogSink.h"
 #include "platform/OpenableSchemes.h"
 #include "platform/Services.h"
@@ -20,6 +23,9 @@ constexpr std::string_view kLogSubsystem = "vemba";
 constexpr std::string_view kLogCategory = "application";
 constexpr std::string_view kRefusedLine = "not opening a URL whose scheme is not allowed: ";
 constexpr std::string_view kLaunchFailedLine = "no application opened ";
+constexpr std::string_view kOpenerThrewLine = "the host's URL opener threw ";
+constexpr const char* kActivationKey = "vemba-activation";
+constexpr const char* kWatchedKey = "vemba-activation-watched";
 
 void log(platform::LogSeverity severity, const std::string& line) {
   if (platform::LogSink* sink = platform::services().log) {
@@ -27,13 +33,104 @@ void log(platform::LogSeverity severity, const std::string& line) {
   }
 }
 
-// The default opener: the desktop's handler for the URL's scheme.
-void launchWithDesktop(const std::string& url) {
-  GError* error = nullptr;
-  if (g_app_info_launch_default_for_uri(url.c_str(), nullptr, &error) == FALSE) {
-    log(platform::LogSeverity::error, std::string(kLaunchFailedLine) + url);
-    g_clear_error(&error);
+// --- Which window was active last ---
+//
+// Each toplevel carries the stamp of its latest activation (a process-wide counter), so that
+// with no window focused (the application in the background) the most recently active one is
+// still known.
+
+guint64 gLastActivation = 0;
+
+void stampIfActive(GtkWindow* window) {
+  if (gtk_window_is_active(window) == TRUE) {
+    g_object_set_data(G_OBJECT(window), kActivationKey,
+                      reinterpret_cast<gpointer>(static_cast<guintptr>(++gLastActivation)));
   }
+}
+
+guint64 activationOf(GtkWindow* window) {
+  return static_cast<guint64>(
+      reinterpret_cast<guintptr>(g_object_get_data(G_OBJECT(window), kActivationKey)));
+}
+
+void watchWindow(GtkWindow* window) {
+  if (g_object_get_data(G_OBJECT(window), kWatchedKey) != nullptr) {
+    return;
+  }
+  g_object_set_data(G_OBJECT(window), kWatchedKey, window);
+  g_signal_connect(window, "notify::is-active",
+                   G_CALLBACK(+[](GtkWindow* changed, GParamSpec* /*spec*/, gpointer /*data*/) {
+                     stampIfActive(changed);
+                   }),
+                   nullptr);
+  stampIfActive(window);
+}
+
+void onToplevelsChanged(GListModel* toplevels, guint position, guint /*removed*/, guint added,
+                        gpointer /*data*/) {
+  for (guint index = position; index < position + added; ++index) {
+    auto* window = static_cast<GtkWindow*>(g_list_model_get_item(toplevels, index));
+    watchWindow(window);
+    g_object_unref(window);
+  }
+}
+
+}  // namespace
+
+void watchWindowActivations() {
+  static const bool watching = [] {
+    GListModel* toplevels = gtk_window_get_toplevels();
+    g_signal_connect(toplevels, "items-changed", G_CALLBACK(onToplevelsChanged), nullptr);
+    onToplevelsChanged(toplevels, 0, 0, g_list_model_get_n_items(toplevels), nullptr);
+    return true;
+  }();
+  (void)watching;
+}
+
+namespace {
+
+// The key window: the active toplevel, else the one active most recently, else (for a
+// GtkApplication, whose list GTK keeps most recently focused first) its first window.
+GtkWindow* keyWindow() {
+  GListModel* toplevels = gtk_window_get_toplevels();
+  GtkWindow* latest = nullptr;
+  guint64 latestStamp = 0;
+  for (guint index = 0, count = g_list_model_get_n_items(toplevels); index < count; ++index) {
+    auto* window = static_cast<GtkWindow*>(g_list_model_get_item(toplevels, index));
+    g_object_unref(window);  // the list keeps it
+    if (gtk_window_is_active(window) == TRUE) {
+      return window;
+    }
+    if (activationOf(window) > latestStamp && gtk_widget_get_visible(GTK_WIDGET(window))) {
+      latest = window;
+      latestStamp = activationOf(window);
+    }
+  }
+  if (latest != nullptr) {
+    return latest;
+  }
+  GApplication* app = g_application_get_default();
+  if (app != nullptr && GTK_IS_APPLICATION(app)) {
+    GList* windows = gtk_application_get_windows(GTK_APPLICATION(app));
+    return windows != nullptr ? GTK_WINDOW(windows->data) : nullptr;
+  }
+  return nullptr;
+}
+
+// The default opener: the desktop's handler for the URL, launched without waiting, with the
+// key window as the parent of whatever the desktop asks.
+void launchWithDesktop(const std::string& url) {
+  gtk_show_uri_full(
+      keyWindow(), url.c_str(), GDK_CURRENT_TIME, nullptr,
+      +[](GObject* source, GAsyncResult* result, gpointer data) {
+        std::unique_ptr<std::string> launched(static_cast<std::string*>(data));
+        GError* error = nullptr;
+        if (gtk_show_uri_full_finish(GTK_WINDOW(source), result, &error) == FALSE) {
+          log(platform::LogSeverity::error, std::string(kLaunchFailedLine) + *launched);
+          g_clear_error(&error);
+        }
+      },
+      new std::string(url));
 }
 
 struct OpenerSlot {
@@ -57,11 +154,11 @@ class GtkHostWindow final : public platform::Window {
 
   bool isKeyWindow() const override {
     GtkWindow* window = lock();
-    const bool active = window != nullptr && gtk_window_is_active(window) == TRUE;
+    const bool key = window != nullptr && window == keyWindow();
     if (window != nullptr) {
       g_object_unref(window);
     }
-    return active;
+    return key;
   }
 
   std::shared_ptr<platform::Screen> rootScreen() const override {
@@ -104,30 +201,41 @@ std::vector<std::shared_ptr<platform::Window>> GtkHostApplication::windows() con
   return result;
 }
 
+namespace {
+
+UrlOpener hostOpener() {
+  const std::lock_guard lock(openerSlot().mutex);
+  return openerSlot().opener;
+}
+
+}  // namespace
+
 bool GtkHostApplication::canOpenURL(const Url& url) const {
-  return platform::isOpenableScheme(url.scheme());
+  return hostOpener() ? true : platform::isOpenableScheme(url.scheme());
 }
 
 void GtkHostApplication::open(const Url& url) {
-  if (!platform::isOpenableScheme(url.scheme())) {
-    log(platform::LogSeverity::info, std::string(kRefusedLine) + url.absoluteString());
+  const std::string text = url.absoluteString();
+  if (const UrlOpener opener = hostOpener()) {
+    if (const std::optional<std::string> thrown = callHost([&] { opener(text); })) {
+      log(platform::LogSeverity::error, std::string(kOpenerThrewLine) + *thrown);
+    }
     return;
   }
-  UrlOpener opener;
-  {
-    const std::lock_guard lock(openerSlot().mutex);
-    opener = openerSlot().opener;
+  if (!platform::isOpenableScheme(url.scheme())) {
+    log(platform::LogSeverity::info, std::string(kRefusedLine) + text);
+    return;
   }
-  if (opener) {
-    opener(url.absoluteString());
-  } else {
-    launchWithDesktop(url.absoluteString());
-  }
+  launchWithDesktop(text);
 }
 
 platform::Application* gtkApplication() {
   static GtkHostApplication application;
-  return gtkUi() != nullptr ? &application : nullptr;
+  if (gtkUi() == nullptr) {
+    return nullptr;
+  }
+  watchWindowActivations();
+  return &application;
 }
 
 }  // namespace vemba::linux_platform
@@ -142,6 +250,18 @@ void setUrlOpener(UrlOpener opener) {
 
 std::shared_ptr<platform::Screen> screenForWindow(GtkWindow* window) {
   return linux_platform::GtkScreen::forWindow(window);
+}
+
+std::shared_ptr<platform::Screen> topScreenForWindow(GtkWindow* window) {
+  std::shared_ptr<platform::Screen> top = screenForWindow(window);
+  while (top) {
+    std::shared_ptr<platform::Screen> presented = top->presentedScreen();
+    if (!presented) {
+      break;
+    }
+    top = std::move(presented);
+  }
+  return top;
 }
 
 }  // namespace vemba

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "GtkAnimation.h"
+#include "GtkApplication.h"
 #include "GtkControls.h"
 #include "GtkCss.h"
 #include "GtkViewBase.h"
@@ -123,6 +124,7 @@ std::shared_ptr<GtkScreen> GtkScreen::forWindow(GtkWindow* window) {
   if (auto* held = static_cast<Strong*>(g_object_get_data(G_OBJECT(window), kWindowScreenKey))) {
     return *held;
   }
+  watchWindowActivations();  // the host's windows are known from here on
   Strong screen(new GtkScreen(Kind::plain));
   screen->windowOfOwn_ = window;
   // Released when the window is finalised; the screen then touches the window no more.

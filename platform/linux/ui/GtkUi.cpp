@@ -5,6 +5,7 @@
 #include <string>
 
 #include "GtkAnimation.h"
+#include "GtkApplication.h"
 #include "GtkControls.h"
 #include "GtkEmitterLayer.h"
 #include "GtkScreen.h"
@@ -192,6 +193,7 @@ platform::Ui* gtkUi() {
       log(platform::LogSeverity::error, kNoDisplayLine);
       return nullptr;
     }
+    watchWindowActivations();
     return std::make_unique<GtkUi>();
   }();
   return made.get();

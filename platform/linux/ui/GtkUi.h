@@ -5,6 +5,8 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/Ui.h"
@@ -13,6 +15,8 @@ namespace vemba::linux_platform {
 
 class GtkUi final : public platform::Ui {
  public:
+  static constexpr std::string_view kUserInterfaceSystemVersion = "26.0";
+
   std::shared_ptr<platform::Screen> createScreen() override;
   std::shared_ptr<platform::Screen> createNavigationScreen(
       std::shared_ptr<platform::Screen> root) override;
@@ -32,6 +36,13 @@ class GtkUi final : public platform::Ui {
 
   void animate(std::chrono::duration<double> duration, std::function<void()> animations,
                std::function<void(bool finished)> completion) override;
+  // Always kUserInterfaceSystemVersion: GTK 4's symbolic icons and flat controls look like the
+  // newest phone system's, not like the kernel's release, so every rule that changes with the
+  // system version takes its newest branch on Linux (the plain "xmark" close glyph, the
+  // under-page colour).
+  std::string userInterfaceSystemVersion() const override {
+    return std::string(kUserInterfaceSystemVersion);
+  }
   std::chrono::duration<double> navigationBarHideShowDuration() const override;
   // The monotonic clock in seconds (the clock frame clocks and the emitter run on).
   double currentMediaTime() const override;

@@ -22,8 +22,8 @@ struct AdAccess {
   }
   // Main thread: the ad's screen reported a close or a click.
   template <typename Ad>
-  static void screenDidClose(Ad& ad, VembaWebViewController& controller) {
-    ad.screenDidClose(controller);
+  static bool screenDidClose(Ad& ad, VembaWebViewController& controller) {
+    return ad.screenDidClose(controller);
   }
   template <typename Ad>
   static void screenDidClick(Ad& ad) {

@@ -72,13 +72,13 @@ void BidExchange::logLoad() const {
   log(format_.loadMessage, adUnitId_);
 }
 
-BidRequest BidExchange::createBidRequest(const std::string& ua) const {
+BidRequest BidExchange::createBidRequest(const std::string& ua, double bidFloor) const {
   Impression impression;
   impression.id = kImpressionId;
   impression.tagid = adUnitId_;
   // NaN compares false, so it is left out together with zero and negative floors.
-  if (bidFloor_ > 0) {
-    impression.bidfloor = bidFloor_;
+  if (bidFloor > 0) {
+    impression.bidfloor = bidFloor;
   }
   if (format_.kind == AdFormat::Kind::interstitial) {
     impression.interstitial = Interstitial{};
@@ -93,8 +93,10 @@ BidRequest BidExchange::createBidRequest(const std::string& ua) const {
   return request;
 }
 
-BidExchange::Preparation BidExchange::prepareBidRequest(const std::string& ua) const {
-  Expected<std::string, EncodingFailure> body = encodeBidRequestText(createBidRequest(ua));
+BidExchange::Preparation BidExchange::prepareBidRequest(const std::string& ua,
+                                                        double bidFloor) const {
+  Expected<std::string, EncodingFailure> body =
+      encodeBidRequestText(createBidRequest(ua, bidFloor));
   if (!body) {
     return VembaError::encodingFailed().toError();
   }

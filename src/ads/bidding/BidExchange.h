@@ -70,13 +70,14 @@ class BidExchange {
   template <typename Ad>
   static void load(Ad& ad);
 
-  BidRequest createBidRequest(const std::string& ua) const;
+  // `bidFloor` is the ad's bidFloor() as the ad reads it (a subclass may override the reader).
+  BidRequest createBidRequest(const std::string& ua, double bidFloor) const;
 
   // What the request step decided before anything was sent: a request to send, a failure to
   // report (the request could not be encoded), or nothing at all (an unusable endpoint is
   // silent by design: no callback, no log).
   using Preparation = std::variant<std::monostate, platform::HttpRequest, Error>;
-  Preparation prepareBidRequest(const std::string& ua) const;
+  Preparation prepareBidRequest(const std::string& ua, double bidFloor) const;
 
   // Worker thread: classifies the data task's result (logging where the outcome calls for it)
   // and stores the bid state of a usable bid.
@@ -129,7 +130,7 @@ void BidExchange::load(Ad& ad) {
 
 template <typename Ad>
 void BidExchange::performBidRequest(const std::string& ua, const std::shared_ptr<Ad>& ad) {
-  Preparation prepared = AdAccess::exchange(*ad).prepareBidRequest(ua);
+  Preparation prepared = AdAccess::exchange(*ad).prepareBidRequest(ua, ad->bidFloor());
   if (Error* failure = std::get_if<Error>(&prepared)) {
     deliverOnMainQueue(ad, BidOutcome{std::move(*failure)});
     return;

@@ -1,8 +1,9 @@
 // Hears the ad's screen on behalf of one ad: forwards close and click to the ad while it exists,
-// and drops them once it is gone. One presentation has one close: after a screen's first close,
-// its later ones (a burst of "close" messages from the page, the button pressed while the screen
-// is being dismissed) are dropped, so the reward and the dismissal come once per show. Owned by
-// the ad (the screen holds it weakly); main thread only.
+// and drops them once it is gone. One presentation has one close: after the close that began the
+// dismissal of a screen, its later ones (a burst of "close" messages from the page, the button
+// pressed while the screen is being dismissed) are dropped, so the reward and the dismissal come
+// once per show. A close that only dismissed a screen presented over the ad does not count.
+// Owned by the ad (the screen holds it weakly); main thread only.
 #pragma once
 
 #include <memory>
@@ -24,9 +25,9 @@ class AdScreenListener final : public VembaWebViewControllerDelegate {
     if (!closing.owner_before(closed_) && !closed_.owner_before(closing)) {
       return;
     }
-    closed_ = std::move(closing);
-    if (const std::shared_ptr<Ad> ad = ad_.lock()) {
-      AdAccess::screenDidClose(*ad, controller);
+    if (const std::shared_ptr<Ad> ad = ad_.lock();
+        ad && AdAccess::screenDidClose(*ad, controller)) {
+      closed_ = std::move(closing);
     }
   }
   void webViewControllerDidClick(VembaWebViewController& /*controller*/) override {

@@ -9,7 +9,10 @@
 #include "ads/formats/AdWebViewPreparation.h"
 #include "ads/formats/UIUtils.h"
 #include "ads/formats/VembaWebViewController.h"
+#include "common/HostCall.h"
+#include "platform/LogSink.h"
 #include "platform/Screen.h"
+#include "platform/Services.h"
 #include "vemba/ads/VembaInterstitialAd.h"
 #include "vemba/ads/VembaReward.h"
 #include "vemba/ads/VembaRewardedAd.h"
@@ -28,6 +31,27 @@ ads::AdFormat formatOf<VembaInterstitialAd>() {
 template <>
 ads::AdFormat formatOf<VembaRewardedAd>() {
   return {ads::AdFormat::Kind::rewarded, log_message::kLoadingRewarded};
+}
+
+constexpr std::string_view kLogSubsystem = "vemba";
+constexpr std::string_view kLogCategory = "ads";
+constexpr std::string_view kAlreadyPresentingLine =
+    "the screen to show the ad from already presents another screen; the ad is not shown and "
+    "stays ready (show it from the top screen)";
+
+void logError(const std::string& line) {
+  if (platform::LogSink* sink = platform::services().log) {
+    sink->write(platform::LogSeverity::error, kLogSubsystem, kLogCategory, line);
+  }
+}
+
+// Calls the host's delegate; what it throws is stopped here (see common/HostCall.h) and logged,
+// and the ad carries on as if the call had returned.
+template <typename Call>
+void tellHost(std::string_view callback, Call&& call) {
+  if (const std::optional<std::string> thrown = callHost(std::forward<Call>(call))) {
+    logError(std::string(callback) + " threw " + *thrown + "; the ad carries on");
+  }
 }
 
 }  // namespace
@@ -79,16 +103,16 @@ void FullScreenAd<Self, Delegate>::deliverBidOutcome(const ads::BidOutcome& outc
   }
   Self& self = static_cast<Self&>(*this);
   if (outcome.loaded()) {
-    listener->adDidLoad(self);
+    tellHost("adDidLoad", [&] { listener->adDidLoad(self); });
   } else {
-    listener->adDidFailToLoad(self, *outcome.failure);
+    tellHost("adDidFailToLoad", [&] { listener->adDidFailToLoad(self, *outcome.failure); });
   }
 }
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::show(std::shared_ptr<platform::Screen> from) {
   // The three silent refusals: no callback, and the ad stays as it is.
-  if (!exchange_->isReady()) {
+  if (!isReady()) {
     return;
   }
   const std::optional<Url> page = exchange_->admURL();
@@ -99,6 +123,12 @@ void FullScreenAd<Self, Delegate>::show(std::shared_ptr<platform::Screen> from) 
     from = ads::UIUtils::getTopViewController();
   }
   if (!from) {
+    return;
+  }
+  // A screen presents one screen at a time: the presentation would be refused, so the bid is
+  // kept for a show from the top screen.
+  if (from->presentedScreen()) {
+    logError(std::string(kAlreadyPresentingLine));
     return;
   }
   const std::shared_ptr<ads::VembaWebViewController> controller =
@@ -121,7 +151,7 @@ void FullScreenAd<Self, Delegate>::show(std::shared_ptr<platform::Screen> from) 
       return;
     }
     if (const std::shared_ptr<Delegate> listener = ad->delegate()) {
-      listener->adDidShow(*ad);
+      tellHost("adDidShow", [&] { listener->adDidShow(*ad); });
     }
     // Billed only once the ad is on screen, with or without a delegate.
     ads::AdAccess::exchange(*ad).fireBillingPixel();
@@ -129,28 +159,38 @@ void FullScreenAd<Self, Delegate>::show(std::shared_ptr<platform::Screen> from) 
 }
 
 template <typename Self, typename Delegate>
-void FullScreenAd<Self, Delegate>::screenDidClose(ads::VembaWebViewController& controller) {
+bool FullScreenAd<Self, Delegate>::screenDidClose(ads::VembaWebViewController& controller) {
+  platform::Screen& screen = *controller.screen();
+  if (screen.presentedScreen()) {
+    // A screen over the ad (a checkout sheet) goes, as dismissing a screen that presents another
+    // does; the ad stays on screen, and closable, and has not been closed.
+    screen.dismiss(/*animated=*/true, {});
+    return false;
+  }
   if constexpr (std::is_same_v<Self, VembaRewardedAd>) {
     // Granted on every close, before anything is dismissed.
     if (const std::shared_ptr<Delegate> listener = delegate()) {
-      listener->adDidEarnReward(static_cast<Self&>(*this), VembaReward::standard());
+      tellHost("adDidEarnReward", [&] {
+        listener->adDidEarnReward(static_cast<Self&>(*this), VembaReward::standard());
+      });
     }
   }
-  controller.screen()->dismiss(/*animated=*/true, [weakAd = this->weak_from_this()] {
+  screen.dismiss(/*animated=*/true, [weakAd = this->weak_from_this()] {
     const std::shared_ptr<Self> ad = weakAd.lock();
     if (!ad) {
       return;
     }
     if (const std::shared_ptr<Delegate> listener = ad->delegate()) {
-      listener->adDidDismiss(*ad);
+      tellHost("adDidDismiss", [&] { listener->adDidDismiss(*ad); });
     }
   });
+  return true;
 }
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::screenDidClick() {
   if (const std::shared_ptr<Delegate> listener = delegate()) {
-    listener->adDidClick(static_cast<Self&>(*this));
+    tellHost("adDidClick", [&] { listener->adDidClick(static_cast<Self&>(*this)); });
   }
 }
 

@@ -148,6 +148,11 @@ void VembaWebViewController::handleCloseButton() {
   }
 }
 
+bool VembaWebViewController::accessibilityPerformEscape() {
+  handleCloseButton();
+  return true;
+}
+
 void VembaWebViewController::load(const Url& url) {
   if (!webView_) {
     pendingURL_ = url;

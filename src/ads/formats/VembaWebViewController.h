@@ -68,6 +68,10 @@ class VembaWebViewController final : public platform::ScreenDelegate,
 
   // platform::ScreenDelegate
   void viewDidLoad() override;
+  // The user's escape gesture does what the close button does.
+  bool accessibilityPerformEscape() override;
+  // The page takes the keyboard when the ad appears.
+  platform::View* preferredFocusView() override { return webView_.get(); }
   // platform::NavigationDelegate
   void didFailProvisionalNavigation(platform::WebView& webView,
                                     const platform::NavigationError& error) override;

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <memory>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "AdTestSupport.h"
@@ -12,6 +13,7 @@
 #include "FakeView.h"
 #include "FakeWebView.h"
 #include "RecordingDelegate.h"
+#include "unit/CommaDecimalLocale.h"
 
 namespace vemba::testing {
 namespace {
@@ -58,11 +60,16 @@ class AdShowTest : public AdTest {
   }
   fake::FakeWebView& adWebView() { return dynamic_cast<fake::FakeWebView&>(subview(0)); }
   fake::FakeButton& closeButton() { return dynamic_cast<fake::FakeButton&>(subview(1)); }
-  static void pageSays(fake::FakeWebView& page, std::string body) {
+  static void pageSays(fake::FakeWebView& page,
+                       std::variant<std::string, platform::ScriptMessage::NonStringBody> body) {
     dynamic_cast<fake::FakeUserContentController&>(page.userContentController())
         .post("vemba", std::move(body));
   }
   void pageSays(std::string body) { pageSays(adWebView(), std::move(body)); }
+  void pageOpensCheckout() {
+    pageSays(adWebView(), platform::ScriptMessage::NonStringBody{
+                              R"({"action":"openCheckout","url":"https://shop.test/c/1"})"});
+  }
   std::vector<std::string> closeSequence() const {
     if constexpr (std::is_same_v<Ad, VembaRewardedAd>) {
       return {"adDidEarnReward(1,reward)", "adDidDismiss"};
@@ -87,6 +94,16 @@ TYPED_TEST(AdShowTest, RefusesSilentlyWhenNotReadyOrWithNothingToPresentFrom) {
   this->ad->show(nullptr);  // no key window to find a screen in
   EXPECT_TRUE(this->ad->isReady());
   EXPECT_TRUE(this->platform.ui.webViews.empty());
+
+  // A screen that already presents another would refuse: the bid is kept, with an error line.
+  this->host->presentScreen(this->platform.ui.createScreen(), false, {});
+  this->ad->show(this->host);
+  EXPECT_TRUE(this->ad->isReady());
+  EXPECT_TRUE(this->platform.ui.webViews.empty());
+  ASSERT_EQ(this->platform.log.lines.size(), 1U);
+  EXPECT_EQ(this->platform.log.lines[0].severity, platform::LogSeverity::error);
+  this->host->dismiss(false, {});
+  this->drain();
 
   // A failed load after a success: the old page is still stored, but the ad is not ready.
   this->ad->load();
@@ -122,16 +139,18 @@ TYPED_TEST(AdShowTest, BillsWithoutADelegateToo) {
   EXPECT_EQ(this->billingHits(), 1U);
 }
 
-TYPED_TEST(AdShowTest, CloseButtonAndPageCloseDismissThenReport) {
-  for (const bool fromPage : {false, true}) {
-    SCOPED_TRACE(fromPage ? "page" : "button");
+TYPED_TEST(AdShowTest, CloseButtonPageCloseAndEscapeDismissThenReport) {
+  for (const std::string closer : {"button", "page", "escape"}) {
+    SCOPED_TRACE(closer);
     this->loadAndShow();
     this->delegate->calls.clear();
 
-    if (fromPage) {
+    if (closer == "page") {
       this->pageSays("close");
-    } else {
+    } else if (closer == "button") {
       this->closeButton().tap();
+    } else {
+      EXPECT_TRUE(this->adScreen().pressEscape());
     }
     // The reward (rewarded only) comes at once; the dismissal is reported once it has finished.
     std::vector<std::string> immediate = this->closeSequence();
@@ -145,19 +164,32 @@ TYPED_TEST(AdShowTest, CloseButtonAndPageCloseDismissThenReport) {
 }
 
 TYPED_TEST(AdShowTest, OnePresentationHasOneCloseHoweverManyArrive) {
-  for (const bool alsoAfterwards : {false, true}) {
-    SCOPED_TRACE(alsoAfterwards ? "a new show afterwards" : "first show");
+  // The second show repeats the first after a close; the third has a checkout over the ad,
+  // whose bursts of closes dismiss only the checkout.
+  for (const int show : {1, 2, 3}) {
+    SCOPED_TRACE(show);
     this->loadAndShow();
     const std::weak_ptr<platform::Screen> adScreen = this->host->presentedScreen();
     const std::shared_ptr<fake::FakeWebView> page = this->adWebView().shared_from_this();
     this->delegate->calls.clear();
+    const auto burst = [this] {
+      for (int i = 0; i < 1000; ++i) {
+        this->pageSays("close");
+      }
+      this->closeButton().tap();
+      this->advance(fake::kTransitionDuration);
+    };
+    if (show == 3) {
+      this->pageOpensCheckout();
+      this->advance(fake::kTransitionDuration);
+      ASSERT_NE(this->adScreen().presentedScreen(), nullptr);
+      burst();
+      EXPECT_EQ(this->adScreen().presentedScreen(), nullptr);
+      EXPECT_TRUE(this->delegate->calls.empty());
+    }
 
     // A burst from the page and the button, all before the dismissal has finished.
-    for (int i = 0; i < 1000; ++i) {
-      this->pageSays("close");
-    }
-    this->closeButton().tap();
-    this->advance(fake::kTransitionDuration);
+    burst();
     // The page outlives the screen for a moment: its last words reach nobody.
     this->pageSays(*page, "close");
     this->advance(fake::kTransitionDuration);
@@ -185,6 +217,46 @@ TYPED_TEST(AdShowTest, AnAdReleasedWhileShownTellsNobody) {
   this->advance(fake::kTransitionDuration);
   EXPECT_TRUE(this->delegate->calls.empty());
   EXPECT_NE(this->host->presentedScreen(), nullptr);  // nobody is left to dismiss it
+}
+
+TYPED_TEST(AdShowTest, WhatADelegateThrowsStopsInsideTheLibrary) {
+  this->delegate->throws = true;
+  this->loadAndShow();
+  this->pageSays("click");
+  this->closeButton().tap();
+  this->advance(fake::kTransitionDuration);
+  std::vector<std::string> expected{"adDidShow", "adDidClick"};
+  const std::vector<std::string> close = this->closeSequence();
+  expected.insert(expected.end(), close.begin(), close.end());
+  EXPECT_EQ(this->delegate->names(), expected);
+  // One error line per call, adDidLoad's included, and the ad went on as if each had returned.
+  EXPECT_EQ(this->platform.log.lines.size(), expected.size() + 1);
+  EXPECT_EQ(this->host->presentedScreen(), nullptr);
+}
+
+// A host's subclass overrides the readers; the load and show paths call the overrides.
+class HostInterstitial final : public VembaInterstitialAd {
+ public:
+  using VembaInterstitialAd::VembaInterstitialAd;
+  double bidFloor() const override { return 2.5; }
+  bool isReady() const override { return allowed && VembaInterstitialAd::isReady(); }
+  bool allowed = false;
+};
+
+TEST_F(AdTest, AHostSubclassesReadersAreTheOnesTheLoadAndShowPathsCall) {
+  const CommaDecimalLocale comma;  // the floor keeps its point
+  const auto ad = std::make_shared<HostInterstitial>("unit-7");
+  ad->load();
+  ASSERT_EQ(platform.http.taskCount(), 1U);
+  EXPECT_NE(platform.http.request(0).body->find(R"("bidfloor":2.5)"), std::string::npos);
+  platform.http.respondLast(200, bidResponse(kPage));
+  drain();
+  const std::shared_ptr<platform::Screen> host = platform.ui.createScreen();
+  ad->show(host);
+  EXPECT_EQ(host->presentedScreen(), nullptr);
+  ad->allowed = true;
+  ad->show(host);
+  EXPECT_NE(host->presentedScreen(), nullptr);
 }
 
 }  // namespace

@@ -263,7 +263,7 @@ TEST_F(BidExchangeTest, BillingPixelIsAPlainGetOrNothing) {
 TEST_F(BidExchangeTest, InvalidEndpointIsSilent) {
   ads::BidExchange exchange({ads::AdFormat::Kind::rewarded, "Loading: "}, "u",
                             {"https://exa mple/bid", "https://exa mple/v1/billing"});
-  EXPECT_TRUE(std::holds_alternative<std::monostate>(exchange.prepareBidRequest("ua")));
+  EXPECT_TRUE(std::holds_alternative<std::monostate>(exchange.prepareBidRequest("ua", 0.0)));
   EXPECT_TRUE(logs.empty());  // not even the send line
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -22,6 +23,7 @@ class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaReward
   };
   std::vector<Call> calls;
   std::function<void()> afterLoadOutcome;  // run after adDidLoad and adDidFailToLoad are recorded
+  bool throws = false;                     // every call throws once it is recorded
 
   std::vector<std::string> names() const {
     std::vector<std::string> out;
@@ -54,7 +56,10 @@ class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaReward
 
  private:
   void record(std::string name, bool ready, Error error = {}) {
-    calls.push_back(Call{std::move(name), ready, std::move(error)});
+    calls.push_back(Call{name, ready, std::move(error)});
+    if (throws) {
+      throw std::runtime_error(name + " went wrong in the host");
+    }
   }
   void loadOutcome(std::string name, bool ready, Error error = {}) {
     record(std::move(name), ready, std::move(error));

@@ -110,11 +110,10 @@ TEST_F(CheckoutPresentationTest, TheCloseControlDependsOnTheTintAndTheSystemVers
   using Kind = platform::BarButtonItem::Kind;
   for (const Case& c : {Case{std::nullopt, "26.0", Kind::systemClose, ""},
                         Case{kTint, "25.9.1", Kind::image, "xmark.circle.fill"},
-                        Case{kTint, "26.0", Kind::image, "xmark"},
-                        Case{kTint, "6.1.0", Kind::image, "xmark.circle.fill"}}) {
+                        Case{kTint, "26.0", Kind::image, "xmark"}}) {
     SCOPED_TRACE(c.systemVersion);
     configure([&](Configuration& config) { config.closeButtonTintColor = c.tint; });
-    platform.device.systemVersionValue = c.systemVersion;
+    platform.ui.systemVersion = c.systemVersion;
     const auto sheet = present(checkout, platform.ui.createScreen(), delegate);
     const auto& item = fakeScreen(page(sheet).screen()).rightBarButtonItem;
     ASSERT_TRUE(item.has_value());
@@ -139,8 +138,8 @@ TEST_F(CheckoutPresentationTest, ClosingCancelsAndKeepsOnlyAPageTheHostPreloaded
     }
     const auto sheet = show(delegate);
     const auto shown = page(sheet).checkoutView();
-    if (c.byGesture) {
-      EXPECT_TRUE(fakeScreen(sheet->screen()).userDismiss());
+    if (c.byGesture) {  // an Escape the page left unhandled
+      EXPECT_TRUE(fakeScreen(sheet->screen()).pressEscape());
     } else {
       EXPECT_TRUE(fakeScreen(page(sheet).screen()).pressRightBarButtonItem());
       // The close control leaves dismissing to the host.
@@ -164,6 +163,9 @@ TEST_F(CheckoutPresentationTest, PageEventsReachTheHost) {
   const auto& container = fakeScreen(sheet->screen());
 
   webView.postMessage("mobileCheckoutSdk", envelope("checkoutBlockingEvent", "true"));
+  // While the page shows a dialog of its own, the user's gesture leaves the sheet alone.
+  EXPECT_TRUE(fakeScreen(sheet->screen()).pressEscape());
+  EXPECT_FALSE(fakeScreen(sheet->screen()).userDismiss());
   webView.postMessage("mobileCheckoutSdk", envelope("checkoutBlockingEvent", "false"));
   EXPECT_EQ(container.barHiddenCalls,
             (std::vector<fake::FakeScreen::BarHiddenCall>{{true, true}, {false, true}}));
@@ -187,7 +189,7 @@ struct MinimalDelegate : CheckoutDelegate {
   void checkoutDidCancel() override {}
 };
 
-TEST_F(CheckoutPresentationTest, DefaultDelegateThrowsFailuresAndOpensOnlyOpenableLinks) {
+TEST_F(CheckoutPresentationTest, DefaultDelegateOpensOnlyOpenableLinksAndItsThrowStopsInTheKit) {
   const auto minimal = std::make_shared<MinimalDelegate>();
   const auto sheet = show(minimal);
   fake::FakeWebView& webView = pageView(sheet);
@@ -197,8 +199,14 @@ TEST_F(CheckoutPresentationTest, DefaultDelegateThrowsFailuresAndOpensOnlyOpenab
   EXPECT_EQ(platform.application.canOpenQueries.size(), 2U);
   EXPECT_EQ(platform.application.opened, std::vector<Url>{url("mailto:help@shop.example")});
 
+  // The default checkoutDidFail throws the error back into the kit, which stops it there: no
+  // recovery, the sheet goes, and the log names the callback.
   webView.startProvisionalNavigation();
-  EXPECT_THROW(webView.decidePolicyForNavigationResponse({checkout, 404, true}), CheckoutError);
+  EXPECT_NO_THROW(webView.decidePolicyForNavigationResponse({checkout, 404, true}));
+  advance(fake::kTransitionDuration);
+  EXPECT_EQ(hostScreen()->presentedScreen(), nullptr);
+  EXPECT_EQ(countLog("(Error) - checkoutDidFail threw the CheckoutError it was given"), 1U);
+  EXPECT_EQ(page(sheet).checkoutViewDidFailWithErrorCount(), 1);
 }
 
 TEST_F(CheckoutPresentationTest, PresentNeedsADisplayAndAScreenToPresentFrom) {
@@ -237,6 +245,25 @@ TEST_F(CheckoutPresentationTest, ASheetsCallbacksTakeEffectWhenSetAfterItsContro
       .decidePolicyForNavigationAction(
           {url("https://help.example/?open_externally=1"), platform::NavigationType::other, true});
   EXPECT_EQ(platform.application.opened, std::vector<Url>{url("https://help.example/")});
+}
+
+TEST_F(CheckoutPresentationTest, EachPresentationOfASheetIsAFreshOne) {
+  const CheckoutSheet sheet(checkout);
+  const auto first = sheet.present(hostScreen());
+  drain();
+  EXPECT_EQ(sheet.viewController(), first);  // still on screen
+  loadPage(pageView(first), 500);            // recovers: a bridgeless view, recovery spent
+  ASSERT_TRUE(page(first).checkoutView()->isRecovery());
+  first->dismiss(true);
+  advance(fake::kTransitionDuration);
+  const auto second = sheet.present(hostScreen());
+  drain();
+  ASSERT_NE(second, nullptr);
+  EXPECT_NE(second, first);
+  EXPECT_EQ(hostScreen()->presentedScreen(), second->screen());
+  EXPECT_EQ(page(second).delegate(), sheet.delegate());
+  EXPECT_EQ(page(second).checkoutViewDidFailWithErrorCount(), 0);
+  EXPECT_TRUE(page(second).checkoutView()->isBridgeAttached());
 }
 
 }  // namespace

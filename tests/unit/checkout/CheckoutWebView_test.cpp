@@ -5,6 +5,7 @@
 #include "CheckoutScreenTestSupport.h"
 #include "checkout/InstrumentationPayload.h"
 #include "platform/UrlErrorCode.h"
+#include "unit/CommaDecimalLocale.h"
 #include "vemba/checkout/Checkout.h"
 
 namespace vemba::checkout {
@@ -120,7 +121,7 @@ TEST_F(CheckoutWebViewTest, OnlyAPreloadOfANormalViewWithPreloadingOnIsMarkedAsP
     EXPECT_EQ(request.url, checkout);
     EXPECT_EQ(request.timeout, std::chrono::seconds(60));
     EXPECT_EQ(request.cachePolicy, platform::CachePolicy::useProtocolCachePolicy);
-    const platform::HttpHeaders prefetch = {{"Sec-Purpose", "prefetch"}};
+    const platform::HttpHeaders prefetch = {{"Checkout-Purpose", "prefetch"}};
     EXPECT_EQ(request.headers, c.marked ? prefetch : platform::HttpHeaders());
     EXPECT_EQ(view->isPreloadRequest(), c.marked);
   }
@@ -212,6 +213,7 @@ TEST_F(CheckoutWebViewTest, OnlyAnErrorStatusOfTheCheckoutDocumentFailsTheLoad) 
 }
 
 TEST_F(CheckoutWebViewTest, LoadTimeIsMeasuredOnlyFromAProvisionalStart) {
+  const vemba::testing::CommaDecimalLocale comma;  // the numbers keep their point
   auto logger = std::make_shared<RecordingLogger>();
   configure([&](Configuration& c) { c.logger = logger; });
   const auto view = make();
