@@ -11,6 +11,21 @@ struct PresentationNode::PendingPresentation {
   bool deferred = false;
 };
 
+namespace {
+
+// The completion of a dismissal by the user's gesture. It holds the delegate from the gesture on:
+// the screen's presenter releases the screen (and with it, often, the delegate's only owner)
+// before the completions run, and the delegate must still hear of it.
+std::function<void()> tellingDelegate(const std::weak_ptr<PresentationDelegate>& delegate) {
+  return [told = delegate.lock()] {
+    if (told) {
+      told->presentationControllerDidDismiss();
+    }
+  };
+}
+
+}  // namespace
+
 PresentationNode::~PresentationNode() {
   if (presentedNode_ != nullptr && presentedNode_->presenting_ == this) {
     presentedNode_->presenting_ = nullptr;
@@ -105,11 +120,7 @@ std::optional<PresentationNode::Dismissal> PresentationNode::beginUserDismissal(
   if (const auto asked = delegate.lock(); asked && !asked->presentationControllerShouldDismiss()) {
     return std::nullopt;
   }
-  return presenting_->beginDismissal([delegate = std::move(delegate)] {
-    if (const auto told = delegate.lock()) {
-      told->presentationControllerDidDismiss();
-    }
-  });
+  return presenting_->beginDismissal(tellingDelegate(delegate));
 }
 
 bool PresentationNode::isBeingDismissed() const {
@@ -137,6 +148,22 @@ PresentationNode::Escape PresentationNode::escape(
     }
   }
   return {true, beginUserDismissal(style, std::move(delegate))};
+}
+
+PresentationNode::Dismissal PresentationNode::dismissForClosedWindow(
+    ModalPresentationStyle style, std::weak_ptr<PresentationDelegate> delegate,
+    std::initializer_list<ScreenDelegate*> delegates) {
+  PresentationNode* presenter = presenting_;
+  for (ScreenDelegate* screenDelegate : delegates) {
+    if (screenDelegate != nullptr && screenDelegate->accessibilityPerformEscape()) {
+      break;
+    }
+  }
+  if (!presenter->dismissing_) {
+    presenter->beginDismissal(style == ModalPresentationStyle::automatic ? tellingDelegate(delegate)
+                                                                         : std::function<void()>());
+  }
+  return Dismissal{presenter, presenter->dismissalId_};
 }
 
 void PresentationNode::endDismissal(std::uint64_t id,

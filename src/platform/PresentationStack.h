@@ -101,6 +101,15 @@ class PresentationNode {
   };
   Escape escape(ModalPresentationStyle style, std::weak_ptr<PresentationDelegate> delegate,
                 std::initializer_list<ScreenDelegate*> delegates);
+
+  // The window this screen (the top of its window's presentations) is shown in has closed, and
+  // the screen leaves as the user would take it: `delegates` are offered the escape gesture first
+  // (a screen that closes itself, as an ad does, begins its own dismissal); otherwise its
+  // presenter dismisses it, telling a sheet's `delegate` as for the user's gesture (which nothing
+  // may decline now). Returns the dismissal that takes it: the backend ends it at once.
+  Dismissal dismissForClosedWindow(ModalPresentationStyle style,
+                                   std::weak_ptr<PresentationDelegate> delegate,
+                                   std::initializer_list<ScreenDelegate*> delegates);
   // Ends dismissal `id` of this presenter (nothing when that dismissal was taken over by a lower
   // one or has ended): `tearDown` (may be empty) sees each taken screen top first while still
   // linked, then the screens are unlinked and released, then the completions run.

@@ -1,7 +1,9 @@
-// The host application on GTK: windows, the key window and scenes. (The opener's
-// scheme rule is the core's; the ad tests show refused schemes end to end.)
+// The host application on GTK: windows, the key window (also while another application has the
+// focus), scenes, and who decides which URLs leave the application.
 #include <gtk/gtk.h>
 
+#include <cstdlib>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -13,6 +15,8 @@
 
 namespace vemba::gui_test {
 namespace {
+
+using std::chrono::milliseconds;
 
 class ApplicationTest : public GuiTest {
  protected:
@@ -44,6 +48,19 @@ TEST_F(ApplicationTest, KeyWindowIsTheActiveToplevelAndScenesAreEmpty) {
   EXPECT_EQ(keyCount, 1);
   EXPECT_TRUE(foundFirst);
 
+  // Another application's window takes the focus (ours are in the background): the key window
+  // is still the one active last. The other application quits by itself.
+  ASSERT_EQ(std::system("/usr/bin/python3 -c \"import gi; gi.require_version('Gtk', '4.0'); "
+                        "from gi.repository import Gtk, GLib; Gtk.init(); Gtk.Window().present(); "
+                        "GLib.timeout_add(2500, lambda: exit(0)); GLib.MainLoop().run()\" "
+                        "2>/dev/null &"),
+            0);
+  ASSERT_TRUE(runUntil([&] { return gtk_window_is_active(second) == FALSE; }, milliseconds(5000)));
+  EXPECT_FALSE(gtk_window_is_active(window));
+  for (const auto& candidate : app().windows()) {
+    EXPECT_EQ(candidate->isKeyWindow(), candidate->rootScreen() == screenForWindow(second));
+  }
+
   // A window that went away is neither key nor has a screen.
   gtk_window_destroy(second);
   runFor(std::chrono::milliseconds(20));
@@ -52,6 +69,22 @@ TEST_F(ApplicationTest, KeyWindowIsTheActiveToplevelAndScenesAreEmpty) {
       EXPECT_FALSE(candidate->isKeyWindow());
     }
   }
+}
+
+TEST_F(ApplicationTest, TheDefaultOpenerKeepsToFourSchemesAHostsOpenerDecidesEveryUrl) {
+  const Url custom = *Url::parse("lumenmoss-app://orders/7");
+  EXPECT_FALSE(app().canOpenURL(custom));
+  EXPECT_TRUE(app().canOpenURL(*Url::parse("mailto:care@lumenmoss.test")));
+  app().open(custom);  // refused with a log line: nothing is launched
+  std::vector<std::string> opened;
+  setUrlOpener([&](const std::string& url) {
+    opened.push_back(url);
+    throw std::runtime_error("the host's opener went wrong");  // stopped in the library
+  });
+  EXPECT_TRUE(app().canOpenURL(custom));
+  app().open(custom);
+  EXPECT_EQ(opened, std::vector<std::string>{custom.absoluteString()});
+  setUrlOpener({});
 }
 
 TEST_F(ApplicationTest, ScreenForWindowIsStableAndWrapsTheContentOnce) {

@@ -1,6 +1,10 @@
-// The emitter's particle model, stepped by hand (no GTK, no clock).
+// The emitter's particle model, stepped by hand (no GTK, no clock), and the layer that steps it on
+// a window's frame clock only while there is something to step.
 #include <gtest/gtest.h>
+#include <gtk/gtk.h>
 
+#include "GuiTest.h"
+#include "ui/GtkEmitterLayer.h"
 #include "ui/ParticleSystem.h"
 
 namespace vemba::linux_platform {
@@ -53,9 +57,28 @@ TEST(ParticleSystem, ParticlesDieAtTheirLifetimeAndStoppingBirthsEmptiesTheLayer
   for (const Particle& p : system.particles()) {
     EXPECT_LT(p.age, 0.5);
   }
+  EXPECT_FALSE(system.isSpent());
   system.birthRate = 0.0F;
+  EXPECT_FALSE(system.isSpent());  // particles still alive
   run(system, 2.0, 2.6);
   EXPECT_TRUE(system.particles().empty());
+  EXPECT_TRUE(system.isSpent());
+}
+
+class EmitterLayerTest : public gui_test::GuiTest {};
+
+TEST_F(EmitterLayerTest, StopsTickingOnceItsParticlesAreGoneAndStartsAgainWithNewBirths) {
+  GtkEmitterLayer layer;
+  gtk_window_set_child(window, layer.layerWidget());
+  layer.setEmitterCells({cell(60.0F, 0.2F)});
+  ASSERT_TRUE(runUntil([&] { return layer.particleCount() > 0; }));
+  layer.setBirthRate(0.0F);
+  EXPECT_TRUE(layer.isTicking());
+  EXPECT_TRUE(runUntil([&] { return !layer.isTicking(); }));
+  EXPECT_EQ(layer.particleCount(), 0U);
+  layer.setBirthRate(1.0F);
+  EXPECT_TRUE(layer.isTicking());
+  gtk_window_set_child(window, nullptr);
 }
 
 TEST(ParticleSystem, ARunawayRateIsCapped) {

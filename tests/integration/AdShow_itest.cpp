@@ -66,11 +66,12 @@ TEST_F(AdShowTest, AClickThroughIsReportedAndOpenedOutside) {
       1U);
 }
 
+// The page's first close while the sheet is over the ad dismisses the sheet; the next one, the ad.
 TEST_F(AdShowTest, ShopThisPresentsACheckoutSheetOverTheAd) {
   const InspectorRun run =
-      show("itest-shop", page("interstitial.html?auto=openCheckout&autoDelay=400"),
-           {"--close-after", "4"});
-  EXPECT_EQ(run.trace(), (Strings{"adDidLoad", "adDidShow", "screen:presented", "adDidDismiss"}));
+      show("itest-shop", page("interstitial.html?auto=openCheckout,close,close&autoDelay=1500"));
+  EXPECT_EQ(run.trace(), (Strings{"adDidLoad", "adDidShow", "screen:presented", "screen:dismissed",
+                                  "adDidDismiss"}));
   EXPECT_EQ(pageRequests("/checkout/demo").size(), 1U);
   EXPECT_NE(run.errors.find("Presenting Checkout Sheet for URL: "), std::string::npos);
 }
@@ -124,27 +125,21 @@ std::size_t occurrences(const std::string& text, const std::string& needle) {
 }
 
 const Strings kShownAndClosed{"adDidLoad", "adDidShow", "adDidDismiss"};
-const Strings kClickedAndClosed{"adDidLoad", "adDidShow", "adDidClick", "adDidDismiss"};
 constexpr const char* kReceived = "vemba received message: vemba";
-constexpr const char* kRefused = "not opening a URL whose scheme is not allowed: ";
 
 const HostilePage kHostilePages[] = {
-    // Every malformed or unknown message is ignored, and URLs of schemes the opener refuses are
-    // logged and never opened; the bare "click" at the end still counts.
+    // Every malformed or unknown message is ignored; the URLs of other schemes that parse reach
+    // the host's opener, which decides (the inspector prints them and opens nothing); the bare
+    // "click" at the end still counts.
     {"Ignored",
      "interstitial.html?autoDelay=20&auto=dance,Close,dict-empty,dict-noaction,dict-emptyaction,"
      "dict-numberaction,dict-close,dict-click,dict-unknown,dict-caseaction,openURL-nourl,"
      "openURL-numberurl,openURL-unparsable,openCheckout-nourl,openCheckout-unparsable,number,"
      "bool,null,array,openURL-javascript,openURL-file,openURL-data,openURL-custom,click",
      2,
-     kClickedAndClosed,
-     {{kReceived, 24},
-      {"Presenting Checkout Sheet", 0},
-      {"Opening URL in Safari: ", 4},
-      {std::string(kRefused) + "javascript:", 1},
-      {std::string(kRefused) + "file:", 1},
-      {std::string(kRefused) + "data:", 1},
-      {std::string(kRefused) + "lumenmoss-app:", 1}}},
+     {"adDidLoad", "adDidShow", "opened", "opened", "opened", "opened", "adDidClick",
+      "adDidDismiss"},
+     {{kReceived, 24}, {"Presenting Checkout Sheet", 0}, {"Opening URL in Safari: ", 4}}},
     // A 4 MiB string body, then a 4 MiB https URL to open (a URL like any other: opened once,
     // whole), then a click that must still arrive.
     {.name = "Huge",
@@ -197,12 +192,9 @@ TEST_P(AdShowHostilePageTest, ShowsClosesAndTellsTheHostOnlyWhatItMay) {
   const std::string pagePath =
       "/ads/" + std::string(hostile.page).substr(0, std::string(hostile.page).find('?'));
   EXPECT_GE(pageRequests(pagePath).size(), hostile.minPageRequests) << run.errors.substr(0, 2000);
-  // Whatever was opened outside is the page's own https landing page, never another scheme.
   for (const nlohmann::json& line : run.lines) {
     if (line.contains("opened")) {
-      const std::string& url = line["opened"].get_ref<const std::string&>();
-      EXPECT_EQ(url.rfind(exchange_->origin() + "/landing/", 0), 0U);
-      EXPECT_GE(url.size(), hostile.minOpenedLength);
+      EXPECT_GE(line["opened"].get_ref<const std::string&>().size(), hostile.minOpenedLength);
     }
   }
 }

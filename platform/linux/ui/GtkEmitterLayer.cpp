@@ -18,13 +18,6 @@ double mediaTimeNow() {
   return static_cast<double>(g_get_monotonic_time()) / 1e6;
 }
 
-gboolean onTick(GtkWidget* area, GdkFrameClock* /*clock*/, gpointer data) {
-  ParticleSystem& system = **static_cast<SystemRef*>(data);
-  system.step(mediaTimeNow());
-  gtk_widget_queue_draw(area);
-  return G_SOURCE_CONTINUE;
-}
-
 void draw(GtkDrawingArea* /*area*/, cairo_t* cr, int /*width*/, int /*height*/, gpointer data) {
   const ParticleSystem& system = **static_cast<SystemRef*>(data);
   for (const Particle& particle : system.particles()) {
@@ -49,13 +42,35 @@ GtkEmitterLayer::GtkEmitterLayer()
   gtk_widget_set_can_target(area_, FALSE);
   gtk_drawing_area_set_draw_func(GTK_DRAWING_AREA(area_), draw, new SystemRef(system_),
                                  deleteSystemRef);
-  tickId_ = gtk_widget_add_tick_callback(area_, onTick, new SystemRef(system_), deleteSystemRef);
+  tick();
 }
 
 GtkEmitterLayer::~GtkEmitterLayer() {
   removeFromSuperlayer();
-  gtk_widget_remove_tick_callback(area_, tickId_);
+  if (tickId_ != 0) {
+    gtk_widget_remove_tick_callback(area_, tickId_);
+  }
   g_object_unref(area_);
+}
+
+void GtkEmitterLayer::tick() {
+  if (tickId_ != 0) {
+    return;
+  }
+  // `this` outlives the callback: the destructor removes it, and it removes itself once spent.
+  tickId_ = gtk_widget_add_tick_callback(
+      area_,
+      +[](GtkWidget* area, GdkFrameClock* /*clock*/, gpointer data) -> gboolean {
+        auto* layer = static_cast<GtkEmitterLayer*>(data);
+        layer->system_->step(mediaTimeNow());
+        gtk_widget_queue_draw(area);  // the last frame clears what the previous one drew
+        if (layer->system_->isSpent()) {
+          layer->tickId_ = 0;
+          return G_SOURCE_REMOVE;
+        }
+        return G_SOURCE_CONTINUE;
+      },
+      this, nullptr);
 }
 
 void GtkEmitterLayer::removeFromSuperlayer() {
@@ -75,12 +90,14 @@ void GtkEmitterLayer::setEmitterShape(Shape shape) {
 }
 void GtkEmitterLayer::setEmitterCells(std::vector<platform::EmitterCell> cells) {
   system_->cells = std::move(cells);
+  tick();
 }
 void GtkEmitterLayer::setBeginTime(double beginTime) {
   system_->beginTime = beginTime;
 }
 void GtkEmitterLayer::setBirthRate(float birthRate) {
   system_->birthRate = birthRate;
+  tick();
 }
 float GtkEmitterLayer::birthRate() const {
   return system_->birthRate;

@@ -1,6 +1,8 @@
 // The particle emitter layer: a GtkDrawingArea over the view that holds it (it takes no input),
-// animated by a tick callback. Particles follow the platform's particle model for the properties
-// the seam carries; see ParticleSystem.h. Owned by the core; main thread only.
+// animated by a tick callback while it has particles or may still make some (the callback
+// removes itself once the layer is spent, and a change of the cells or the rate starts it again).
+// Particles follow the platform's particle model for the properties the seam carries; see
+// ParticleSystem.h. Owned by the core; main thread only.
 #pragma once
 
 #include <memory>
@@ -34,10 +36,13 @@ class GtkEmitterLayer final : public platform::EmitterLayer, public GtkLayerWidg
   GtkWidget* layerWidget() const override { return area_; }
   platform::Rect layerFrame() const override { return frame_; }
 
-  // Tests and tools: the particles alive now.
+  // Tests and tools: the particles alive now, and whether the frame clock still steps them.
   std::size_t particleCount() const;
+  bool isTicking() const { return tickId_ != 0; }
 
  private:
+  void tick();
+
   GtkWidget* area_;
   std::shared_ptr<ParticleSystem> system_;
   unsigned tickId_ = 0;

@@ -9,6 +9,7 @@
 #include "GtkControls.h"
 #include "GtkCss.h"
 #include "GtkViewBase.h"
+#include "WindowModality.h"
 #include "platform/LogSink.h"
 #include "platform/Services.h"
 
@@ -16,7 +17,7 @@ namespace vemba::linux_platform {
 
 namespace {
 
-constexpr const char* kOverlayMark = "vemba-presentation-overlay";
+constexpr const char* kOverlayKey = "vemba-window-overlay";
 constexpr const char* kWindowScreenKey = "vemba-window-screen";
 constexpr const char* kTransitionTween = "transition";
 constexpr const char* kBackdropCss = "background-color: rgba(0, 0, 0, 0.4);";
@@ -34,24 +35,45 @@ void deleteWeakScreen(gpointer data, GClosure* /*closure*/) {
   delete static_cast<WeakScreen*>(data);
 }
 
+// Makes `overlay` the window's child again with `content` (may be null) as what it covers.
+void wrap(GtkWindow* window, GtkWidget* overlay, GtkWidget* content) {
+  if (content != nullptr) {
+    g_object_ref(content);
+  }
+  gtk_window_set_child(window, overlay);
+  if (content != nullptr) {
+    gtk_overlay_set_child(GTK_OVERLAY(overlay), content);
+    g_object_unref(content);
+  }
+}
+
+// The host put other content into the window (or none): it goes beneath what is presented, and
+// the content it replaced gets back what the presentations had taken from it.
+void onWindowChildChanged(GtkWindow* window, GParamSpec* /*spec*/, gpointer data) {
+  auto* overlay = static_cast<GtkWidget*>(data);
+  GtkWidget* content = gtk_window_get_child(window);
+  if (content == overlay) {
+    return;
+  }
+  if (GtkWidget* replaced = gtk_overlay_get_child(GTK_OVERLAY(overlay))) {
+    WindowModality::release(replaced);
+    gtk_overlay_set_child(GTK_OVERLAY(overlay), nullptr);
+  }
+  wrap(window, overlay, content);  // notifies again, with the overlay as the child
+  WindowModality::of(window).apply();
+}
+
 // The overlay that holds `window`'s content and everything presented over it; made (wrapping the
-// content) on first use.
+// content) on first use, and kept with the window.
 GtkWidget* windowOverlay(GtkWindow* window) {
-  GtkWidget* child = gtk_window_get_child(window);
-  if (child != nullptr && GTK_IS_OVERLAY(child) &&
-      g_object_get_data(G_OBJECT(child), kOverlayMark) != nullptr) {
-    return child;
+  if (auto* overlay = static_cast<GtkWidget*>(g_object_get_data(G_OBJECT(window), kOverlayKey))) {
+    return overlay;
   }
   GtkWidget* overlay = gtk_overlay_new();
-  g_object_set_data(G_OBJECT(overlay), kOverlayMark, overlay);
-  if (child != nullptr) {
-    g_object_ref(child);
-    gtk_window_set_child(window, overlay);
-    gtk_overlay_set_child(GTK_OVERLAY(overlay), child);
-    g_object_unref(child);
-  } else {
-    gtk_window_set_child(window, overlay);
-  }
+  g_object_ref_sink(overlay);
+  g_object_set_data_full(G_OBJECT(window), kOverlayKey, overlay, g_object_unref);
+  wrap(window, overlay, gtk_window_get_child(window));
+  g_signal_connect(window, "notify::child", G_CALLBACK(onWindowChildChanged), overlay);
   return overlay;
 }
 
@@ -126,16 +148,25 @@ std::shared_ptr<GtkScreen> GtkScreen::forWindow(GtkWindow* window) {
   }
   watchWindowActivations();  // the host's windows are known from here on
   Strong screen(new GtkScreen(Kind::plain));
+  screen->isWindowRoot_ = true;
   screen->windowOfOwn_ = window;
   // Released when the window is finalised; the screen then touches the window no more.
   g_object_set_data_full(
       G_OBJECT(window), kWindowScreenKey, new Strong(screen),
       +[](gpointer data) { delete static_cast<Strong*>(data); });
+  g_signal_connect(
+      window, "destroy", G_CALLBACK(+[](GtkWidget* closed, gpointer /*data*/) {
+        auto* held = static_cast<Strong*>(g_object_get_data(G_OBJECT(closed), kWindowScreenKey));
+        if (held != nullptr) {
+          (*held)->windowDidClose();
+        }
+      }),
+      nullptr);
   return screen;
 }
 
 GtkScreen::~GtkScreen() {
-  // A presenter that goes away (its window was destroyed) takes what it presents down quietly.
+  // A presenter that goes away takes what it presents down quietly.
   for (const platform::PresentationNode* node = stack_.presentedNode(); node != nullptr;
        node = node->presentedNode()) {
     of(*node).tearDownPresentation();
@@ -146,9 +177,41 @@ GtkScreen::~GtkScreen() {
       removeFromParent(gtkWidgetOf(*root_->view_));
     }
   }
-  if (windowOfOwn_ != nullptr) {
+  if (isWindowRoot_) {
     view_.reset();  // the overlay stays in (or went with) the window
   }
+}
+
+void GtkScreen::windowDidClose() {
+  windowOfOwn_ = nullptr;
+  if (!stack_.presentedNode()) {
+    return;
+  }
+  // On a later turn, so nobody is called back inside the host's closing of its window; until
+  // then this screen, and through it everything it presents, stays alive.
+  postToMainLoop([keep = shared_from_this()] {
+    for (;;) {
+      platform::PresentationNode* top = keep->stack_.presentedNode();
+      if (top == nullptr) {
+        return;
+      }
+      while (top->presentedNode() != nullptr) {
+        top = top->presentedNode();
+      }
+      GtkScreen& screen = of(*top);
+      const auto alive = screen.shared_from_this();
+      const auto own = screen.delegate_.lock();
+      const auto rootDelegate = screen.root_ ? screen.root_->delegate_.lock() : nullptr;
+      const platform::PresentationNode::Dismissal ending = top->dismissForClosedWindow(
+          screen.style_, screen.presentationDelegate_, {own.get(), rootDelegate.get()});
+      ending.presenter->endDismissal(ending.id, [](platform::Screen& gone) {
+        static_cast<GtkScreen&>(gone).tearDownPresentation();
+      });
+      if (screen.stack_.presentingNode() != nullptr) {
+        return;  // it did not leave: stop rather than loop
+      }
+    }
+  });
 }
 
 GtkScreen& GtkScreen::of(const platform::PresentationNode& node) {
@@ -161,7 +224,7 @@ GtkScreen* GtkScreen::container() const {
 }
 
 GtkWindow* GtkScreen::window() const {
-  if (windowOfOwn_ != nullptr) {
+  if (isWindowRoot_) {
     return windowOfOwn_;
   }
   if (const platform::PresentationNode* presenter = stack_.presentingNode()) {
@@ -183,8 +246,12 @@ platform::View& GtkScreen::view() {
   if (view_ != nullptr) {
     return *view_;
   }
-  if (windowOfOwn_ != nullptr) {
-    view_ = std::make_shared<GtkWidgetView>(windowOverlay(windowOfOwn_));
+  if (isWindowRoot_) {
+    if (windowOfOwn_ == nullptr) {
+      view_ = std::make_shared<GtkPlainView>();  // the window has closed
+    } else {
+      view_ = std::make_shared<GtkWidgetView>(windowOverlay(windowOfOwn_));
+    }
   } else if (kind_ == Kind::navigation) {
     GtkWidget* column = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
     headerBar_ = gtk_header_bar_new();
@@ -297,6 +364,15 @@ GtkWidget* GtkScreen::contentWidget() {
   return gtkWidgetOf(view());
 }
 
+GtkWidget* GtkScreen::preferredFocusWidget() {
+  for (const auto& delegate : {delegate_.lock(), root_ ? root_->delegate_.lock() : nullptr}) {
+    if (platform::View* view = delegate ? delegate->preferredFocusView() : nullptr) {
+      return gtkWidgetOf(*view);
+    }
+  }
+  return nullptr;
+}
+
 void GtkScreen::buildPresentation(GtkWidget* overlay) {
   GtkWidget* content = contentWidget();
   presentation_ = gtk_overlay_new();
@@ -321,48 +397,81 @@ void GtkScreen::buildPresentation(GtkWidget* overlay) {
     panel_ = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
     styleWidget(panel_, kPanelCss);
     gtk_widget_set_overflow(panel_, GTK_OVERFLOW_HIDDEN);
-    gtk_widget_set_halign(panel_, GTK_ALIGN_CENTER);
-    gtk_widget_set_valign(panel_, GTK_ALIGN_FILL);
-    gtk_widget_set_margin_top(panel_, kSheetTopInset);
-    const int available = gtk_widget_get_width(overlay);
-    gtk_widget_set_size_request(
-        panel_, available > 0 ? std::min(kSheetMaxWidth, available) : kSheetMaxWidth, -1);
     gtk_widget_set_hexpand(content, TRUE);
     gtk_widget_set_vexpand(content, TRUE);
     gtk_box_append(GTK_BOX(panel_), content);
     gtk_overlay_add_overlay(GTK_OVERLAY(presentation_), panel_);
-
-    // Escape anywhere in the window dismisses the topmost sheet.
-    GtkEventController* keys = gtk_event_controller_key_new();
-    gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
-    g_signal_connect_data(keys, "key-pressed",
-                          G_CALLBACK(+[](GtkEventControllerKey* /*c*/, guint keyval, guint /*code*/,
-                                         GdkModifierType /*state*/, gpointer data) -> gboolean {
-                            const auto self = static_cast<WeakScreen*>(data)->lock();
-                            if (keyval != GDK_KEY_Escape || !self) {
-                              return FALSE;
-                            }
-                            return self->userDismiss() ? TRUE : FALSE;
-                          }),
-                          new WeakScreen(weak_from_this()), deleteWeakScreen, G_CONNECT_DEFAULT);
-    escapeWindow_ = GTK_WIDGET(gtk_widget_get_root(overlay));
-    g_object_add_weak_pointer(G_OBJECT(escapeWindow_), reinterpret_cast<gpointer*>(&escapeWindow_));
-    gtk_widget_add_controller(escapeWindow_, keys);
-    escapeController_ = keys;
+    // Placed at every allocation, so the panel follows the window's size.
+    g_signal_connect(presentation_, "get-child-position",
+                     G_CALLBACK(+[](GtkOverlay* sheet, GtkWidget* child, GdkRectangle* allocation,
+                                    gpointer /*data*/) -> gboolean {
+                       if (child == gtk_overlay_get_child(sheet)) {
+                         return FALSE;
+                       }
+                       const int width = gtk_widget_get_width(GTK_WIDGET(sheet));
+                       const int height = gtk_widget_get_height(GTK_WIDGET(sheet));
+                       allocation->width = std::min(kSheetMaxWidth, width);
+                       allocation->x = (width - allocation->width) / 2;
+                       allocation->y = std::min(kSheetTopInset, height);
+                       allocation->height = height - allocation->y;
+                       return TRUE;
+                     }),
+                     nullptr);
   }
+  // Escape reaches the focused content (the page) first. WebKit hands a key the page left
+  // unhandled back to GTK, which dispatches it again: it then bubbles up to here and is the
+  // user's escape gesture. Whether the page showed a modal of its own is taken when the key was
+  // pressed (the capture phase of the first dispatch), since a page may close its modal on that
+  // very key and still leave the key unhandled.
+  GtkEventController* pressed = gtk_event_controller_key_new();
+  gtk_event_controller_set_propagation_phase(pressed, GTK_PHASE_CAPTURE);
+  g_signal_connect_data(
+      pressed, "key-pressed",
+      G_CALLBACK(+[](GtkEventControllerKey* controller, guint keyval, guint /*code*/,
+                     GdkModifierType /*state*/, gpointer data) -> gboolean {
+        const auto self = static_cast<WeakScreen*>(data)->lock();
+        const guint32 time =
+            gtk_event_controller_get_current_event_time(GTK_EVENT_CONTROLLER(controller));
+        if (keyval == GDK_KEY_Escape && self && time != self->escapePressTime_) {
+          self->escapePressTime_ = time;
+          const auto asked = self->presentationDelegate_.lock();
+          self->escapeAllowedAtPress_ = !asked || asked->presentationControllerShouldDismiss();
+        }
+        return FALSE;
+      }),
+      new WeakScreen(weak_from_this()), deleteWeakScreen, G_CONNECT_DEFAULT);
+  gtk_widget_add_controller(presentation_, pressed);
+  GtkEventController* unhandled = gtk_event_controller_key_new();
+  gtk_event_controller_set_propagation_phase(unhandled, GTK_PHASE_BUBBLE);
+  g_signal_connect_data(
+      unhandled, "key-pressed",
+      G_CALLBACK(+[](GtkEventControllerKey* controller, guint keyval, guint /*code*/,
+                     GdkModifierType /*state*/, gpointer data) -> gboolean {
+        const auto self = static_cast<WeakScreen*>(data)->lock();
+        if (keyval != GDK_KEY_Escape || !self) {
+          return FALSE;
+        }
+        const guint32 time =
+            gtk_event_controller_get_current_event_time(GTK_EVENT_CONTROLLER(controller));
+        if (time == self->escapePressTime_ && !self->escapeAllowedAtPress_) {
+          return TRUE;  // it closed the page's own modal
+        }
+        return self->escape() ? TRUE : FALSE;
+      }),
+      new WeakScreen(weak_from_this()), deleteWeakScreen, G_CONNECT_DEFAULT);
+  gtk_widget_add_controller(presentation_, unhandled);
   gtk_overlay_add_overlay(GTK_OVERLAY(overlay), presentation_);
 }
 
 void GtkScreen::tearDownPresentation() {
-  if (escapeWindow_ != nullptr) {
-    gtk_widget_remove_controller(escapeWindow_, GTK_EVENT_CONTROLLER(escapeController_));
-    g_object_remove_weak_pointer(G_OBJECT(escapeWindow_),
-                                 reinterpret_cast<gpointer*>(&escapeWindow_));
-    escapeWindow_ = nullptr;
-  }
-  escapeController_ = nullptr;
   if (presentation_ == nullptr) {
     return;
+  }
+  if (modalWindow_ != nullptr) {
+    WindowModality::of(modalWindow_).remove(presentation_);
+    g_object_remove_weak_pointer(G_OBJECT(modalWindow_),
+                                 reinterpret_cast<gpointer*>(&modalWindow_));
+    modalWindow_ = nullptr;
   }
   stopTween(presentation_, kTransitionTween);
   // The root view leaves the presentation's widgets so the screen can be presented again.
@@ -379,7 +488,7 @@ void GtkScreen::tearDownPresentation() {
 void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
                               std::function<void()> completion) {
   auto gtkChild = std::dynamic_pointer_cast<GtkScreen>(child);
-  if (!gtkChild || gtkChild->windowOfOwn_ != nullptr || !stack_.canPresent(gtkChild->stack_)) {
+  if (!gtkChild || gtkChild->isWindowRoot_ || !stack_.canPresent(gtkChild->stack_)) {
     return;  // as on a phone: nothing happens and the completion never runs
   }
   GtkWindow* target = window();
@@ -396,6 +505,12 @@ void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool anim
   gtkChild->appear();
   gtkChild->buildPresentation(overlay);
   GtkWidget* shown = gtkChild->presentation_;
+  gtkChild->modalWindow_ = target;
+  g_object_add_weak_pointer(G_OBJECT(target), reinterpret_cast<gpointer*>(&gtkChild->modalWindow_));
+  WindowModality::of(target).push(shown, [weakChild = WeakScreen(gtkChild)]() -> GtkWidget* {
+    const auto presented = weakChild.lock();
+    return presented ? presented->preferredFocusWidget() : nullptr;
+  });
   if (!animated) {
     if (finished) {
       postToMainLoop(std::move(finished));
@@ -466,6 +581,16 @@ bool GtkScreen::userDismiss() {
   }
   of(*dismissal->presenter).runDismissal(dismissal->id, /*animated=*/true);
   return true;
+}
+
+bool GtkScreen::escape() {
+  const auto own = delegate_.lock();
+  const auto rootDelegate = root_ ? root_->delegate_.lock() : nullptr;
+  const auto escape = stack_.escape(style_, presentationDelegate_, {own.get(), rootDelegate.get()});
+  if (escape.dismissal) {
+    of(*escape.dismissal->presenter).runDismissal(escape.dismissal->id, /*animated=*/true);
+  }
+  return escape.handled;
 }
 
 }  // namespace vemba::linux_platform

@@ -1,17 +1,25 @@
 // Screens of the GTK backend, presented inside the window of the screen they are presented
 // from. Main thread only.
 //
-// The first presentation in a window wraps the window's content in a GtkOverlay; each presented
-// screen is then an overlay child above everything presented before it:
+// The first presentation in a window wraps the window's content in a GtkOverlay (and keeps it
+// wrapped: content the host puts into the window later goes beneath what is presented); each
+// presented screen is then an overlay child above everything presented before it:
 // - full-screen style: the screen's root view covers the window;
-// - automatic style (a sheet): a panel over a dimmed backdrop; Escape or a click on the backdrop
-//   is the user's dismissal (the sheet is dismissed, then its PresentationDelegate is told).
+// - automatic style (a sheet): a panel (at most kSheetMaxWidth wide, kSheetTopInset below the
+//   top, following the window's size) over a dimmed backdrop; a click on the backdrop is the
+//   user's dismissal (the sheet is dismissed, then its PresentationDelegate is told).
+// Presentations are modal (WindowModality.h): beneath the top one nothing takes input, and the
+// keyboard focus is in it. An Escape the focused content (the page) leaves unhandled is the
+// user's escape gesture on the top presentation (PresentationNode::escape()). When the window
+// closes, its presentations leave at once, top first, as the user would take them
+// (PresentationNode::dismissForClosedWindow()).
 // A navigation container's view is a column of a header bar (its root's title and right bar
 // item) in a GtkRevealer and its root screen's view.
 //
 // Lifetimes follow platform::Screen: the creator owns a screen; while presented, the presenter
 // holds it and its ScreenDelegate and releases both before the dismissal's completion runs. A
-// window's own screen (forWindow()) lives as long as the window.
+// window's own screen (forWindow()) lives as long as the window, and one main-loop turn longer
+// when the window closes with something presented.
 #pragma once
 
 #include <chrono>
@@ -71,10 +79,13 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
   void setNavigationBarHidden(bool hidden, bool animated) override;
   bool isNavigationBarHidden() const override { return barHidden_; }
 
-  // The user's dismissal of this presented sheet (Escape, a backdrop click); false when this
-  // screen is not the top presented sheet or a dismissal that would take it is under way. Tests
-  // call it directly too.
+  // The user's dismissal of this presented sheet (a backdrop click); false when this screen is
+  // not the top presented sheet, a dismissal that would take it is under way, or its
+  // PresentationDelegate declines. Tests call it directly too.
   bool userDismiss();
+  // The user's escape gesture on this screen (an Escape its content left unhandled); false when
+  // it meant nothing here. Tests call it directly too.
+  bool escape();
 
   // Tests and tools: the window this screen is shown in (or would present into), the widgets
   // of its presentation and navigation bar (null when there are none).
@@ -86,8 +97,6 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
   GtkWidget* titleLabel() const { return titleLabel_; }
   GtkWidget* rightItemButton() const { return rightButton_; }
   GtkWidget* barRevealer() const { return revealer_; }
-  // The window's key controller that turns Escape into the user's dismissal of this sheet.
-  void* escapeController() const { return escapeController_; }
 
  private:
   explicit GtkScreen(Kind kind);
@@ -96,14 +105,19 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
 
   GtkScreen* container() const;
   void appear();
+  // The widget the screen's delegates want focused when it is presented; null when none.
+  GtkWidget* preferredFocusWidget();
   void buildPresentation(GtkWidget* overlay);
   void tearDownPresentation();
+  // The window of this window's own screen has closed: everything presented leaves at once.
+  void windowDidClose();
   void runDismissal(std::uint64_t id, bool animated);
   void updateBar();
   GtkWidget* contentWidget();
 
   Kind kind_;
-  GtkWindow* windowOfOwn_ = nullptr;  // forWindow() screens only; the window outlives them
+  bool isWindowRoot_ = false;         // made by forWindow()
+  GtkWindow* windowOfOwn_ = nullptr;  // forWindow() screens only, until the window closes
   std::shared_ptr<platform::View> view_;
   std::weak_ptr<platform::ScreenDelegate> delegate_;
   std::weak_ptr<platform::PresentationDelegate> presentationDelegate_;
@@ -123,8 +137,10 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
   GtkWidget* presentation_ = nullptr;
   GtkWidget* panel_ = nullptr;
   GtkWidget* backdrop_ = nullptr;
-  GtkWidget* escapeWindow_ = nullptr;  // the window holding escapeController_
-  void* escapeController_ = nullptr;
+  GtkWindow* modalWindow_ = nullptr;  // whose WindowModality holds presentation_; weak
+  // The latest Escape press, and whether the presentation delegate allowed a dismissal then.
+  std::uint32_t escapePressTime_ = 0;
+  bool escapeAllowedAtPress_ = true;
 
   LiveCounter<GtkScreen> counted_;
   // Its place in the window's presentation stack; goes first, while root_ still lives.

@@ -43,6 +43,15 @@ void ParticleSystem::step(double now) {
   lastStep_ = now;
 }
 
+bool ParticleSystem::isSpent() const {
+  if (!particles_.empty()) {
+    return false;
+  }
+  return std::none_of(cells.begin(), cells.end(), [this](const platform::EmitterCell& cell) {
+    return cell.lifetime > 0.0F && static_cast<double>(cell.birthRate) * birthRate > 0.0;
+  });
+}
+
 void ParticleSystem::birth(std::size_t cellIndex, double age) {
   const platform::EmitterCell& cell = cells[cellIndex];
   std::uniform_real_distribution<double> unit(-1.0, 1.0);

@@ -48,6 +48,9 @@ class ParticleSystem {
   // dead, and births what the rates owe since the last step. The first step only sets the clock.
   void step(double now);
   const std::vector<Particle>& particles() const { return particles_; }
+  // Nothing is alive and nothing will be born at the rates as they stand: stepping it further
+  // changes nothing.
+  bool isSpent() const;
 
  private:
   void birth(std::size_t cellIndex, double age);

@@ -49,9 +49,11 @@ class StackScreen final : public Screen {
 struct Delegate final : ScreenDelegate, PresentationDelegate {
   Delegate(std::string screenName, Log* into) : name(std::move(screenName)), log(into) {}
   ~Delegate() override { log->push_back("released " + name + "'s delegate"); }
+  bool presentationControllerShouldDismiss() override { return allows; }
   void presentationControllerDidDismiss() override { log->push_back("told " + name); }
   std::string name;
   Log* log;
+  bool allows = true;
 };
 
 class PresentationStackTest : public ::testing::Test {
@@ -216,7 +218,7 @@ TEST_F(PresentationStackTest, ALowerDismissalTakesOverOneHigherUpAndItsLateEndDo
 }
 
 TEST_F(PresentationStackTest, TheUsersDismissalReachesOnlyTheTopSheetAndIsToldAfterRelease) {
-  enum class Setup { topSheet, fullScreen, notPresented, covered, byPresenter, byLower };
+  enum class Setup { topSheet, fullScreen, notPresented, covered, byPresenter, byLower, declined };
   struct Case {
     const char* what;
     Setup setup;
@@ -229,6 +231,7 @@ TEST_F(PresentationStackTest, TheUsersDismissalReachesOnlyTheTopSheetAndIsToldAf
       {"covered by another screen", Setup::covered, false},
       {"its presenter is dismissing it", Setup::byPresenter, false},
       {"a dismissal below takes it", Setup::byLower, false},
+      {"its delegate declines", Setup::declined, false},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -249,6 +252,7 @@ TEST_F(PresentationStackTest, TheUsersDismissalReachesOnlyTheTopSheetAndIsToldAf
     if (c.setup == Setup::byLower) {
       ASSERT_TRUE(host->node.beginDismissal({}));
     }
+    user->allows = c.setup != Setup::declined;
     const auto style = c.setup == Setup::fullScreen ? ModalPresentationStyle::fullScreen
                                                     : ModalPresentationStyle::automatic;
     const auto dismissal = rawSheet->node.beginUserDismissal(style, user);
@@ -257,8 +261,10 @@ TEST_F(PresentationStackTest, TheUsersDismissalReachesOnlyTheTopSheetAndIsToldAf
       continue;
     }
     EXPECT_EQ(dismissal->presenter, &middle->node);
+    user.reset();  // the delegate may have no other owner: it is still told
     dismissal->presenter->endDismissal(dismissal->id);
-    EXPECT_EQ(log, (Log{"released sheet", "released sheet's delegate", "told user"}));
+    EXPECT_EQ(log, (Log{"released sheet", "released sheet's delegate", "told user",
+                        "released user's delegate"}));
   }
 }
 

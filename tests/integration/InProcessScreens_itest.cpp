@@ -1,9 +1,14 @@
-// Many show/close cycles of both ad formats in one process on the real Linux backend (GTK 4 +
+// Ads and checkout sheets shown in this very process on the real Linux backend (GTK 4 +
 // WebKitGTK under a virtual display), against the local exchange on the library's own origin:
-// every cycle must give back its web view, its screen and its web process, and an ad loaded but
-// not yet shown keeps exactly one web process running, which its show then uses.
+// - many show/close cycles give back every web view, screen and web process, and an ad loaded
+//   but not yet shown keeps exactly one web process running, which its show then uses;
+// - a presentation is modal: real keys and pointer clicks (xdotool) reach the page, never the
+//   host's window beneath; Escape goes to the page first; focus comes back when it leaves;
+// - whatever the host does to its window meanwhile, nothing is lost or doubled.
+// The real keys need the display to themselves: ctest runs these tests alone.
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
+#include <webkit/webkit.h>
 
 #include <algorithm>
 #include <chrono>
@@ -28,6 +33,7 @@
 #include "ui/GtkViewBase.h"
 #include "unit/ads/RecordingDelegate.h"
 #include "vemba/Vemba.h"
+#include "vemba/checkout/Checkout.h"
 #include "vemba/linux/Screens.h"
 
 #if defined(VEMBA_CYCLES_UNDER_SANITIZERS)
@@ -56,6 +62,27 @@ bool has(const RecordingDelegate& delegate, const std::string& name) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
+// A checkout delegate that records its calls by name.
+struct CheckoutHost final : checkout::CheckoutDelegate {
+  Strings calls;
+  bool has(const std::string& name) const {
+    return std::find(calls.begin(), calls.end(), name) != calls.end();
+  }
+  void checkoutDidComplete(const checkout::CheckoutCompletedEvent& /*e*/) override {
+    calls.emplace_back("complete");
+  }
+  void checkoutDidCancel() override { calls.emplace_back("cancel"); }
+  void checkoutDidFail(const checkout::CheckoutError& /*e*/) override {
+    calls.emplace_back("fail");
+  }
+  void checkoutDidClickLink(const Url& /*url*/) override { calls.emplace_back("link"); }
+  void checkoutDidEmitWebPixelEvent(const checkout::PixelEvent& /*e*/) override {
+    if (!has("pixel")) {
+      calls.emplace_back("pixel");  // once: the page runs
+    }
+  }
+};
+
 // How a cycle closes its ad.
 enum class CloseBy {
   buttonAtOnce,     // the close button as soon as the ad is on screen (page still loading)
@@ -63,7 +90,8 @@ enum class CloseBy {
   pageAfterLoad,    // the page's own "close" message once it has loaded
 };
 
-class AdCyclesTest : public ExchangeTest<18443> {  // the origin the library is built against
+class InProcessScreensTest
+    : public ExchangeTest<18443> {  // the origin the library is built against
  protected:
   static void SetUpTestSuite() {
     if (!runnable()) {
@@ -98,10 +126,18 @@ class AdCyclesTest : public ExchangeTest<18443> {  // the origin the library is 
       return;
     }
     ASSERT_NE(platform::ui(), nullptr);  // a display, but GTK did not start on it
+    // A host window with a button in its content (focused) and one in its title bar.
     window_ = GTK_WINDOW(gtk_window_new());
     gtk_window_set_default_size(window_, 900, 760);
-    gtk_window_set_child(window_, gtk_label_new("Host window"));
+    hostButton_ = countingButton("_Host");
+    gtk_window_set_child(window_, hostButton_);
+    GtkWidget* titleBar = gtk_header_bar_new();
+    titleButton_ = countingButton("_Title");
+    gtk_header_bar_pack_start(GTK_HEADER_BAR(titleBar), titleButton_);
+    gtk_window_set_titlebar(window_, titleBar);
     gtk_window_present(window_);
+    ASSERT_TRUE(runMainLoopUntil([&] { return gtk_window_is_active(window_) == TRUE; }, 5s));
+    gtk_widget_grab_focus(hostButton_);
     screen_ = screenForWindow(window_);
     // The library's own lines (page loads, failures, retries, messages), shown when a cycle fails.
     VembaLogger::setDevelopmentSink(
@@ -120,10 +156,81 @@ class AdCyclesTest : public ExchangeTest<18443> {  // the origin the library is 
     }
   }
 
-  // The ad's screen and its views: the web view, then the close button above it.
+  // A button that counts its clicks in hostClicks_.
+  GtkWidget* countingButton(const char* mnemonic) {
+    GtkWidget* button = gtk_button_new_with_mnemonic(mnemonic);
+    g_signal_connect(button, "clicked", G_CALLBACK(+[](GtkButton* /*b*/, gpointer count) {
+                       ++*static_cast<int*>(count);
+                     }),
+                     &hostClicks_);
+    return button;
+  }
+  // Real input on the virtual display (xdotool's arguments), then time for the page to see it.
+  static void input(const std::string& xdotoolArgs) {
+    ASSERT_EQ(std::system(("xdotool " + xdotoolArgs).c_str()), 0) << xdotoolArgs;
+    runMainLoopFor(600ms);
+  }
+  // The web view of the top presentation: the last one in the window's widget tree.
+  GtkWidget* topWebView() const {
+    GtkWidget* found = nullptr;
+    const std::function<void(GtkWidget*)> walk = [&](GtkWidget* widget) {
+      if (WEBKIT_IS_WEB_VIEW(widget)) {
+        found = widget;
+      }
+      for (GtkWidget* child = gtk_widget_get_first_child(widget); child != nullptr;
+           child = gtk_widget_get_next_sibling(child)) {
+        walk(child);
+      }
+    };
+    walk(GTK_WIDGET(window_));
+    return found;
+  }
+  // Runs `script` in the top page; its result as text.
+  std::string evaluate(const std::string& script) const {
+    struct Result {
+      bool done = false;
+      std::string text;
+    } result;
+    webkit_web_view_evaluate_javascript(
+        WEBKIT_WEB_VIEW(topWebView()), script.c_str(), -1, nullptr, nullptr, nullptr,
+        +[](GObject* view, GAsyncResult* async, gpointer data) {
+          auto* out = static_cast<Result*>(data);
+          GError* error = nullptr;
+          if (JSCValue* value = webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(view),
+                                                                           async, &error)) {
+            char* text = jsc_value_to_string(value);
+            out->text = text;
+            g_free(text);
+            g_object_unref(value);
+          }
+          g_clear_error(&error);
+          out->done = true;
+        },
+        &result);
+    runMainLoopUntil([&] { return result.done; }, kStepDeadline);
+    return result.text;
+  }
+  // Whether the keyboard focus is inside the top presentation's page.
+  bool focusInTopPage() const {
+    GtkWidget* focus = gtk_root_get_focus(GTK_ROOT(window_));
+    GtkWidget* page = topWebView();
+    return page != nullptr && focus != nullptr &&
+           (focus == page || gtk_widget_is_ancestor(focus, page));
+  }
+  // A pointer click on `widget`, through the X server.
+  void click(GtkWidget* widget) {
+    graphene_rect_t bounds;
+    ASSERT_TRUE(gtk_widget_compute_bounds(widget, GTK_WIDGET(window_), &bounds));
+    input("getwindowfocus mousemove --window %1 " +
+          std::to_string(static_cast<int>(bounds.origin.x + bounds.size.width / 2)) + " " +
+          std::to_string(static_cast<int>(bounds.origin.y + bounds.size.height / 2)) + " click 1");
+  }
+
+  // The ad's screen (the window's top screen) and its views: the web view, then the close button
+  // above it.
   std::shared_ptr<platform::View> adSubview(std::size_t index) const {
-    const std::shared_ptr<platform::Screen> ad = screen_->presentedScreen();
-    if (!ad || !ad->isViewLoaded()) {
+    const std::shared_ptr<platform::Screen> ad = topScreenForWindow(window_);
+    if (!ad || ad == screen_ || !ad->isViewLoaded()) {
       return nullptr;
     }
     const auto subviews = ad->view().subviews();
@@ -182,11 +289,14 @@ class AdCyclesTest : public ExchangeTest<18443> {  // the origin the library is 
 
   static inline std::string home_;
   GtkWindow* window_ = nullptr;
+  GtkWidget* hostButton_ = nullptr;
+  GtkWidget* titleButton_ = nullptr;
+  int hostClicks_ = 0;  // of both host buttons
   std::shared_ptr<platform::Screen> screen_;
   std::shared_ptr<Strings> libraryLog_ = std::make_shared<Strings>();
 };
 
-TEST_F(AdCyclesTest, TwentyShowCloseCyclesLeaveNoWebViewScreenOrWebProcessBehind) {
+TEST_F(InProcessScreensTest, TwentyShowCloseCyclesLeaveNoWebViewScreenOrWebProcessBehind) {
   // The host window's own screen is the only one before the first cycle.
   const std::size_t screensBefore = linux_platform::liveScreenCount();
   ASSERT_EQ(linux_platform::liveWebViewCount(), 0U);
@@ -223,7 +333,7 @@ TEST_F(AdCyclesTest, TwentyShowCloseCyclesLeaveNoWebViewScreenOrWebProcessBehind
   }
 }
 
-TEST_F(AdCyclesTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowThenUses) {
+TEST_F(InProcessScreensTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowThenUses) {
   // Nothing left from earlier tests: no ad loaded, no web process.
   ASSERT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 0; }, kSettleDeadline));
 
@@ -268,6 +378,110 @@ TEST_F(AdCyclesTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowThenUses)
   ASSERT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 1; }, kStepDeadline));
   unshown.reset();
   EXPECT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 0; }, kSettleDeadline));
+}
+
+TEST_F(InProcessScreensTest, ACheckoutSheetIsModalAndItsPageHasTheKeyboardFirst) {
+  const auto host = std::make_shared<CheckoutHost>();
+  checkout::present(*Url::parse(exchange_->origin() + "/checkout/modal"),
+                    topScreenForWindow(window_), host);
+  ASSERT_TRUE(runMainLoopUntil([&] { return host->has("pixel"); }, kStepDeadline));
+
+  // The keyboard is the page's, with no click: typing goes there, Space is not the host's.
+  EXPECT_TRUE(focusInTopPage());
+  input("key space");
+  evaluate("document.getElementById('contact-email').focus()");
+  input("type lumen");
+  EXPECT_EQ(evaluate("document.getElementById('contact-email').value"), "lumen");
+  // Tab out of the page stays in the sheet; mnemonics and the pointer do not reach beneath.
+  input("key shift+Tab shift+Tab shift+Tab alt+h alt+t");
+  click(hostButton_);
+  click(titleButton_);
+  EXPECT_EQ(hostClicks_, 0);
+  GtkWidget* focus = gtk_root_get_focus(GTK_ROOT(window_));
+  EXPECT_TRUE(focus != nullptr && focus != hostButton_ && focus != titleButton_);
+
+  // Escape closing the page's own dialog leaves the sheet, as does an Escape the page swallows.
+  evaluate("VembaCheckout.setDialog(true)");
+  input("key Escape");
+  EXPECT_EQ(
+      evaluate("String(document.getElementById('discount-dialog').classList.contains('open'))"),
+      "false");
+  evaluate("addEventListener('keydown', e => e.preventDefault(), {once: true, capture: true})");
+  input("key Escape");
+  EXPECT_FALSE(host->has("cancel"));
+  ASSERT_NE(screen_->presentedScreen(), nullptr);
+
+  // An Escape the page leaves alone is the user's dismissal; the focus goes back to the host.
+  input("key Escape");
+  ASSERT_TRUE(runMainLoopUntil(
+      [&] { return host->has("cancel") && screen_->presentedScreen() == nullptr; }, kStepDeadline))
+      << ::testing::PrintToString(host->calls) << (screen_->presentedScreen() != nullptr);
+  EXPECT_EQ(gtk_root_get_focus(GTK_ROOT(window_)), hostButton_);
+  EXPECT_EQ(hostClicks_, 0);
+}
+
+TEST_F(InProcessScreensTest, AnAdIsModalAndAnEscapeItsPageLeavesAloneClosesIt) {
+  const auto delegate = std::make_shared<RecordingDelegate>();
+  const std::shared_ptr<VembaRewardedAd> ad = VembaRewardedAd::create("cycles-unit");
+  ad->setDelegate(std::static_pointer_cast<VembaRewardedAdDelegate>(delegate));
+  ad->load();
+  ASSERT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidLoad"); }, kStepDeadline));
+  // From the window's top screen; from its root while something is presented it is refused.
+  const auto cover = std::make_shared<CheckoutHost>();
+  checkout::present(*Url::parse(exchange_->origin() + "/checkout/cover"), screen_, cover);
+  ad->show(screen_);
+  EXPECT_TRUE(ad->isReady());
+  ad->show(topScreenForWindow(window_));
+  ASSERT_TRUE(
+      runMainLoopUntil([&] { return has(*delegate, "adDidShow") && pageLoaded(); }, kStepDeadline));
+  EXPECT_TRUE(focusInTopPage());
+  input("key space alt+h");
+  click(titleButton_);
+  EXPECT_EQ(hostClicks_, 0);
+
+  evaluate("addEventListener('keydown', e => e.preventDefault(), {once: true, capture: true})");
+  input("key Escape");
+  EXPECT_EQ(delegate->names(), (Strings{"adDidLoad", "adDidShow"}));
+  input("key Escape");
+  ASSERT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidDismiss"); }, kStepDeadline));
+  EXPECT_EQ(delegate->names(),
+            (Strings{"adDidLoad", "adDidShow", "adDidEarnReward(1,reward)", "adDidDismiss"}));
+  EXPECT_TRUE(focusInTopPage());  // back in the sheet the ad covered
+}
+
+// Whatever the host does to its window while screens are presented, nothing is lost or doubled:
+// new content goes beneath them, and a closed window ends them as the user would.
+TEST_F(InProcessScreensTest, TheHostMayReplaceItsContentOrCloseItsWindowMeanwhile) {
+  const auto delegate = std::make_shared<RecordingDelegate>();
+  const std::shared_ptr<VembaRewardedAd> ad = VembaRewardedAd::create("cycles-unit");
+  ad->setDelegate(std::static_pointer_cast<VembaRewardedAdDelegate>(delegate));
+  ad->load();
+  ASSERT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidLoad"); }, kStepDeadline));
+  ad->show(screen_);
+  ASSERT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidShow"); }, kStepDeadline));
+  const auto sheetHost = std::make_shared<CheckoutHost>();
+  checkout::present(*Url::parse(exchange_->origin() + "/checkout/over-ad"),
+                    topScreenForWindow(window_), sheetHost);
+
+  GtkWidget* replacement = countingButton("_Replacement");
+  gtk_window_set_child(window_, replacement);
+  runMainLoopFor(300ms);
+  EXPECT_EQ(gtk_widget_get_root(replacement), GTK_ROOT(window_));
+  EXPECT_FALSE(gtk_widget_is_sensitive(replacement));
+  click(replacement);
+  EXPECT_EQ(hostClicks_, 0);
+  EXPECT_NE(screen_->presentedScreen(), nullptr);
+
+  gtk_window_destroy(window_);
+  window_ = nullptr;
+  ASSERT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidDismiss"); }, kStepDeadline));
+  runMainLoopFor(300ms);
+  EXPECT_EQ(std::count(sheetHost->calls.begin(), sheetHost->calls.end(), "cancel"), 1);
+  EXPECT_EQ(delegate->names(),
+            (Strings{"adDidLoad", "adDidShow", "adDidEarnReward(1,reward)", "adDidDismiss"}));
+  EXPECT_TRUE(runMainLoopUntil(
+      [] { return linux_platform::liveWebViewCount() == 0 && webProcessesOf(getpid()) == 0; },
+      kSettleDeadline));
 }
 
 }  // namespace
