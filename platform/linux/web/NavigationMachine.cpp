@@ -37,6 +37,13 @@ std::vector<Effect> NavigationMachine::feed(const navigation::Event& event) {
   return std::visit([this](const auto& value) { return on(value); }, event);
 }
 
+void NavigationMachine::documentArriving(Effects& effects) {
+  if (requestStarted_ && timerRunning_) {
+    timerRunning_ = false;
+    effects.push_back(just(Kind::cancelTimer));
+  }
+}
+
 void NavigationMachine::releaseWarmView(Effects& effects) {
   if (warmHeld_) {
     warmHeld_ = false;
@@ -98,6 +105,7 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Redirected& /
 NavigationMachine::Effects NavigationMachine::on(const navigation::Committed& /*event*/) {
   Effects effects;
   committed_ = true;
+  documentArriving(effects);
   releaseWarmView(effects);
   return effects;
 }
@@ -157,8 +165,13 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::TlsRefused& e
   return {just(Kind::trustCertificate), send(std::move(again))};
 }
 
-NavigationMachine::Effects NavigationMachine::on(const navigation::ResponseDecision& /*event*/) {
-  return {just(Kind::askDelegate)};
+NavigationMachine::Effects NavigationMachine::on(const navigation::ResponseDecision& event) {
+  Effects effects;
+  if (event.mainDocument) {
+    documentArriving(effects);
+  }
+  effects.push_back(just(Kind::askDelegate));
+  return effects;
 }
 
 NavigationMachine::Effects NavigationMachine::on(const navigation::TimeoutFired& /*event*/) {

@@ -9,9 +9,12 @@
 // trusted and the request reissued (at most kMaxTrustReissues times per load); the refused
 // attempt's FINISHED and the reissue's action decision and start stay invisible.
 //
-// The time-out of a load runs from the load to its FINISHED. When it fires first, the load is
+// The time-out of a load covers its document request only: the timer starts with the load and
+// stops once the main document's response has begun (its main-frame response decision or its
+// commit, whichever comes first) or the load has finished. When it fires first, the load is
 // stopped and its failure reads UrlErrorCode::timedOut; a load the engine had not even started
-// fails at once, and the engine's later action decision for it is refused unasked.
+// fails at once, and the engine's later action decision for it is refused unasked. A slow
+// sub-resource never stops the page.
 //
 // After Release every event is ignored. Not thread-safe; the driver uses it on the main thread.
 #pragma once
@@ -121,6 +124,8 @@ class NavigationMachine {
   Effects on(const navigation::ResponseDecision& event);
   Effects on(const navigation::TimeoutFired& event);
   Effects on(const navigation::Release& event);
+  // The document of the last load has begun to arrive: its time-out is over.
+  void documentArriving(Effects& effects);
   void releaseWarmView(Effects& effects);
 
   bool released_ = false;
