@@ -1,5 +1,6 @@
 #include "WebTestSupport.h"
 
+#include <sstream>
 #include <stdexcept>
 
 #include "GtkViewBase.h"
@@ -9,21 +10,13 @@
 namespace vemba::testing {
 
 std::string RecordingNavigationDelegate::typeText(platform::NavigationType type) {
-  switch (type) {
-    case platform::NavigationType::linkActivated:
-      return "link";
-    case platform::NavigationType::formSubmitted:
-      return "form";
-    case platform::NavigationType::backForward:
-      return "back-forward";
-    case platform::NavigationType::reload:
-      return "reload";
-    case platform::NavigationType::formResubmitted:
-      return "form-again";
-    case platform::NavigationType::other:
-      break;
+  // The types' names, in their order of declaration.
+  std::istringstream names("link form back-forward reload form-again other");
+  std::string name;
+  for (int i = 0; i <= static_cast<int>(type); ++i) {
+    names >> name;
   }
-  return "other";
+  return name;
 }
 
 bool displayAvailable() {

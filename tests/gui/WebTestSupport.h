@@ -46,20 +46,16 @@ class RecordingNavigationDelegate final : public platform::NavigationDelegate {
   }
   void didFailProvisionalNavigation(platform::WebView& /*webView*/,
                                     const platform::NavigationError& error) override {
-    end("fail-provisional " + error.domain + " " + std::to_string(error.code), &error);
+    end("fail-provisional " + error.domain + " " + std::to_string(error.code));
   }
-  void didFinishNavigation(platform::WebView& /*webView*/) override { end("finish", nullptr); }
+  void didFinishNavigation(platform::WebView& /*webView*/) override { end("finish"); }
   void didFailNavigation(platform::WebView& /*webView*/,
                          const platform::NavigationError& error) override {
-    end("fail " + error.domain + " " + std::to_string(error.code), &error);
+    end("fail " + error.domain + " " + std::to_string(error.code));
   }
 
-  // The load ended (finished or failed) at least `count` times.
-  bool ended(std::size_t count = 1) const { return ends >= count; }
-
   std::vector<std::string> events;
-  std::vector<platform::NavigationError> errors;
-  std::size_t ends = 0;
+  std::size_t ends = 0;  // loads that finished or failed
   std::function<bool(const platform::NavigationAction&)> cancelAction;
   std::function<bool(const platform::NavigationResponse&)> cancelResponse;
   // Runs inside didFinishNavigation / didFail…, after recording (to drop the view, say).
@@ -67,11 +63,8 @@ class RecordingNavigationDelegate final : public platform::NavigationDelegate {
 
  private:
   static std::string typeText(platform::NavigationType type);
-  void end(std::string event, const platform::NavigationError* error) {
+  void end(std::string event) {
     events.push_back(std::move(event));
-    if (error != nullptr) {
-      errors.push_back(*error);
-    }
     ++ends;
     if (onEnd) {
       onEnd();

@@ -1,7 +1,5 @@
 #include "WebViewDriver.h"
 
-#include <algorithm>
-#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -10,27 +8,17 @@
 #include "TlsTrust.h"
 #include "WarmWebView.h"
 #include "WebErrorMap.h"
-#include "common/AsciiCase.h"
 #include "platform/UrlErrorCode.h"
 #include "vemba/linux/WebViews.h"
 
 namespace vemba::linux_platform {
 namespace {
 
-// Reissues of one load() after a refused certificate that the bundle vouches for.
-constexpr int kMaxTrustReissues = 3;
 // The request headers that make WebKit's cache revalidate the page with the server instead of
 // using a stored copy (WebKitGTK has no per-request cache policy).
 constexpr const char* kCacheControlHeader = "Cache-Control";
 constexpr const char* kPragmaHeader = "Pragma";
 constexpr const char* kNoCache = "no-cache";
-constexpr std::string_view kPurposeHeader = "Sec-Purpose";
-constexpr std::string_view kPrefetch = "prefetch";
-
-bool isPrefetchHeader(const std::pair<std::string, std::string>& header) {
-  return equalsIgnoringAsciiCase(header.first, kPurposeHeader) && header.second == kPrefetch;
-}
-
 // What a signal connection, a timer or a controller knows of its driver: a weak reference.
 struct DriverRef {
   std::weak_ptr<WebViewDriver> driver;
@@ -199,7 +187,11 @@ std::shared_ptr<WebViewDriver> WebViewDriver::create(
 WebViewDriver::WebViewDriver(WebKitWebView* view, WebKitNetworkSession* session,
                              std::shared_ptr<platform::UserContentController> controller,
                              WebKitWebView* warm)
-    : view_(view), session_(session), controller_(std::move(controller)), warm_(warm) {}
+    : view_(view),
+      session_(session),
+      controller_(std::move(controller)),
+      warm_(warm),
+      machine_(warm != nullptr) {}
 
 WebViewDriver::~WebViewDriver() {
   shutdown();
@@ -241,7 +233,7 @@ void WebViewDriver::shutdown() {
     return;
   }
   shutDown_ = true;
-  cancelTimeout();
+  execute(machine_.feed(navigation::Release{}));
   cancelUrlFlush();
   for (const gulong id : signalIds_) {
     g_signal_handler_disconnect(view_, id);
@@ -252,23 +244,13 @@ void WebViewDriver::shutdown() {
     scrollBlocker_ = nullptr;
   }
   // Without this the view's web process outlives the view. A warm view still sharing the process
-  // goes first: the process would end under it too, and it is of no use to anyone else.
-  releaseWarmView();
+  // went first (with the release above): the process would end under it too, and it is of no use
+  // to anyone else.
   webkit_web_view_terminate_web_process(view_);
 }
 
 void WebViewDriver::load(const platform::WebRequest& request) {
-  request_ = request;
-  requestStarted_ = false;
-  timedOut_ = false;
-  abandoned_ = false;
-  trustReissues_ = 0;
-  prefetchFollowUp_ = std::any_of(request.headers.begin(), request.headers.end(), isPrefetchHeader);
-  cancelTimeout();
-  timeoutSource_ = g_timeout_add_full(
-      G_PRIORITY_DEFAULT, static_cast<guint>(std::max<std::int64_t>(request.timeout.count(), 0)),
-      onTimeout, new DriverRef{weak_from_this()}, freeSourceRef);
-  send(request);
+  execute(machine_.feed(navigation::Load{request}));
 }
 
 void WebViewDriver::send(const platform::WebRequest& request) {
@@ -283,6 +265,12 @@ void WebViewDriver::send(const platform::WebRequest& request) {
   }
   webkit_web_view_load_request(view_, uriRequest);
   g_object_unref(uriRequest);
+}
+
+void WebViewDriver::startTimeout(std::chrono::milliseconds timeout) {
+  cancelTimeout();
+  timeoutSource_ = g_timeout_add_full(G_PRIORITY_DEFAULT, static_cast<guint>(timeout.count()),
+                                      onTimeout, new DriverRef{weak_from_this()}, freeSourceRef);
 }
 
 void WebViewDriver::cancelTimeout() {
@@ -301,25 +289,75 @@ void WebViewDriver::cancelUrlFlush() {
 
 void WebViewDriver::timeoutFired() {
   timeoutSource_ = 0;
-  if (requestStarted_) {
-    // The stop fails the load with "cancelled", reported as a time-out (see loadFailed()).
-    timedOut_ = true;
-    webkit_web_view_stop_loading(view_);
-    return;
-  }
-  // The engine has not even started the request (a web process still starting, say): the stop
-  // leaves no trace and does not keep the engine from asking about the request later, so the
-  // failure is reported here and that request's action is refused when it comes.
-  webkit_web_view_stop_loading(view_);
-  abandoned_ = true;
+  execute(machine_.feed(navigation::TimeoutFired{}));
+}
+
+bool WebViewDriver::execute(const std::vector<navigation::Effect>& effects,
+                            WebKitPolicyDecision* decision, const Ask& ask,
+                            GTlsCertificate* certificate, const std::string& host) {
+  using Kind = navigation::Effect::Kind;
+  // Held for the whole list: a delegate may drop the view in any of the calls.
   const std::shared_ptr<platform::WebView> owner = owner_.lock();
   const std::shared_ptr<platform::NavigationDelegate> delegate = delegate_.lock();
-  if (owner && delegate && request_) {
-    delegate->didFailProvisionalNavigation(
-        *owner, platform::NavigationError{std::string(platform::kUrlErrorDomain),
-                                          platform::UrlErrorCode::timedOut,
-                                          request_->url.absoluteString()});
+  bool handled = false;
+  for (const navigation::Effect& effect : effects) {
+    switch (effect.kind) {
+      case Kind::startTimer:
+        startTimeout(effect.timeout);
+        break;
+      case Kind::cancelTimer:
+        cancelTimeout();
+        break;
+      case Kind::send:
+        send(*effect.request);
+        break;
+      case Kind::trustCertificate:
+        webkit_network_session_allow_tls_certificate_for_host(session_, certificate, host.c_str());
+        handled = true;
+        break;
+      case Kind::stopLoading:
+        webkit_web_view_stop_loading(view_);
+        break;
+      case Kind::askDelegate:
+      case Kind::allowUnasked:
+      case Kind::refuseUnasked: {
+        const bool allow =
+            effect.kind == Kind::allowUnasked ||
+            (effect.kind == Kind::askDelegate && (!delegate || !owner || ask(*delegate, *owner)));
+        if (allow) {
+          webkit_policy_decision_use(decision);
+        } else {
+          webkit_policy_decision_ignore(decision);
+        }
+        handled = true;
+        break;
+      }
+      case Kind::reportStart:
+        if (owner && delegate) {
+          delegate->didStartProvisionalNavigation(*owner);
+        }
+        break;
+      case Kind::reportFinish:
+        if (owner && delegate) {
+          delegate->didFinishNavigation(*owner);
+        }
+        break;
+      case Kind::reportFailProvisional:
+        if (owner && delegate) {
+          delegate->didFailProvisionalNavigation(*owner, *effect.error);
+        }
+        break;
+      case Kind::reportFail:
+        if (owner && delegate) {
+          delegate->didFailNavigation(*owner, *effect.error);
+        }
+        break;
+      case Kind::releaseWarmView:
+        releaseWarmView();
+        break;
+    }
   }
+  return handled;
 }
 
 std::optional<Url> WebViewDriver::url() const {
@@ -365,190 +403,100 @@ void WebViewDriver::setPageBackgroundColor(platform::Color color) {
 
 gboolean WebViewDriver::decidePolicy(WebKitPolicyDecision* decision,
                                      WebKitPolicyDecisionType type) {
-  const std::shared_ptr<platform::WebView> owner = owner_.lock();
-  if (!owner) {
+  if (!owner_.lock()) {
     return FALSE;
   }
-  const std::shared_ptr<platform::NavigationDelegate> delegate = delegate_.lock();
-
   if (type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION ||
       type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION) {
-    if (abandoned_ && type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION) {
-      // The request that timed out before it started: the core has its failure already.
-      abandoned_ = false;
-      webkit_policy_decision_ignore(decision);
-      return TRUE;
-    }
-    if (swallowAction_ && type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION) {
-      // The reissue of a request the delegate already allowed.
-      swallowAction_ = false;
-      webkit_policy_decision_use(decision);
-      return TRUE;
-    }
-    WebKitNavigationAction* navigation = webkit_navigation_policy_decision_get_navigation_action(
-        WEBKIT_NAVIGATION_POLICY_DECISION(decision));
-    platform::NavigationAction action;
-    action.url =
-        urlOf(webkit_uri_request_get_uri(webkit_navigation_action_get_request(navigation)));
-    action.navigationType =
-        navigationTypeOf(webkit_navigation_action_get_navigation_type(navigation));
-    action.hasTargetFrame = type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION;
-    const platform::NavigationActionPolicy policy =
-        delegate ? delegate->decidePolicyForNavigationAction(*owner, action)
-                 : platform::NavigationActionPolicy::allow;
-    if (policy == platform::NavigationActionPolicy::allow) {
-      webkit_policy_decision_use(decision);
-    } else {
-      webkit_policy_decision_ignore(decision);
-    }
-    return TRUE;
+    const bool newWindow = type == WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION;
+    const Ask ask = [&](platform::NavigationDelegate& delegate, platform::WebView& owner) {
+      WebKitNavigationAction* navigation = webkit_navigation_policy_decision_get_navigation_action(
+          WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+      platform::NavigationAction action;
+      action.url =
+          urlOf(webkit_uri_request_get_uri(webkit_navigation_action_get_request(navigation)));
+      action.navigationType =
+          navigationTypeOf(webkit_navigation_action_get_navigation_type(navigation));
+      action.hasTargetFrame = !newWindow;
+      return delegate.decidePolicyForNavigationAction(owner, action) ==
+             platform::NavigationActionPolicy::allow;
+    };
+    return execute(machine_.feed(navigation::ActionDecision{newWindow}), decision, ask) ? TRUE
+                                                                                        : FALSE;
   }
 
   if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) {
     auto* responseDecision = WEBKIT_RESPONSE_POLICY_DECISION(decision);
-    WebKitURIResponse* uriResponse = webkit_response_policy_decision_get_response(responseDecision);
-    platform::NavigationResponse response;
-    response.url = urlOf(webkit_uri_response_get_uri(uriResponse));
-    // Only HTTP responses carry headers.
-    if (webkit_uri_response_get_http_headers(uriResponse) != nullptr) {
-      response.statusCode = static_cast<long>(webkit_uri_response_get_status_code(uriResponse));
-    }
-    response.isForMainFrame =
+    const bool mainDocument =
         webkit_response_policy_decision_is_main_frame_main_resource(responseDecision) != FALSE;
-    const platform::NavigationResponsePolicy policy =
-        delegate ? delegate->decidePolicyForNavigationResponse(*owner, response)
-                 : platform::NavigationResponsePolicy::allow;
-    if (policy == platform::NavigationResponsePolicy::allow) {
-      webkit_policy_decision_use(decision);
-    } else {
-      webkit_policy_decision_ignore(decision);
-    }
-    return TRUE;
+    const Ask ask = [&](platform::NavigationDelegate& delegate, platform::WebView& owner) {
+      WebKitURIResponse* uriResponse =
+          webkit_response_policy_decision_get_response(responseDecision);
+      platform::NavigationResponse response;
+      response.url = urlOf(webkit_uri_response_get_uri(uriResponse));
+      // Only HTTP responses carry headers.
+      if (webkit_uri_response_get_http_headers(uriResponse) != nullptr) {
+        response.statusCode = static_cast<long>(webkit_uri_response_get_status_code(uriResponse));
+      }
+      response.isForMainFrame = mainDocument;
+      return delegate.decidePolicyForNavigationResponse(owner, response) ==
+             platform::NavigationResponsePolicy::allow;
+    };
+    return execute(machine_.feed(navigation::ResponseDecision{mainDocument}), decision, ask)
+               ? TRUE
+               : FALSE;
   }
   return FALSE;
 }
 
 void WebViewDriver::loadChanged(WebKitLoadEvent event) {
-  const std::shared_ptr<platform::WebView> owner = owner_.lock();
-  if (!owner) {
+  if (!owner_.lock()) {
     return;
   }
-  const std::shared_ptr<platform::NavigationDelegate> delegate = delegate_.lock();
   switch (event) {
     case WEBKIT_LOAD_STARTED:
-      if (swallowStart_) {
-        swallowStart_ = false;
-        return;
-      }
-      started_ = true;
-      committed_ = false;
-      failed_ = false;
-      tlsErrors_ = static_cast<GTlsCertificateFlags>(0);
-      redirects_ = 0;
-      requestStarted_ = request_.has_value();
-      if (delegate) {
-        delegate->didStartProvisionalNavigation(*owner);
-      }
+      execute(machine_.feed(navigation::Started{}));
       return;
     case WEBKIT_LOAD_REDIRECTED:
-      ++redirects_;
+      execute(machine_.feed(navigation::Redirected{}));
       return;
     case WEBKIT_LOAD_COMMITTED:
-      committed_ = true;
-      releaseWarmView();
+      execute(machine_.feed(navigation::Committed{}));
       return;
     case WEBKIT_LOAD_FINISHED:
-      if (swallowFinish_) {
-        swallowFinish_ = false;
-        return;
-      }
-      if (prefetchFollowUp_ && !failed_) {
-        followUpPrefetch();
-        return;
-      }
-      if (requestStarted_) {
-        cancelTimeout();
-        requestStarted_ = false;
-      }
-      started_ = false;
-      timedOut_ = false;
-      if (!failed_ && delegate) {
-        delegate->didFinishNavigation(*owner);
-      }
+      execute(machine_.feed(navigation::Finished{}));
       return;
   }
 }
 
 gboolean WebViewDriver::loadFailed(WebKitLoadEvent event, const char* uri, GError* error) {
-  const std::shared_ptr<platform::WebView> owner = owner_.lock();
-  if (!owner) {
+  if (!owner_.lock()) {
     return FALSE;
   }
-  failed_ = true;
-  releaseWarmView();
-  platform::NavigationError mapped =
-      navigationErrorFor(error->domain, error->code, tlsErrors_, uri, redirects_);
-  const bool cancelled = mapped.domain == platform::kUrlErrorDomain &&
-                         mapped.code == platform::UrlErrorCode::cancelled;
-  if (timedOut_ && cancelled) {
-    timedOut_ = false;
-    mapped.code = platform::UrlErrorCode::timedOut;
-  }
-  if (const std::shared_ptr<platform::NavigationDelegate> delegate = delegate_.lock()) {
-    if (event == WEBKIT_LOAD_COMMITTED || committed_) {
-      delegate->didFailNavigation(*owner, mapped);
-    } else {
-      delegate->didFailProvisionalNavigation(*owner, mapped);
-    }
-  }
-  // Handled: the view keeps what it shows instead of WebKit's error page.
-  return TRUE;
+  const std::vector<navigation::Effect> effects = machine_.feed(
+      navigation::Failed{navigationErrorFor(error->domain, error->code,
+                                            static_cast<GTlsCertificateFlags>(machine_.tlsErrors()),
+                                            uri, machine_.redirects()),
+                         event == WEBKIT_LOAD_COMMITTED});
+  execute(effects);
+  // Handled (while the view is live): the view keeps what it shows instead of WebKit's error
+  // page.
+  return effects.empty() ? FALSE : TRUE;
 }
 
 gboolean WebViewDriver::loadFailedWithTlsErrors(const char* uri, GTlsCertificate* certificate,
                                                 GTlsCertificateFlags errors) {
-  if (trustReissues_ < kMaxTrustReissues && reissueTrusted(uri, certificate)) {
-    return TRUE;
-  }
-  // Refused: the load-failed that follows carries these problems.
-  tlsErrors_ = errors;
-  return FALSE;
-}
-
-bool WebViewDriver::reissueTrusted(const char* uri, GTlsCertificate* certificate) {
   const std::optional<std::string> bundle = trustedBundlePath();
   const std::optional<Url> failing = urlOf(uri);
-  if (!bundle || !failing || !verifiesAgainstBundle(certificate, failing->host(), *bundle)) {
-    return false;
-  }
-  webkit_network_session_allow_tls_certificate_for_host(session_, certificate,
-                                                        failing->host().c_str());
-  ++trustReissues_;
-  swallowFinish_ = true;
-  swallowAction_ = true;
-  swallowStart_ = started_;
-  if (request_ && request_->url == *failing) {
-    send(*request_);  // the same headers; the time-out keeps running
-  } else {
-    webkit_web_view_load_uri(view_, uri);
-  }
-  return true;
-}
-
-void WebViewDriver::followUpPrefetch() {
-  // WebKit takes a main-frame request marked "Sec-Purpose: prefetch" for a cross-origin
-  // prefetch: the response goes to its prefetch cache, the view commits an empty document, and
-  // the web process never sees the response. The server has had the marked request; the same
-  // request follows without the mark (WebKit serves it from its prefetch cache when the response
-  // may be stored, and fetches it again otherwise), and only that load is reported to the core,
-  // which saw one start, and sees its response and its finish.
-  prefetchFollowUp_ = false;
-  committed_ = false;
-  swallowAction_ = true;
-  swallowStart_ = true;
-  platform::WebRequest unmarked = *request_;
-  std::erase_if(unmarked.headers, isPrefetchHeader);
-  send(unmarked);  // the time-out keeps running
+  const bool verified =
+      bundle && failing && verifiesAgainstBundle(certificate, failing->host(), *bundle);
+  // Trusted: the same request goes again. Refused: the load-failed that follows carries these
+  // problems.
+  return execute(machine_.feed(
+                     navigation::TlsRefused{failing, verified, static_cast<unsigned>(errors)}),
+                 nullptr, {}, certificate, failing ? failing->host() : std::string())
+             ? TRUE
+             : FALSE;
 }
 
 void WebViewDriver::uriChanged() {

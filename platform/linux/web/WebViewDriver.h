@@ -1,9 +1,11 @@
 // The WebKit side of one web view: builds the WebKitWebView from a seam configuration and turns
 // its signals into the seam's calls: policy decisions answered synchronously by the navigation
 // delegate, the load lifecycle in the order NavigationDelegate documents, URL and progress
-// observers (told a main-loop turn after a change, of the settled value), the request time-out, and
-// trust of certificates the SSL_CERT_FILE bundle vouches for (a refused first attempt stays
-// invisible to the core).
+// observers (told a main-loop turn after a change, of the settled value), the time-out of the
+// document request, and trust of certificates the SSL_CERT_FILE bundle vouches for (a refused
+// first attempt stays invisible to the core). What a navigation event means is decided by its
+// NavigationMachine: the driver turns each signal into a plain event for it and carries out the
+// effects it returns.
 //
 // Owner: the web view facade (GtkWebView) through std::shared_ptr; the facade calls shutdown()
 // before it goes. The driver holds the facade weakly and locks it around every call into the
@@ -13,12 +15,15 @@
 #include <gtk/gtk.h>
 #include <webkit/webkit.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
+#include "NavigationMachine.h"
 #include "ObserverList.h"
 #include "platform/WebView.h"
 
@@ -78,14 +83,21 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
  private:
   WebViewDriver(WebKitWebView* view, WebKitNetworkSession* session,
                 std::shared_ptr<platform::UserContentController> controller, WebKitWebView* warm);
+  // What the delegate decides: true allows.
+  using Ask = std::function<bool(platform::NavigationDelegate&, platform::WebView&)>;
+  // Carries out the machine's `effects` in order. `decision` is the policy decision being made
+  // (`ask` gives the delegate's answer to it); `certificate` and `host` what a trustCertificate
+  // effect trusts. True when a decision was answered or a certificate trusted.
+  bool execute(const std::vector<navigation::Effect>& effects,
+               WebKitPolicyDecision* decision = nullptr, const Ask& ask = {},
+               GTlsCertificate* certificate = nullptr, const std::string& host = {});
   // Drops the warm view this one was made related to, once this view has the shared process.
   void releaseWarmView();
   void connect(const char* signal, GCallback callback);
   void send(const platform::WebRequest& request);
+  void startTimeout(std::chrono::milliseconds timeout);
   void cancelTimeout();
   void cancelUrlFlush();
-  bool reissueTrusted(const char* uri, GTlsCertificate* certificate);
-  void followUpPrefetch();
 
   WebKitWebView* view_;
   WebKitNetworkSession* session_;
@@ -105,34 +117,8 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
   std::optional<Url> notifiedUrl_;  // what URL observers were last told
   guint urlFlushSource_ = 0;
 
-  // The request of the last load(), reissued as it was after its certificate was trusted.
-  std::optional<platform::WebRequest> request_;
+  NavigationMachine machine_;
   guint timeoutSource_ = 0;
-  bool requestStarted_ = false;  // the load of request_ has started (its FINISHED ends the timer)
-  bool timedOut_ = false;        // the time-out stopped the load: its failure reads -1001
-  bool abandoned_ = false;       // timed out before it started: its action is refused unasked
-
-  // The navigation in flight.
-  bool started_ = false;
-  bool committed_ = false;
-  bool failed_ = false;  // its failure was reported; its FINISHED stays silent
-  GTlsCertificateFlags tlsErrors_ = static_cast<GTlsCertificateFlags>(0);
-
-  // Reissues of the current load after a refused certificate that verified against the bundle.
-  // More than one, because the session's new trust reaches WebKit's network process on its own
-  // path, and a reissue that overtakes it would be refused again; the cap keeps a server whose
-  // certificate keeps changing from looping.
-  int trustReissues_ = 0;
-  // A request reissued after its certificate was trusted: the refused attempt's FINISHED, and
-  // the action decision and start of the reissue, are kept from the core.
-  bool swallowFinish_ = false;
-  bool swallowAction_ = false;
-  bool swallowStart_ = false;
-  int redirects_ = 0;  // redirects followed since the navigation started
-
-  // The load of request_ carries "Sec-Purpose: prefetch": when the engine has finished it
-  // without a failure, the same request follows without the mark (see followUpPrefetch()).
-  bool prefetchFollowUp_ = false;
 };
 
 }  // namespace vemba::linux_platform
