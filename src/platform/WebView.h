@@ -47,8 +47,8 @@ struct WebRequest {
   Url url;
   HttpHeaders headers;  // sent with the main document (kept across redirects)
   CachePolicy cachePolicy = CachePolicy::useProtocolCachePolicy;
-  // The backend fails the navigation with UrlErrorCode::timedOut when the load has not finished
-  // by then.
+  // The backend fails the navigation with UrlErrorCode::timedOut when the main document's response
+  // has not begun by then; sub-resources have no time-out of their own.
   std::chrono::milliseconds timeout{std::chrono::seconds(60)};
 };
 

@@ -200,6 +200,12 @@ TEST_F(SheetTest, ShowsTheRootsTitleAndCloseItemOverADimmedBackdrop) {
   EXPECT_EQ(closePresses, 1);
   EXPECT_EQ(gtk_widget_get_width(gtkSheet->sheetPanel()), GtkScreen::kSheetMaxWidth);
   EXPECT_EQ(gtk_widget_get_width(gtkSheet->sheetBackdrop()), kWindowWidth);
+  // The panel follows the window: narrower than its widest, and back.
+  gtk_window_set_default_size(window, 500, 400);
+  EXPECT_TRUE(runUntil([&] { return gtk_widget_get_width(gtkSheet->sheetPanel()) == 500; }));
+  gtk_window_set_default_size(window, kWindowWidth, kWindowHeight);
+  EXPECT_TRUE(runUntil(
+      [&] { return gtk_widget_get_width(gtkSheet->sheetPanel()) == GtkScreen::kSheetMaxWidth; }));
   EXPECT_EQ(sheet->visibleScreen(), root);
   EXPECT_EQ(root->navigationContainer(), sheet.get());
 }

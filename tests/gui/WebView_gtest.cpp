@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "ExchangeTest.h"
 #include "LocalExchange.h"
@@ -83,6 +84,50 @@ TEST_F(WebViewTest, ShowsATrustedHttpsPageLoadedInTheSeamsOrderFromOneRequest) {
     return linux_platform::saveWindowPng(made.window.get(), path) &&
            std::filesystem::file_size(path) > 10000U;
   })) << path;
+}
+
+// The middle pixel of the window as drawn now (ARGB); 0 when it cannot be drawn.
+guint32 middlePixel(GtkWindow* window) {
+  const std::string path = (std::filesystem::current_path() / "web-view-canvas.png").string();
+  GdkTexture* texture = linux_platform::saveWindowPng(window, path)
+                            ? gdk_texture_new_from_filename(path.c_str(), nullptr)
+                            : nullptr;
+  if (texture == nullptr) {
+    return 0;
+  }
+  const int width = gdk_texture_get_width(texture);
+  std::vector<guint32> pixels(static_cast<std::size_t>(width * gdk_texture_get_height(texture)));
+  gdk_texture_download(texture, reinterpret_cast<guchar*>(pixels.data()),
+                       static_cast<gsize>(width) * 4);
+  g_object_unref(texture);
+  return pixels[pixels.size() / 2 + static_cast<std::size_t>(width) / 2];
+}
+
+// Where a page draws nothing: white under an opaque view (its own colour shows only until the
+// first page), the view's own colour under a transparent one.
+TEST_F(WebViewTest, APageWithoutABackgroundIsDrawnOnTheCanvasTheViewAsksFor) {
+  struct Case {
+    const char* what;
+    bool opaque;
+    platform::Color color;
+    guint32 expected;
+  };
+  const Case cases[] = {
+      {"an ad: opaque on black", true, platform::Color::rgba(0, 0, 0, 1), 0xFFFFFFFF},
+      {"a checkout: transparent on green", false, platform::Color::rgba(0, 1, 0, 1), 0xFF00FF00}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    TestWebView made = makeWebView();
+    made.view->setOpaque(c.opaque);
+    made.view->setBackgroundColor(c.color);
+    ASSERT_TRUE(made.loadAndWait(requestFor("data:text/html,%3Cp%3Elumen%3C/p%3E")));
+    guint32 pixel = 0;
+    EXPECT_TRUE(runMainLoopUntil([&] {
+      pixel = middlePixel(made.window.get());
+      return pixel == c.expected;
+    })) << std::hex
+        << pixel;
+  }
 }
 
 // Each failure reaches the core once, with the code it reads. The time-out covers the document

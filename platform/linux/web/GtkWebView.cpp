@@ -19,7 +19,14 @@ GtkWebView::~GtkWebView() {
 
 void GtkWebView::setBackgroundColor(platform::Color color) {
   GtkViewBase<platform::WebView>::setBackgroundColor(color);
-  driver_->setPageBackgroundColor(color);
+  background_ = color;
+  driver_->setBackground(background_, opaque_);
+}
+
+void GtkWebView::setOpaque(bool opaque) {
+  GtkViewBase<platform::WebView>::setOpaque(opaque);
+  opaque_ = opaque;
+  driver_->setBackground(background_, opaque_);
 }
 
 }  // namespace vemba::linux_platform

@@ -52,13 +52,17 @@ class GtkWebView final : public GtkViewBase<platform::WebView> {
   void setUnderPageBackgroundColor(platform::Color /*color*/) override {}
   void evaluateJavaScript(std::string_view script) override { driver_->evaluateJavaScript(script); }
 
-  // The widget's background, and WebKit's own where the page draws nothing.
+  // The widget's background, and WebKit's own where the page draws nothing (see
+  // WebViewDriver::setBackground(): an opaque view draws a page on white, as a browser does).
   void setBackgroundColor(platform::Color color) override;
+  void setOpaque(bool opaque) override;
 
  private:
   explicit GtkWebView(std::shared_ptr<WebViewDriver> driver);
 
   std::shared_ptr<WebViewDriver> driver_;
+  platform::Color background_ = platform::Color::rgba(1.0, 1.0, 1.0, 1.0);
+  bool opaque_ = true;
   LiveCounter<GtkWebView> counted_;
 };
 

@@ -126,10 +126,17 @@ std::optional<Url> urlOf(const char* uri) {
   return Url::parse(uri);
 }
 
-GdkRGBA rgbaOf(platform::Color color) {
+constexpr GdkRGBA kWhite{1.0F, 1.0F, 1.0F, 1.0F};
+
+// `color` as WebKit draws it: the system background is the theme's base colour, the one the
+// sheet around the view is drawn with (dark in a dark theme).
+GdkRGBA rgbaOf(platform::Color color, GtkWidget* styled) {
   if (color.kind == platform::Color::Kind::systemBackground) {
-    // A web page's own default canvas is white in the light appearance WebKitGTK draws.
-    return GdkRGBA{1.0F, 1.0F, 1.0F, 1.0F};
+    GdkRGBA base = kWhite;
+    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+    gtk_style_context_lookup_color(gtk_widget_get_style_context(styled), "theme_base_color", &base);
+    G_GNUC_END_IGNORE_DEPRECATIONS
+    return base;
   }
   return GdkRGBA{static_cast<float>(color.red), static_cast<float>(color.green),
                  static_cast<float>(color.blue), static_cast<float>(color.alpha)};
@@ -396,8 +403,17 @@ void WebViewDriver::setAllowsBackForwardNavigationGestures(bool allows) {
                                                               allows ? TRUE : FALSE);
 }
 
-void WebViewDriver::setPageBackgroundColor(platform::Color color) {
-  const GdkRGBA rgba = rgbaOf(color);
+void WebViewDriver::setBackground(platform::Color color, bool opaque) {
+  viewBackground_ = rgbaOf(color, GTK_WIDGET(view_));
+  // An opaque view draws its pages on the web's white canvas; a transparent one lets its own
+  // colour show under a page that has no background of its own.
+  canvas_ = opaque ? kWhite : viewBackground_;
+  applyBackground();
+}
+
+void WebViewDriver::applyBackground() {
+  // Until the first page commits there is nothing to draw but the view's own colour.
+  const GdkRGBA rgba = pageCommitted_ ? canvas_ : viewBackground_;
   webkit_web_view_set_background_color(view_, &rgba);
 }
 
@@ -461,6 +477,10 @@ void WebViewDriver::loadChanged(WebKitLoadEvent event) {
       execute(machine_.feed(navigation::Redirected{}));
       return;
     case WEBKIT_LOAD_COMMITTED:
+      if (!pageCommitted_) {
+        pageCommitted_ = true;
+        applyBackground();
+      }
       execute(machine_.feed(navigation::Committed{}));
       return;
     case WEBKIT_LOAD_FINISHED:

@@ -66,7 +66,9 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
   void setScrollEnabled(bool enabled) { scrollEnabled_ = enabled; }
   void setAllowsBackForwardNavigationGestures(bool allows);
   // The colour drawn where the page draws nothing.
-  void setPageBackgroundColor(platform::Color color);
+  // What WebKit draws where the page draws nothing: the view's `color` until the view's first
+  // page commits, then the page's canvas: white for an `opaque` view, `color` otherwise.
+  void setBackground(platform::Color color, bool opaque);
 
   // WebKit's signals (called by the signal trampolines only).
   gboolean decidePolicy(WebKitPolicyDecision* decision, WebKitPolicyDecisionType type);
@@ -93,6 +95,7 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
                GTlsCertificate* certificate = nullptr, const std::string& host = {});
   // Drops the warm view this one was made related to, once this view has the shared process.
   void releaseWarmView();
+  void applyBackground();
   void connect(const char* signal, GCallback callback);
   void send(const platform::WebRequest& request);
   void startTimeout(std::chrono::milliseconds timeout);
@@ -119,6 +122,11 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
 
   NavigationMachine machine_;
   guint timeoutSource_ = 0;
+
+  // See setBackground().
+  GdkRGBA viewBackground_{1.0F, 1.0F, 1.0F, 1.0F};
+  GdkRGBA canvas_{1.0F, 1.0F, 1.0F, 1.0F};
+  bool pageCommitted_ = false;
 };
 
 }  // namespace vemba::linux_platform
