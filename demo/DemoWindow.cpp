@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/Screen.h"
+#include "platform/WebView.h"
 #include "vemba/Vemba.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutDelegate.h"
@@ -23,6 +24,19 @@ constexpr int kControlsWidth = 380;
 // see the confetti).
 constexpr guint kDismissAfterCompleteMs = 2500;
 constexpr guint kDismissAfterCancelMs = 300;
+// How often the window looks for a loaded sheet over the shown ad.
+constexpr guint kWatchIntervalMs = 100;
+
+// Whether `ad` presents a sheet whose page has finished loading.
+bool sheetLoaded(const std::shared_ptr<platform::Screen>& ad) {
+  const std::shared_ptr<platform::Screen> sheet = ad->presentedScreen();
+  const std::shared_ptr<platform::Screen> page = sheet ? sheet->visibleScreen() : nullptr;
+  if (!page || !page->isViewLoaded() || page->view().subviews().empty()) {
+    return false;
+  }
+  const auto webView = std::dynamic_pointer_cast<platform::WebView>(page->view().subviews()[0]);
+  return webView && webView->url() && !webView->isLoading();
+}
 
 // The colours of the confetti particles (one small texture each).
 constexpr std::array<std::uint32_t, 5> kConfettiColours = {0xE8505BFF, 0xF9D56EFF, 0x14B1ABFF,
@@ -125,7 +139,10 @@ struct DemoWindow::Delegates final : VembaInterstitialAdDelegate,
   void adDidFailToLoad(VembaInterstitialAd&, const Error& error) override {
     ads("interstitial", "adDidFailToLoad", error.description);
   }
-  void adDidShow(VembaInterstitialAd&) override { ads("interstitial", "adDidShow"); }
+  void adDidShow(VembaInterstitialAd&) override {
+    ads("interstitial", "adDidShow");
+    w.watchScreenOverAd();
+  }
   void adDidDismiss(VembaInterstitialAd&) override { ads("interstitial", "adDidDismiss"); }
   void adDidClick(VembaInterstitialAd&) override { ads("interstitial", "adDidClick"); }
 
@@ -411,6 +428,24 @@ void DemoWindow::dismissScreenOverAd() {
     // Dismissing from the ad's screen takes away what it presents, not the ad.
     ad->dismiss(/*animated=*/true, [this] { event("demo", "sheet over the ad dismissed"); });
   }
+}
+
+void DemoWindow::watchScreenOverAd() {
+  g_timeout_add(
+      kWatchIntervalMs,
+      [](gpointer data) -> gboolean {
+        auto* self = static_cast<DemoWindow*>(data);
+        const std::shared_ptr<platform::Screen> ad = self->screen()->presentedScreen();
+        if (!ad) {
+          return G_SOURCE_REMOVE;  // the ad is gone
+        }
+        if (!sheetLoaded(ad)) {
+          return G_SOURCE_CONTINUE;
+        }
+        self->event("demo", "sheet over the ad loaded");
+        return G_SOURCE_REMOVE;
+      },
+      this);
 }
 
 void DemoWindow::setConfetti(bool enabled) {

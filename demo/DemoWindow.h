@@ -75,6 +75,9 @@ class DemoWindow {
   void dismissCheckout();
   // Dismisses whatever the shown ad presents over itself (a checkout opened from the ad).
   void dismissScreenOverAd();
+  // While the interstitial is shown: records "demo.sheet over the ad loaded" once a sheet over it
+  // has loaded its page.
+  void watchScreenOverAd();
 
  private:
   struct Delegates;

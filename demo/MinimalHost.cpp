@@ -25,10 +25,12 @@ struct Host : vemba::VembaInterstitialAdDelegate, vemba::VembaRewardedAdDelegate
   std::shared_ptr<vemba::VembaRewardedAd> rewarded;
 
   void adDidLoad(vemba::VembaInterstitialAd& ad) override {
-    ad.show(vemba::screenForWindow(window));
+    ad.show(vemba::topScreenForWindow(window));
   }
   void adDidDismiss(vemba::VembaInterstitialAd&) override { rewarded->load(); }
-  void adDidLoad(vemba::VembaRewardedAd& ad) override { ad.show(vemba::screenForWindow(window)); }
+  void adDidLoad(vemba::VembaRewardedAd& ad) override {
+    ad.show(vemba::topScreenForWindow(window));
+  }
   void adDidEarnReward(vemba::VembaRewardedAd&, const vemba::VembaReward& reward) override {
     std::printf("granted %lld %s\n", static_cast<long long>(reward.amount()),
                 reward.type().c_str());

@@ -104,7 +104,8 @@ void ScriptedSession::addCheckoutFromAd() {
        "interstitial.adDidLoad", 0, ""});
   steps_.push_back({"Show it", [this] { window_.showInterstitial(); }, "interstitial.adDidShow",
                     1.5, "ad-before-checkout"});
-  steps_.push_back({"The checkout sheet opens over the ad", nullptr, "", 3.3, "checkout-over-ad"});
+  steps_.push_back({"The checkout sheet opens over the ad and loads its page", nullptr,
+                    "demo.sheet over the ad loaded", 0.8, "checkout-over-ad"});
   steps_.push_back({"The host dismisses the sheet; the ad is still there",
                     [this] { window_.dismissScreenOverAd(); }, "", 0.8, "ad-after-checkout"});
   steps_.push_back(
