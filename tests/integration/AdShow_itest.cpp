@@ -40,13 +40,6 @@ class AdShowTest : public ExchangeTest<18443> {
   static nlohmann::json page(const std::string& path) { return {{"page", path}}; }
 };
 
-TEST_F(AdShowTest, InterstitialShowsIsBilledAndIsDismissedByItsCloseButton) {
-  const InspectorRun run =
-      show("itest-interstitial", page("interstitial.html"), {"--close-after", "1"});
-  EXPECT_EQ(run.trace(), (Strings{"adDidLoad", "adDidShow", "adDidDismiss"}));
-  EXPECT_EQ(exchange_->log("billing").size(), 1U);
-}
-
 TEST_F(AdShowTest, RewardedPageCloseEarnsTheRewardBeforeTheDismissal) {
   const InspectorRun run =
       show("itest-rewarded", page("rewarded.html?seconds=1&autoClose=1"), {"--format", "rewarded"});
