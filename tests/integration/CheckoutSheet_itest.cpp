@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -34,7 +35,10 @@ class CheckoutSheetTest : public ExchangeTest<> {
                               const std::function<void(const nlohmann::json&)>& onLine = {}) {
     args.insert(args.begin(), "checkout");
     // The kit's own debug lines go to the run's standard error: shown when a run fails.
-    args.insert(args.end(), {"--timeout", "40", "--linger", "0.2", "--log-level", "debug"});
+    args.insert(args.end(), {"--timeout", "40", "--linger", "0.2"});
+    if (std::find(args.begin(), args.end(), "--log-level") == args.end()) {
+      args.insert(args.end(), {"--log-level", "debug"});
+    }
     InspectorRun run = runInspector(VEMBA_INSPECT_BINARY, args, 60s, onLine);
     EXPECT_EQ(run.exitCode, 0) << run.errors.substr(run.errors.size() -
                                                     std::min<std::size_t>(run.errors.size(), 6000))
@@ -114,6 +118,14 @@ TEST_F(CheckoutSheetTest, A404DismissesWithoutRecovery) {
   const auto asked = run.where("callback", "shouldRecoverFromError");
   ASSERT_EQ(asked.size(), 1U);
   EXPECT_EQ(asked[0]["answer"], false);
+
+  // The default checkoutDidFail throws the error back into the kit, from inside WebKit's policy
+  // signal: the kit stops it there, says so, and dismisses the sheet; the process carries on.
+  const InspectorRun defaults =
+      inspect({"--url", url("/checkout/status/500"), "--default-delegate", "--log-level", "error"});
+  EXPECT_EQ(defaults.trace(), (Strings{"screen:presented", "screen:dismissed"}));
+  EXPECT_NE(defaults.errors.find("checkoutDidFail threw the CheckoutError it was given"),
+            std::string::npos);
 }
 
 TEST_F(CheckoutSheetTest, LinksAreReportedAndStayOutOfTheSheet) {

@@ -148,7 +148,8 @@ struct Session {
   }
 };
 
-// Overrides only what a host must: cancellation and failure (whose default would throw).
+// Overrides only what a host must, cancellation: everything else is the library's default (a
+// failure throws the error back into the kit, which stops it and dismisses the sheet).
 class DefaultsDelegate : public checkout::CheckoutDelegate {
  public:
   explicit DefaultsDelegate(Session& session) : session_(session) {}
@@ -156,9 +157,6 @@ class DefaultsDelegate : public checkout::CheckoutDelegate {
   void checkoutDidCancel() override {
     printLine(Line{{"callback", "checkoutDidCancel"}});
     session_.dismissLater();
-  }
-  void checkoutDidFail(const CheckoutError& error) override {
-    printLine(Line{{"callback", "checkoutDidFail"}, {"checkoutError", checkoutErrorJson(error)}});
   }
 
  protected:
@@ -174,6 +172,9 @@ class PrintingDelegate final : public DefaultsDelegate {
     printLine(
         Line{{"callback", "checkoutDidComplete"}, {"payload", Line(checkout::toJson(event))}});
     session_.dismissLater();
+  }
+  void checkoutDidFail(const CheckoutError& error) override {
+    printLine(Line{{"callback", "checkoutDidFail"}, {"checkoutError", checkoutErrorJson(error)}});
   }
   bool shouldRecoverFromError(const CheckoutError& error) override {
     const bool answer = session_.options.recover == Recover::automatic
