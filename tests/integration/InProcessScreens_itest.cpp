@@ -217,6 +217,15 @@ class InProcessScreensTest
     return page != nullptr && focus != nullptr &&
            (focus == page || gtk_widget_is_ancestor(focus, page));
   }
+  // A rewarded ad that has loaded and tells `delegate`; null when it did not load.
+  static std::shared_ptr<VembaRewardedAd> loadedRewardedAd(
+      const std::shared_ptr<RecordingDelegate>& delegate) {
+    const std::shared_ptr<VembaRewardedAd> ad = VembaRewardedAd::create("cycles-unit");
+    ad->setDelegate(std::static_pointer_cast<VembaRewardedAdDelegate>(delegate));
+    ad->load();
+    return runMainLoopUntil([&] { return has(*delegate, "adDidLoad"); }, kStepDeadline) ? ad
+                                                                                        : nullptr;
+  }
   // A pointer click on `widget`, through the X server.
   void click(GtkWidget* widget) {
     graphene_rect_t bounds;
@@ -422,10 +431,8 @@ TEST_F(InProcessScreensTest, ACheckoutSheetIsModalAndItsPageHasTheKeyboardFirst)
 
 TEST_F(InProcessScreensTest, AnAdIsModalAndAnEscapeItsPageLeavesAloneClosesIt) {
   const auto delegate = std::make_shared<RecordingDelegate>();
-  const std::shared_ptr<VembaRewardedAd> ad = VembaRewardedAd::create("cycles-unit");
-  ad->setDelegate(std::static_pointer_cast<VembaRewardedAdDelegate>(delegate));
-  ad->load();
-  ASSERT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidLoad"); }, kStepDeadline));
+  const std::shared_ptr<VembaRewardedAd> ad = loadedRewardedAd(delegate);
+  ASSERT_NE(ad, nullptr);
   // From the window's top screen; from its root while something is presented it is refused.
   const auto cover = std::make_shared<CheckoutHost>();
   checkout::present(*Url::parse(exchange_->origin() + "/checkout/cover"), screen_, cover);
@@ -453,10 +460,8 @@ TEST_F(InProcessScreensTest, AnAdIsModalAndAnEscapeItsPageLeavesAloneClosesIt) {
 // new content goes beneath them, and a closed window ends them as the user would.
 TEST_F(InProcessScreensTest, TheHostMayReplaceItsContentOrCloseItsWindowMeanwhile) {
   const auto delegate = std::make_shared<RecordingDelegate>();
-  const std::shared_ptr<VembaRewardedAd> ad = VembaRewardedAd::create("cycles-unit");
-  ad->setDelegate(std::static_pointer_cast<VembaRewardedAdDelegate>(delegate));
-  ad->load();
-  ASSERT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidLoad"); }, kStepDeadline));
+  const std::shared_ptr<VembaRewardedAd> ad = loadedRewardedAd(delegate);
+  ASSERT_NE(ad, nullptr);
   ad->show(screen_);
   ASSERT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidShow"); }, kStepDeadline));
   const auto sheetHost = std::make_shared<CheckoutHost>();

@@ -423,44 +423,47 @@ void GtkScreen::buildPresentation(GtkWidget* overlay) {
   // user's escape gesture. Whether the page showed a modal of its own is taken when the key was
   // pressed (the capture phase of the first dispatch), since a page may close its modal on that
   // very key and still leave the key unhandled.
-  GtkEventController* pressed = gtk_event_controller_key_new();
-  gtk_event_controller_set_propagation_phase(pressed, GTK_PHASE_CAPTURE);
+  onEscape(GTK_PHASE_CAPTURE, [](GtkScreen& self, guint32 time) {
+    if (time != self.escapePressTime_) {
+      self.escapePressTime_ = time;
+      const auto asked = self.presentationDelegate_.lock();
+      self.escapeAllowedAtPress_ = !asked || asked->presentationControllerShouldDismiss();
+    }
+    return false;
+  });
+  onEscape(GTK_PHASE_BUBBLE, [](GtkScreen& self, guint32 time) {
+    if (time == self.escapePressTime_ && !self.escapeAllowedAtPress_) {
+      return true;  // it closed the page's own modal
+    }
+    return self.escape();
+  });
+  gtk_overlay_add_overlay(GTK_OVERLAY(overlay), presentation_);
+}
+
+void GtkScreen::onEscape(int phase, EscapeHandler handler) {
+  struct Target {
+    WeakScreen screen;
+    EscapeHandler handler;
+  };
+  GtkEventController* keys = gtk_event_controller_key_new();
+  gtk_event_controller_set_propagation_phase(keys, static_cast<GtkPropagationPhase>(phase));
   g_signal_connect_data(
-      pressed, "key-pressed",
+      keys, "key-pressed",
       G_CALLBACK(+[](GtkEventControllerKey* controller, guint keyval, guint /*code*/,
                      GdkModifierType /*state*/, gpointer data) -> gboolean {
-        const auto self = static_cast<WeakScreen*>(data)->lock();
-        const guint32 time =
-            gtk_event_controller_get_current_event_time(GTK_EVENT_CONTROLLER(controller));
-        if (keyval == GDK_KEY_Escape && self && time != self->escapePressTime_) {
-          self->escapePressTime_ = time;
-          const auto asked = self->presentationDelegate_.lock();
-          self->escapeAllowedAtPress_ = !asked || asked->presentationControllerShouldDismiss();
-        }
-        return FALSE;
-      }),
-      new WeakScreen(weak_from_this()), deleteWeakScreen, G_CONNECT_DEFAULT);
-  gtk_widget_add_controller(presentation_, pressed);
-  GtkEventController* unhandled = gtk_event_controller_key_new();
-  gtk_event_controller_set_propagation_phase(unhandled, GTK_PHASE_BUBBLE);
-  g_signal_connect_data(
-      unhandled, "key-pressed",
-      G_CALLBACK(+[](GtkEventControllerKey* controller, guint keyval, guint /*code*/,
-                     GdkModifierType /*state*/, gpointer data) -> gboolean {
-        const auto self = static_cast<WeakScreen*>(data)->lock();
+        const auto* target = static_cast<Target*>(data);
+        const auto self = target->screen.lock();
         if (keyval != GDK_KEY_Escape || !self) {
           return FALSE;
         }
         const guint32 time =
             gtk_event_controller_get_current_event_time(GTK_EVENT_CONTROLLER(controller));
-        if (time == self->escapePressTime_ && !self->escapeAllowedAtPress_) {
-          return TRUE;  // it closed the page's own modal
-        }
-        return self->escape() ? TRUE : FALSE;
+        return target->handler(*self, time) ? TRUE : FALSE;
       }),
-      new WeakScreen(weak_from_this()), deleteWeakScreen, G_CONNECT_DEFAULT);
-  gtk_widget_add_controller(presentation_, unhandled);
-  gtk_overlay_add_overlay(GTK_OVERLAY(overlay), presentation_);
+      new Target{weak_from_this(), handler},
+      +[](gpointer data, GClosure* /*closure*/) { delete static_cast<Target*>(data); },
+      G_CONNECT_DEFAULT);
+  gtk_widget_add_controller(presentation_, keys);
 }
 
 void GtkScreen::tearDownPresentation() {

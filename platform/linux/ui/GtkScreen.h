@@ -108,6 +108,10 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
   // The widget the screen's delegates want focused when it is presented; null when none.
   GtkWidget* preferredFocusWidget();
   void buildPresentation(GtkWidget* overlay);
+  // Runs `handler` with the Escape key presses that reach the presentation in `phase`; its answer
+  // says whether the key was taken.
+  using EscapeHandler = bool (*)(GtkScreen& screen, std::uint32_t eventTime);
+  void onEscape(int phase, EscapeHandler handler);
   void tearDownPresentation();
   // The window of this window's own screen has closed: everything presented leaves at once.
   void windowDidClose();
