@@ -29,6 +29,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchSupport.h"
 #include "LiveObjects.h"
 #include "LocalExchange.h"
 #include "MainLoop.h"
@@ -43,8 +44,13 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-using Millis = std::chrono::duration<double, std::milli>;
+using vemba::bench::Clock;
+using vemba::bench::LoadWatch;
+using vemba::bench::median;
+using vemba::bench::Millis;
+using vemba::bench::newBareView;
+using vemba::bench::printRow;
+
 using namespace std::chrono_literals;
 using vemba::testing::runMainLoopUntil;
 
@@ -77,76 +83,6 @@ long residentKiB(const std::string& process = "self") {
   }
   return -1;
 }
-
-double median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  const std::size_t n = values.size();
-  return n % 2 == 1 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
-}
-
-double percentile(std::vector<double> values, double p) {
-  std::sort(values.begin(), values.end());
-  return values[static_cast<std::size_t>(p * static_cast<double>(values.size() - 1))];
-}
-
-// Watches one WebKitWebView until a load of `uri` finishes without failing. A load refused for
-// its certificate (then reissued by the backend once the certificate is trusted) does not count.
-class LoadWatch {
- public:
-  LoadWatch(WebKitWebView* view, std::string uri) : view_(view), uri_(std::move(uri)) {
-    changed_ = g_signal_connect(view_, "load-changed", G_CALLBACK(onChanged), this);
-    failed_ = g_signal_connect(view_, "load-failed", G_CALLBACK(onFailed), this);
-    tlsFailed_ =
-        g_signal_connect(view_, "load-failed-with-tls-errors", G_CALLBACK(onTlsFailed), this);
-  }
-  ~LoadWatch() {
-    g_signal_handler_disconnect(view_, changed_);
-    g_signal_handler_disconnect(view_, failed_);
-    g_signal_handler_disconnect(view_, tlsFailed_);
-  }
-  LoadWatch(const LoadWatch&) = delete;
-  LoadWatch& operator=(const LoadWatch&) = delete;
-
-  bool finished() const { return finished_; }
-  Clock::time_point at() const { return at_; }
-  // When the load that finished was committed (its first response bytes reached the page).
-  Clock::time_point committedAt() const { return committedAt_; }
-
- private:
-  static void onChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer data) {
-    auto* self = static_cast<LoadWatch*>(data);
-    if (event == WEBKIT_LOAD_STARTED) {
-      self->attemptFailed_ = false;
-    } else if (event == WEBKIT_LOAD_COMMITTED) {
-      self->committedAt_ = Clock::now();
-    } else if (event == WEBKIT_LOAD_FINISHED && !self->attemptFailed_ && !self->finished_) {
-      const char* uri = webkit_web_view_get_uri(view);
-      if (uri != nullptr && self->uri_ == uri) {
-        self->finished_ = true;
-        self->at_ = Clock::now();
-      }
-    }
-  }
-  static gboolean onFailed(WebKitWebView*, WebKitLoadEvent, char*, GError*, gpointer data) {
-    static_cast<LoadWatch*>(data)->attemptFailed_ = true;
-    return FALSE;
-  }
-  static gboolean onTlsFailed(WebKitWebView*, char*, GTlsCertificate*, GTlsCertificateFlags,
-                              gpointer data) {
-    static_cast<LoadWatch*>(data)->attemptFailed_ = true;
-    return FALSE;
-  }
-
-  WebKitWebView* view_;
-  std::string uri_;
-  gulong changed_ = 0;
-  gulong failed_ = 0;
-  gulong tlsFailed_ = 0;
-  bool attemptFailed_ = false;
-  bool finished_ = false;
-  Clock::time_point at_;
-  Clock::time_point committedAt_;
-};
 
 class Delegate final : public vemba::VembaInterstitialAdDelegate {
  public:
@@ -223,7 +159,7 @@ class Bench {
   // stays when the view goes.
   Timing bareLoad(WebKitWebView* related) {
     const Clock::time_point start = Clock::now();
-    WebKitWebView* view = newBareView(related);
+    WebKitWebView* view = newBareView(related, "vemba");
     GtkWidget* overlay = gtk_window_get_child(window_);
     require(GTK_IS_OVERLAY(overlay), "the window has no overlay (show an ad first)");
     gtk_overlay_add_overlay(GTK_OVERLAY(overlay), GTK_WIDGET(view));
@@ -254,7 +190,7 @@ class Bench {
   // library's own warm view does).
   WebKitWebView* warmView() {
     const Clock::time_point start = Clock::now();
-    WebKitWebView* view = newBareView(nullptr);
+    WebKitWebView* view = newBareView(nullptr, "vemba");
     bool loaded = false;
     const gulong handler = g_signal_connect(
         view, "load-changed", G_CALLBACK(+[](WebKitWebView*, WebKitLoadEvent event, gpointer flag) {
@@ -313,26 +249,6 @@ class Bench {
   const std::vector<double>& warmReady() const { return warmReady_; }
 
  private:
-  // A WebKitWebView with what the ad's view sets that touches loading: the default network
-  // session, inline media, a content manager with the "vemba" channel.
-  static WebKitWebView* newBareView(WebKitWebView* related) {
-    WebKitSettings* settings = webkit_settings_new();
-    webkit_settings_set_media_playback_allows_inline(settings, TRUE);
-    WebKitUserContentManager* manager = webkit_user_content_manager_new();
-    webkit_user_content_manager_register_script_message_handler(manager, "vemba", nullptr);
-    auto* view = WEBKIT_WEB_VIEW(
-        related != nullptr
-            ? g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", related, "user-content-manager",
-                           manager, "settings", settings, nullptr)
-            : g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session",
-                           webkit_network_session_get_default(), "user-content-manager", manager,
-                           "settings", settings, nullptr));
-    g_object_ref_sink(view);
-    g_object_unref(settings);
-    g_object_unref(manager);
-    return view;
-  }
-
   std::shared_ptr<vemba::platform::View> adSubview(std::size_t index) const {
     const std::shared_ptr<vemba::platform::Screen> ad = screen_->presentedScreen();
     if (!ad || !ad->isViewLoaded()) {
@@ -348,11 +264,6 @@ class Bench {
   int unsettled_ = 0;
   std::vector<double> warmReady_;
 };
-
-void printRow(const char* name, const std::vector<double>& values) {
-  std::printf("%-38s %9.1f %9.1f %9.1f\n", name, median(values), percentile(values, 0.1),
-              percentile(values, 0.9));
-}
 
 }  // namespace
 

@@ -74,7 +74,8 @@
   }
 
   function dispatchMessage(name, body) {
-    received.push({ name: name, body: body === undefined ? null : body, at: Date.now() });
+    received.push({ name: name, body: body === undefined ? null : body,
+                    at: performance.timeOrigin + performance.now() });
     report(name, body);
     if (name === "presented") { presentedCount += 1; }
     if (name === "instrumentation") { lastInstrumentation = readDetail(body) || lastInstrumentation; }
