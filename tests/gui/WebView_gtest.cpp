@@ -1,7 +1,8 @@
 // The WebKitGTK web view through the seam, against local servers under Xvfb: the load lifecycle
 // in the order the core relies on, trust of the SSL_CERT_FILE bundle and nothing else, failures
 // and their codes, policy decisions, script messages both ways, what the server sees, ephemeral
-// storage. (That the web process ends with the view, InProcessScreens_itest shows for twenty views.)
+// storage. (That the web process ends with the view, InProcessScreens_itest shows for twenty
+// views.)
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
