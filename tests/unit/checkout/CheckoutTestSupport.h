@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -13,6 +15,13 @@
 namespace vemba::checkout::testing {
 
 using vemba::testing::url;
+
+// A seed of the fuzz corpus, read whole ("completed_event_fuzzer/message_every_key.json").
+inline std::string corpusFile(const std::string& name) {
+  std::ifstream in(VEMBA_FUZZ_CORPUS_DIR "/" + name, std::ios::binary);
+  EXPECT_TRUE(in) << name;
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
 
 class CheckoutTest : public vemba::testing::FakePlatformTest {
  protected:
