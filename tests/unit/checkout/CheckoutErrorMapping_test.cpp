@@ -115,13 +115,6 @@ TEST_F(CheckoutErrorMappingTest, HttpStatusOfTheCheckoutDocument) {
   }
 }
 
-TEST_F(CheckoutErrorMappingTest, HandlingResponseLine) {
-  logHandlingResponse("https://shop.example/cart/c/1?key=k", 503);
-  EXPECT_THAT(logLines(),
-              ElementsAre(debugLine("Handling response for URL: "
-                                    "https://shop.example/cart/c/1?key=k, status code: 503")));
-}
-
 TEST_F(CheckoutErrorMappingTest, NavigationFailures) {
   const Error cancelled{std::string(platform::kUrlErrorDomain), platform::UrlErrorCode::cancelled,
                         "cancelled"};
@@ -135,12 +128,6 @@ TEST_F(CheckoutErrorMappingTest, NavigationFailures) {
   const Error otherDomain{"WebKitErrorDomain", -999, "x"};
   EXPECT_EQ(checkoutErrorForNavigationFailure(otherDomain, false),
             CheckoutError::sdkError(otherDomain, true));
-}
-
-TEST(CheckoutErrorCodeTest, FromNeverFails) {
-  EXPECT_EQ(checkoutErrorCodeFrom(std::nullopt), CheckoutErrorCode::unknown);
-  EXPECT_EQ(checkoutErrorCodeFrom("CART_EXPIRED"), CheckoutErrorCode::unknown);
-  EXPECT_EQ(checkoutErrorCodeFromRawValue("nope"), std::nullopt);
 }
 
 }  // namespace
