@@ -4,16 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "CheckoutTestSupport.h"
-#include "FakeWebView.h"
 #include "checkout/BridgeEnvelope.h"
 #include "checkout/ContractViolation.h"
-#include "checkout/MessageHandler.h"
 #include "checkout/OSLogger.h"
-#include "checkout/events/CheckoutCompletedEventCoding.h"
 #include "platform/ScriptEvaluator.h"
 #include "platform/ScriptMessage.h"
 
@@ -101,12 +97,17 @@ TEST_F(CheckoutBridgeTest, MalformedErrorBodiesAreLoggedAndIgnored) {
                           "from invalid String value Expired"));
 }
 
-TEST_F(CheckoutBridgeTest, BlockingEventAndUnsupportedNames) {
+TEST_F(CheckoutBridgeTest, BlockingPixelAndUnsupportedNames) {
   const WebEvent shown{WebEvent::CheckoutModalToggled{true}};
   const WebEvent hidden{WebEvent::CheckoutModalToggled{false}};
   const std::pair<std::string, WebEvent> cases[] = {
       {envelope("checkoutBlockingEvent", "true"), shown},
       {envelope("checkoutBlockingEvent", "false"), hidden},
+      // The pixel payload's own rules are the pixel decoder's: the bridge wraps what it gives, no
+      // event for a type it does not know included.
+      {envelope("webPixels", R"({"name":"x","event":{"id":"e","name":"x","timestamp":"t",)"
+                             R"("type":"Standard","context":{}}})"),
+       WebEvent{WebEvent::WebPixels{std::nullopt}}},
       // Names are exact and case-sensitive; other names' bodies are never read.
       {envelope("Completed", 1), unsupported("Completed")},
       {envelope("ERROR", "[]"), unsupported("ERROR")},
@@ -175,31 +176,6 @@ TEST(BridgeEnvelopeTest, DeepNestingOutsideTheKeptMembersIsOnlyValidated) {
   const std::optional<nlohmann::json> read = readEnvelope(R"({"name":"a","body":)" + closed + "}");
   ASSERT_TRUE(read);
   EXPECT_EQ((*read)["body"], nlohmann::json::array());
-}
-
-TEST_F(CheckoutBridgeTest, CompletedMessageUsesTheForgivingDecoder) {
-  CheckoutCompletedEvent event = createEmptyCheckoutCompletedEvent(std::string("order-1"));
-  const WebEvent decoded = decodeOk(envelope("completed", toJson(event).dump()));
-  EXPECT_EQ(decoded, WebEvent{WebEvent::CheckoutComplete{event}});
-
-  // A summary that cannot be read still completes (with the empty event), never fails.
-  const WebEvent fallback = decodeOk(envelope("completed", "{}"));
-  EXPECT_EQ(fallback,
-            WebEvent{WebEvent::CheckoutComplete{createEmptyCheckoutCompletedEvent(std::nullopt)}});
-}
-
-// The pixel payload's own rules are the pixel decoder's; the bridge only wraps what it gives.
-TEST_F(CheckoutBridgeTest, WebPixelsMessages) {
-  const auto pixel = [](const char* type) {
-    return envelope("webPixels", std::string(R"({"name":"x","event":{"id":"e","name":"x",)") +
-                                     R"("timestamp":"t","type":")" + type + R"(","context":{}}})");
-  };
-  const WebEvent standard = decodeOk(pixel("standard"));
-  const auto* pixels = std::get_if<WebEvent::WebPixels>(&standard.value);
-  ASSERT_NE(pixels, nullptr);
-  ASSERT_TRUE(pixels->event.has_value());
-  EXPECT_TRUE(std::holds_alternative<StandardEvent>(*pixels->event));
-  EXPECT_EQ(decodeOk(pixel("Standard")), WebEvent{WebEvent::WebPixels{std::nullopt}});
 }
 
 using CheckoutBridgeDeathTest = CheckoutBridgeTest;
@@ -310,33 +286,6 @@ TEST_F(CheckoutBridgeTest, UnencodableInstrumentationIsPrintedAndNotSent) {
   EXPECT_THAT(printed, StartsWith("toJson() unencodableInstrumentation(EncodingError 316: "));
   EXPECT_EQ(printed.back(), '\n');
   EXPECT_THAT(platform.log.lines, IsEmpty());
-}
-
-class RecordingHandler final : public platform::ScriptMessageHandler {
- public:
-  void userContentControllerDidReceive(platform::UserContentController& controller,
-                                       const platform::ScriptMessage& message) override {
-    controllers.push_back(&controller);
-    messages.push_back(message);
-  }
-  std::vector<platform::UserContentController*> controllers;
-  std::vector<platform::ScriptMessage> messages;
-};
-
-TEST(MessageHandlerTest, ForwardsWhileTheDelegateLivesAndDropsAfterwards) {
-  auto delegate = std::make_shared<RecordingHandler>();
-  MessageHandler handler(delegate);
-  fake::FakeUserContentController controller;
-  const platform::ScriptMessage message{"mobileCheckoutSdk", std::string("x")};
-  handler.userContentControllerDidReceive(controller, message);
-  ASSERT_EQ(delegate->messages.size(), 1U);
-  EXPECT_EQ(delegate->messages[0], message);
-  EXPECT_EQ(delegate->controllers[0], &controller);
-
-  std::weak_ptr<RecordingHandler> weak = delegate;
-  delegate.reset();
-  EXPECT_TRUE(weak.expired());
-  handler.userContentControllerDidReceive(controller, message);  // dropped, no crash
 }
 
 }  // namespace
