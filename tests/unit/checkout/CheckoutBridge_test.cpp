@@ -204,13 +204,6 @@ TEST_F(CheckoutBridgeDeathTest, AHookThatReturnsStillEndsTheProcess) {
       "contract violation");
 }
 
-TEST_F(CheckoutBridgeTest, AThrowingHookLeavesTheViolationForFuzzers) {
-  const ScopedContractViolationHook hook(throwContractViolationForTesting);
-  EXPECT_THROW((void)CheckoutBridge::decode(envelope("error", "[]")), ContractViolationForTesting);
-  EXPECT_THROW((void)CheckoutBridge::decode(envelope("checkoutBlockingEvent", "1")),
-               ContractViolationForTesting);
-}
-
 class RecordingScriptEvaluator final : public platform::ScriptEvaluator {
  public:
   void evaluateJavaScript(std::string_view script) override { scripts.emplace_back(script); }
