@@ -149,23 +149,7 @@ INSTANTIATE_TEST_SUITE_P(
              std::to_string(c.code < 0 ? -c.code : c.code);
     });
 
-TEST_F(AdScreenTest, RetryBudgetIsOneForTheControllersLifeAcrossSuccessfulLoads) {
-  auto controller = shownController();
-  fake::FakeWebView& webView = webViewOf(*controller);
-  const platform::NavigationError offline{std::string(platform::kUrlErrorDomain), -1009,
-                                          std::nullopt};
-  webView.failProvisionalNavigation(offline);
-  advance(1s);
-  ASSERT_EQ(webView.loads.size(), 2U);
-  webView.startProvisionalNavigation();
-  webView.finishNavigation();
-  webView.failNavigation(offline);
-  advance(5s);
-  EXPECT_EQ(webView.loads.size(), 2U);
-  EXPECT_EQ(controller->retryCount(), 1);
-}
-
-TEST_F(AdScreenTest, RetryReloadsTheCurrentUrlElseTheParkedOne) {
+TEST_F(AdScreenTest, TheOneRetryReloadsTheCurrentUrlElseTheParkedOneAndIsNeverRenewed) {
   auto controller = shownController();
   fake::FakeWebView& webView = webViewOf(*controller);
   const Url redirected = url("https://ads.example.test/creative/7/landing");
@@ -174,6 +158,13 @@ TEST_F(AdScreenTest, RetryReloadsTheCurrentUrlElseTheParkedOne) {
   ASSERT_EQ(webView.loads.size(), 2U);
   EXPECT_EQ(webView.loads[1].url, redirected);
   EXPECT_EQ(webView.loads[1].timeout, 10s);
+  // The budget is one for the controller's life, across successful loads.
+  webView.startProvisionalNavigation();
+  webView.finishNavigation();
+  webView.failNavigation({"d", -1009, std::nullopt});
+  advance(5s);
+  EXPECT_EQ(webView.loads.size(), 2U);
+  EXPECT_EQ(controller->retryCount(), 1);
 
   auto second = shownController();
   fake::FakeWebView& other = webViewOf(*second);
@@ -227,23 +218,16 @@ TEST_P(AdScreenMessageTest, PageVocabularyIsAsymmetricAndExact) {
   EXPECT_EQ(countLog("vemba received message: " + c.channel), 1U);
 }
 
+// What the page may not say (other cases, close as an action, malformed dictionaries and URLs) is
+// shown to be ignored end to end, by AdShow_itest's "Ignored" page.
 const MessageCase kMessages[] = {
     {"close", "vemba", std::string("close"), "delegate:close"},
     {"click", "vemba", std::string("click"), "delegate:click"},
-    {"closeOtherCase", "vemba", std::string("Close"), ""},
-    {"closeAsAction", "vemba", json(R"({"action":"close"})"), ""},
     {"otherChannel", "vembaAds", std::string("close"), ""},
     {"openUrl", "vemba", json(R"({"action":"openURL","url":"https://shop.example.test/p?q=1"})"),
      "open:https://shop.example.test/p?q=1"},
-    {"openUrlUnparseable", "vemba", json(R"({"action":"openURL","url":"http://[bad"})"), ""},
-    {"openUrlNotString", "vemba", json(R"({"action":"openURL","url":7})"), ""},
-    {"openUrlMissing", "vemba", json(R"({"action":"openURL"})"), ""},
-    {"actionNotString", "vemba", json(R"({"action":1,"url":"https://a.test"})"), ""},
-    {"emptyDictionary", "vemba", json("{}"), ""},
-    {"array", "vemba", json(R"(["close"])"), ""},
     {"openCheckout", "vemba",
      json(R"({"action":"openCheckout","url":"https://shop.example.test/c/1"})"), "checkout"},
-    {"openCheckoutUnparseable", "vemba", json(R"({"action":"openCheckout","url":"::"})"), ""},
 };
 
 INSTANTIATE_TEST_SUITE_P(Messages, AdScreenMessageTest, ::testing::ValuesIn(kMessages),
