@@ -152,15 +152,6 @@ TEST_F(BidExchangeTest, TransportErrorsKeepTheirCodeAndAreDescribedOnceByTheCore
   }
 }
 
-TEST_F(BidExchangeTest, CallbacksWaitForTheMainQueue) {
-  ad->load();
-  platform.http.respondLast(200, bidResponse("https://127.0.0.1/ad.html"));
-  EXPECT_TRUE(delegate->calls.empty());
-  EXPECT_FALSE(ad->isReady());
-  EXPECT_EQ(platform.mainQueue.runUntilIdle(), 1U);
-  EXPECT_EQ(delegate->names(), (std::vector<std::string>{"adDidLoad"}));
-}
-
 TEST_F(BidExchangeTest, AdReleasedInFlightGetsNoCallback) {
   ad->load();
   std::weak_ptr<VembaInterstitialAd> weak = ad;
