@@ -17,14 +17,11 @@ namespace vemba::checkout {
 namespace {
 
 using ::testing::ElementsAre;
+using testing::envelope;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 using WebEvent = CheckoutBridge::WebEvent;
-
-std::string envelope(const std::string& name, const nlohmann::json& body) {
-  return nlohmann::json{{"name", name}, {"body", body}}.dump();
-}
 
 platform::ScriptMessage stringMessage(std::string text) {
   return platform::ScriptMessage{std::string(CheckoutBridge::kMessageHandlerName), std::move(text)};

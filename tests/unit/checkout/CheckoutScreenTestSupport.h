@@ -21,18 +21,6 @@
 
 namespace vemba::checkout::testing {
 
-// The page's message envelope: {"name": name, "body": body}.
-inline std::string envelope(std::string_view name, std::string_view body) {
-  std::string escaped;
-  for (char c : body) {
-    if (c == '"' || c == '\\') {
-      escaped.push_back('\\');
-    }
-    escaped.push_back(c);
-  }
-  return "{\"name\":\"" + std::string(name) + "\",\"body\":\"" + escaped + "\"}";
-}
-
 // A "webPixels" body whose event has `type` ("standard" gives an event, an unknown type none).
 inline std::string pixelBody(std::string_view type) {
   return R"({"name":"x","event":{"id":"1","name":"x","timestamp":"t","type":")" +
@@ -63,7 +51,6 @@ class RecordingDelegate : public CheckoutDelegate {
   void checkoutDidCancel() override { calls.push_back("cancel"); }
   void checkoutDidFail(const CheckoutError& error) override {
     calls.push_back("fail:" + std::to_string(error.value().index()));
-    errors.push_back(error);
   }
   bool shouldRecoverFromError(const CheckoutError& error) override {
     calls.push_back("shouldRecover");
@@ -78,7 +65,6 @@ class RecordingDelegate : public CheckoutDelegate {
 
   std::optional<bool> recover;  // the answer to shouldRecoverFromError; default when absent
   std::vector<std::string> calls;
-  std::vector<CheckoutError> errors;
 };
 
 class CheckoutScreenTest : public CheckoutTest {

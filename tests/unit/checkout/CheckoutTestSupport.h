@@ -6,6 +6,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,11 @@
 namespace vemba::checkout::testing {
 
 using vemba::testing::url;
+
+// The page's message envelope, {"name": name, "body": body}, as the page posts it.
+inline std::string envelope(std::string_view name, const nlohmann::json& body) {
+  return nlohmann::json{{"name", name}, {"body", body}}.dump();
+}
 
 // A seed of the fuzz corpus, read whole ("completed_event_fuzzer/message_every_key.json").
 inline std::string corpusFile(const std::string& name) {

@@ -41,11 +41,6 @@ TEST_F(OSLoggerTest, EmissionMatrix) {
   }
 }
 
-TEST_F(OSLoggerTest, FormatCharactersAreWrittenLiterally) {
-  OSLogger("VembaCheckoutKit", LogLevel::all).error("x %@ %d %s %n");
-  EXPECT_THAT(logLines(), ElementsAre("error|[VembaCheckoutKit] (Error) - x %@ %d %s %n"));
-}
-
 TEST_F(OSLoggerTest, SharedStartsWithTheKitPrefixAndTheConfigurationsLevel) {
   OSLogger::shared().info("x");
   OSLogger::shared().error("x");
@@ -63,13 +58,13 @@ TEST_F(OSLoggerTest, SharedStartsWithTheKitPrefixAndTheConfigurationsLevel) {
                                       "info|[VembaCheckoutKit] (Info) - z"));
 }
 
-TEST_F(OSLoggerTest, PrefixAndLevelCanBeChanged) {
+TEST_F(OSLoggerTest, PrefixAndLevelCanBeChangedAndFormatCharactersAreWrittenLiterally) {
   OSLogger logger("A", LogLevel::none);
   logger.fault("hidden");
   logger.setLogLevel(LogLevel::error);
   logger.setPrefix("B");
-  logger.fault("shown");
-  EXPECT_THAT(logLines(), ElementsAre("fault|[B] (Fault) - shown"));
+  logger.fault("shown %@ %d %s %n");
+  EXPECT_THAT(logLines(), ElementsAre("fault|[B] (Fault) - shown %@ %d %s %n"));
 }
 
 TEST(LogLevelTest, RawValuesAreExactAndCaseSensitive) {
