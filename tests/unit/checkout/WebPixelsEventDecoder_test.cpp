@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "CheckoutTestSupport.h"
-#include "checkout/events/ContextCoding.h"
 #include "checkout/events/FreeFormJson.h"
 #include "checkout/events/PixelEventCoding.h"
 #include "checkout/events/StandardEventDataCoding.h"
@@ -189,15 +188,6 @@ TEST(PixelRecordsTest, EncodingWritesBackEveryKeyRead) {
   EXPECT_EQ(writtenBack(R"({"percentage":12.5})", decodePricingPercentageValue),
             Json::parse(R"({"percentage":12.5})"));
   EXPECT_EQ(writtenBack(R"({"ignored":1})", decodeCustomData), Json::object());
-}
-
-TEST(PixelRecordsTest, AbsentFieldsAreLeftOutWhenEncoding) {
-  EXPECT_EQ(toJson(Context{}).dump(), "{}");
-  EXPECT_EQ(toJson(CustomEvent{}).dump(), "{}");
-  StandardEvent event;
-  event.data = StandardEventData{};
-  event.name = "page_viewed";
-  EXPECT_EQ(toJson(event).dump(), R"({"data":{},"name":"page_viewed"})");
 }
 
 }  // namespace
