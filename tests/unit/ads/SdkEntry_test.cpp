@@ -34,25 +34,6 @@ TEST_F(SdkEntryTest, SecondInitializeOverwritesKeyAndFindsTheUserAgentCached) {
   EXPECT_EQ(UserAgentFetcher::shared().cachedUserAgent(), kIPhoneUserAgent);
 }
 
-TEST_F(SdkEntryTest, UserAgentComposition) {
-  struct Case {
-    const char* model;
-    const char* version;
-    const char* expected;
-  };
-  const Case cases[] = {
-      {"iPad", "18",
-       "Mozilla/5.0 (iPad; CPU iPad OS 18 like Mac OS X) AppleWebKit/605.1.15 (KHTML, like "
-       "Gecko) Mobile/15E148"},
-      {"Linux", "6.1.0.1",
-       "Mozilla/5.0 (Linux; CPU Linux OS 6_1_0_1 like Mac OS X) AppleWebKit/605.1.15 (KHTML, "
-       "like Gecko) Mobile/15E148"},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(UserAgentFetcher::compose(c.model, c.version), c.expected);
-  }
-}
-
 TEST_F(SdkEntryTest, AppInfoFallbacks) {
   struct Case {
     std::optional<std::string> bundle;
