@@ -45,29 +45,6 @@ WebEvent unsupported(std::string name) {
 
 class CheckoutBridgeTest : public testing::CheckoutTest {};
 
-TEST_F(CheckoutBridgeTest, ErrorMessagesBecomeEventsByGroup) {
-  const std::pair<std::string, WebEvent> cases[] = {
-      {R"([{"group":"expired","code":"cart_expired","reason":"Gone"}])",
-       WebEvent{WebEvent::CheckoutExpired{"Gone", CheckoutErrorCode::cartExpired}}},
-      {R"([{"group":"expired"}])",
-       WebEvent{WebEvent::CheckoutExpired{std::nullopt, CheckoutErrorCode::unknown}}},
-      {R"([{"group":"configuration","code":"storefront_password_required","flowType":"x"}])",
-       WebEvent{WebEvent::ConfigurationError{std::nullopt,
-                                             CheckoutErrorCode::storefrontPasswordRequired}}},
-      // Codes are exact: a known one in another case is unknown.
-      {R"([{"group":"unrecoverable","code":"CART_EXPIRED","reason":null,"extra":[1]}])",
-       WebEvent{WebEvent::CheckoutUnavailable{std::nullopt, CheckoutErrorCode::unknown}}},
-      {R"([{"group":"authentication","reason":"x"}])", unsupported("error")},
-      // Only the first element counts.
-      {R"([{"group":"expired","reason":"first"},{"group":"unrecoverable"}])",
-       WebEvent{WebEvent::CheckoutExpired{"first", CheckoutErrorCode::unknown}}},
-  };
-  for (const auto& [body, expected] : cases) {
-    EXPECT_EQ(decodeOk(envelope("error", body)), expected) << body;
-  }
-  EXPECT_THAT(platform.log.lines, IsEmpty());
-}
-
 TEST_F(CheckoutBridgeTest, MalformedErrorBodiesAreLoggedAndIgnored) {
   const std::vector<std::string> texts = {
       envelope("error", R"([{"group":"Expired"}])"),
