@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/OpenableSchemes.h"
+
 namespace vemba {
 namespace {
 
@@ -47,6 +49,18 @@ TEST(UrlTest, ResolvesAReferenceAgainstABase) {
   EXPECT_EQ(base->resolve("../d.html")->absoluteString(), "https://127.0.0.1/a/d.html");
   EXPECT_EQ(base->resolve("/x?y=1")->absoluteString(), "https://127.0.0.1/x?y=1");
   EXPECT_FALSE(base->resolve("bad url"));
+}
+
+// Which schemes the library hands to another application: the four, in any case, and nothing
+// that merely starts or ends like one of them.
+TEST(OpenableSchemesTest, OnlyTheFourSchemesInAnyCase) {
+  for (const char* scheme : {"http", "https", "mailto", "tel", "HTTPS", "MailTo", "TEL"}) {
+    EXPECT_TRUE(platform::isOpenableScheme(scheme)) << scheme;
+  }
+  for (const char* scheme : {"", "htt", "httpx", "xhttp", "https ", "javascript", "file", "data",
+                             "ftp", "sms", "quillfeather-app"}) {
+    EXPECT_FALSE(platform::isOpenableScheme(scheme)) << scheme;
+  }
 }
 
 }  // namespace
