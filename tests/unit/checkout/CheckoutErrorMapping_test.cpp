@@ -5,7 +5,6 @@
 
 #include "CheckoutTestSupport.h"
 #include "checkout/OSLogger.h"
-#include "platform/UrlErrorCode.h"
 
 namespace vemba::checkout {
 namespace {
@@ -111,21 +110,6 @@ TEST_F(CheckoutErrorMappingTest, HttpStatusOfTheCheckoutDocument) {
               c.log ? std::vector<std::string>{debugLine(c.log)} : std::vector<std::string>{})
         << c.status;
   }
-}
-
-TEST_F(CheckoutErrorMappingTest, NavigationFailures) {
-  const Error cancelled{std::string(platform::kUrlErrorDomain), platform::UrlErrorCode::cancelled,
-                        "cancelled"};
-  EXPECT_EQ(checkoutErrorForNavigationFailure(cancelled, false), std::nullopt);
-  EXPECT_THAT(logLines(),
-              ElementsAre(debugLine("WebView navigation failed with error: description:cancelled "
-                                    "domain:URLError code:-999"),
-                          debugLine("Ignoring cancelled URL redirect. code:NSURLErrorCancelled")));
-
-  // The same code in another domain is a real failure.
-  const Error otherDomain{"WebKitErrorDomain", -999, "x"};
-  EXPECT_EQ(checkoutErrorForNavigationFailure(otherDomain, false),
-            CheckoutError::sdkError(otherDomain, true));
 }
 
 }  // namespace

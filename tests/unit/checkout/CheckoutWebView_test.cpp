@@ -327,6 +327,12 @@ TEST_F(CheckoutWebViewTest, NavigationFailuresAreReportedUnlessCancelledOrProvis
   webView.failNavigation(
       {std::string(platform::kUrlErrorDomain), platform::UrlErrorCode::cancelled, std::nullopt});
   EXPECT_TRUE(delegate->calls.empty());
+  EXPECT_EQ(countLog("(Debug) - WebView navigation failed with error: description:cancelled "
+                     "domain:URLError code:-999"),
+            1U);
+  EXPECT_EQ(countLog("(Debug) - Ignoring cancelled URL redirect. code:NSURLErrorCancelled"), 1U);
+  // The same code in another domain is a real failure.
+  webView.failNavigation({"WebKitErrorDomain", -999, std::nullopt});
 
   const platform::NavigationError timedOut{std::string(platform::kUrlErrorDomain),
                                            platform::UrlErrorCode::timedOut,
@@ -334,8 +340,9 @@ TEST_F(CheckoutWebViewTest, NavigationFailuresAreReportedUnlessCancelledOrProvis
   webView.failNavigation(timedOut);
   const auto recovery = make(/*recovery=*/true);
   fakeOf(*recovery).failNavigation(timedOut);
-  EXPECT_EQ(delegate->calls, (std::vector<std::string>{"fail:0:recoverable", "fail:0:final"}));
-  const auto& sdkError = std::get<CheckoutError::SdkError>(delegate->errors[0].value());
+  EXPECT_EQ(delegate->calls,
+            (std::vector<std::string>{"fail:0:recoverable", "fail:0:recoverable", "fail:0:final"}));
+  const auto& sdkError = std::get<CheckoutError::SdkError>(delegate->errors[1].value());
   EXPECT_EQ(sdkError.underlying, (Error{"URLError", -1001, "The request timed out."}));
 }
 
