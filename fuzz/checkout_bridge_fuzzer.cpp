@@ -10,7 +10,9 @@
 // design; here a hook turns them into an exception, and they must come only from those names.
 // Whatever is decoded also goes through the error mapping the web view applies, and the rest is
 // used as a kit-to-page message body to build the dispatch script. The envelope reader must keep
-// exactly what the full parse of the same text holds under "name" and "body".
+// exactly what the full parse of the same text holds under "name" and "body". The "completed"
+// and "error" readers never fail: each logs exactly when it falls back (once), and whatever it
+// decoded must encode and decode back to the same event.
 #include <cstddef>
 #include <cstdint>
 #include <nlohmann/json.hpp>
@@ -20,9 +22,11 @@
 #include "FakePlatform.h"
 #include "checkout/BridgeEnvelope.h"
 #include "checkout/CheckoutBridge.h"
+#include "checkout/CheckoutErrorEventDecoder.h"
 #include "checkout/CheckoutErrorMapping.h"
 #include "checkout/ContractViolation.h"
 #include "checkout/OSLogger.h"
+#include "checkout/events/CheckoutCompletedEventCoding.h"
 #include "platform/ScriptMessage.h"
 
 namespace {
@@ -72,6 +76,51 @@ void requireEnvelopeMatchesDocument(std::string_view text) {
   }
 }
 
+// An "error" envelope read on its own. The empty array (a contract violation) is found before
+// anything is logged.
+void requireErrorEventOutcome(std::string_view text, const vemba::fake::RecordingLogSink& log) {
+  using vemba::checkout::CheckoutErrorEventDecoder;
+  const std::optional<nlohmann::json> envelope = vemba::checkout::readEnvelope(text);
+  if (!envelope || !envelope->is_object() || envelope->value("name", nlohmann::json()) != "error") {
+    return;
+  }
+  vemba::checkout::CheckoutErrorEvent event;
+  try {
+    event = CheckoutErrorEventDecoder::decode(*envelope);
+  } catch (const vemba::checkout::ContractViolationForTesting&) {
+    if (!log.lines.empty()) {
+      __builtin_trap();
+    }
+    return;
+  }
+  if (log.lines.size() > 1 ||
+      (log.lines.size() == 1 && !(event == CheckoutErrorEventDecoder::fallbackEvent()))) {
+    __builtin_trap();
+  }
+  if (log.lines.empty()) {
+    const std::string again =
+        "[" + vemba::json::dumpCompact(vemba::checkout::encodeCheckoutErrorEvent(event)) + "]";
+    if (!(CheckoutErrorEventDecoder::decode({{"name", "error"}, {"body", again}}) == event) ||
+        !log.lines.empty()) {
+      __builtin_trap();
+    }
+  }
+}
+
+void requireCompletedOutcome(const vemba::checkout::CheckoutCompletedEvent& event,
+                             std::size_t logged) {
+  if (logged > 1 || (logged == 1 && !(event == vemba::checkout::createEmptyCheckoutCompletedEvent(
+                                                   std::nullopt)))) {
+    __builtin_trap();
+  }
+  const auto again =
+      vemba::json::decodeText(vemba::json::dumpCompact(vemba::checkout::toJson(event)),
+                              vemba::checkout::decodeCheckoutCompletedEvent);
+  if (logged == 0 && (!again || !(*again == event))) {
+    __builtin_trap();
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -103,6 +152,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   if (const auto* text = std::get_if<std::string>(&message.body)) {
     requireEnvelopeMatchesDocument(*text);
+    requireErrorEventOutcome(*text, platform.log);
+    platform.log.lines.clear();
   }
 
   try {
@@ -121,6 +172,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       // A well-formed envelope with a name outside the vocabulary is always unsupported.
       if (mode == 6 && !(decoded.value() == WebEvent{WebEvent::Unsupported{"presented"}})) {
         __builtin_trap();
+      }
+      if (const auto* completed = std::get_if<WebEvent::CheckoutComplete>(&decoded->value)) {
+        requireCompletedOutcome(completed->event, platform.log.lines.size());
       }
       (void)vemba::checkout::checkoutErrorForWebEvent(decoded.value());
     }

@@ -19,10 +19,12 @@ Json envelope(std::string_view body) {
   return Json{{"name", "completed"}, {"body", body}};
 }
 
-// A complete summary using every field once, and a key the model does not know.
+// A complete summary using every field once, and a key the model does not know: the bridge
+// fuzzer's seed of the whole message (after its mode byte).
 Json fullSummary() {
-  const std::string message = testing::corpusFile("completed_event_fuzzer/message_every_key.json");
-  return Json::parse(Json::parse(message)["body"].get<std::string>());
+  const std::string seed =
+      testing::corpusFile("checkout_bridge_fuzzer/completed_message_every_key");
+  return Json::parse(Json::parse(seed.substr(1))["body"].get<std::string>());
 }
 
 class CompletedEventDecoderTest : public testing::CheckoutTest {
