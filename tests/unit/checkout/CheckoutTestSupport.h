@@ -22,7 +22,7 @@ inline std::string envelope(std::string_view name, const nlohmann::json& body) {
   return nlohmann::json{{"name", name}, {"body", body}}.dump();
 }
 
-// A seed of the fuzz corpus, read whole ("pixel_event_fuzzer/message_every_key.json").
+// A seed of the fuzz corpus, read whole ("checkout_bridge_fuzzer/pixel_message_every_key").
 inline std::string corpusFile(const std::string& name) {
   std::ifstream in(VEMBA_FUZZ_CORPUS_DIR "/" + name, std::ios::binary);
   EXPECT_TRUE(in) << name;

@@ -172,8 +172,9 @@ std::optional<Json> writtenBack(std::string_view text, Decode decode) {
 // Every key of the pixel model read from the page's message and written back: the event comes out
 // as it went in, under its own name rather than the message's.
 TEST(PixelRecordsTest, EncodingWritesBackEveryKeyRead) {
+  // The bridge fuzzer's seed of the whole message (after its mode byte).
   const Json message =
-      Json::parse(testing::corpusFile("pixel_event_fuzzer/message_every_key.json"));
+      Json::parse(testing::corpusFile("checkout_bridge_fuzzer/pixel_message_every_key").substr(1));
   Json standard = Json::parse(message["body"].get<std::string>())["event"];
   const auto decoded = WebPixelsEventDecoder::decode(message);
   ASSERT_TRUE(decoded && decoded->has_value());
