@@ -1,6 +1,5 @@
 #include "checkout/CheckoutErrorMapping.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "CheckoutTestSupport.h"
@@ -8,8 +7,6 @@
 
 namespace vemba::checkout {
 namespace {
-
-using ::testing::ElementsAre;
 
 class CheckoutErrorMappingTest : public testing::CheckoutTest {
  protected:
@@ -59,15 +56,6 @@ TEST_F(CheckoutErrorMappingTest, PageErrorMessagesByGroup) {
     EXPECT_EQ(checkoutErrorForWebEvent(event.value()), c.expected);
     EXPECT_EQ(logLines(), c.log);
   }
-}
-
-TEST_F(CheckoutErrorMappingTest, UndecodableMessageIsARecoverableSdkError) {
-  const BridgeError bridgeError = BridgeError::invalidBridgeEvent(std::nullopt);
-  const CheckoutError error = checkoutErrorForBridgeFailure(bridgeError);
-  EXPECT_EQ(error, CheckoutError::sdkError(bridgeError.toError(), true));
-  EXPECT_THAT(logLines(), ElementsAre("error|[VembaCheckoutKit] (Error) - Error decoding bridge "
-                                      "script message: " +
-                                      bridgeError.description()));
 }
 
 struct HttpCase {

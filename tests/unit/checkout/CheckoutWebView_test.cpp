@@ -312,6 +312,13 @@ TEST_F(CheckoutWebViewTest, BridgeMessagesBecomeDelegateCalls) {
   const auto view = make();
   contentOf(*view).post("mobileCheckoutSdk", platform::ScriptMessage::NonStringBody{"{}"});
   EXPECT_EQ(delegate->calls, std::vector<std::string>{"fail:0:recoverable"});
+  const std::string failed =
+      "(Error) - Error decoding bridge script message: The checkout page "
+      "sent an invalid bridge event";
+  EXPECT_EQ(countLog(failed + ": Data corrupted at the top level: The given data was not valid "
+                              "JSON."),
+            1U);
+  EXPECT_EQ(countLog(failed + "."), 1U);
 }
 
 TEST_F(CheckoutWebViewTest, NavigationFailuresAreReportedUnlessCancelledOrProvisional) {
