@@ -105,49 +105,39 @@ TEST_F(AdScreenTest, ViewHoldsTheWebViewUnderACloseButtonLaidOutFromTheEdges) {
   EXPECT_EQ(delegate->calls, std::vector<std::string>{"close"});
 }
 
-struct RetryCase {
-  int code;
-  bool committed;  // failed after the page was committed
-  bool retried;
-};
-
-const RetryCase kRetries[] = {{-1009, false, true}, {-1003, false, true},  {-1001, false, true},
-                              {-1001, true, true},  {-1004, false, false}, {-999, true, false},
-                              {102, false, false}};
-
-class AdScreenRetryTest : public AdScreenTest, public ::testing::WithParamInterface<RetryCase> {};
-
-TEST_P(AdScreenRetryTest, OnlyThreeCodesAreRetriedOnceASecondLater) {
-  const RetryCase& c = GetParam();
-  auto controller = shownController();
-  fake::FakeWebView& webView = webViewOf(*controller);
-  webView.startProvisionalNavigation();
-  // The domain is not looked at: the codes count in any domain.
-  const platform::NavigationError error{"AnyDomain", c.code, std::nullopt};
-  if (c.committed) {
-    webView.finishNavigation();
-    webView.failNavigation(error);
-  } else {
-    webView.failProvisionalNavigation(error);
+TEST_F(AdScreenTest, OnlyThreeCodesAreRetriedOnceASecondLater) {
+  struct Case {
+    int code;
+    bool committed;  // failed after the page was committed
+    bool retried;
+  };
+  const Case cases[] = {{-1009, false, true}, {-1003, false, true},  {-1001, false, true},
+                        {-1001, true, true},  {-1004, false, false}, {-999, true, false},
+                        {102, false, false}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(::testing::Message() << c.code << (c.committed ? " committed" : " provisional"));
+    logs.clear();
+    auto controller = shownController();
+    fake::FakeWebView& webView = webViewOf(*controller);
+    webView.startProvisionalNavigation();
+    // The domain is not looked at: the codes count in any domain.
+    const platform::NavigationError error{"AnyDomain", c.code, std::nullopt};
+    if (c.committed) {
+      webView.finishNavigation();
+      webView.failNavigation(error);
+    } else {
+      webView.failProvisionalNavigation(error);
+    }
+    advance(999ms);
+    EXPECT_EQ(webView.loads.size(), 1U);
+    advance(1ms);
+    EXPECT_EQ(webView.loads.size(), c.retried ? 2U : 1U);
+    EXPECT_EQ(countLog("Retrying WebView load (Attempt 1/1)..."), c.retried ? 1U : 0U);
+    EXPECT_EQ(countLog(c.committed ? "WebView failed load: " : "WebView failed provisional load: "),
+              1U);
+    EXPECT_TRUE(delegate->calls.empty());  // failures never reach the delegate
   }
-  advance(999ms);
-  EXPECT_EQ(webView.loads.size(), 1U);
-  advance(1ms);
-  EXPECT_EQ(webView.loads.size(), c.retried ? 2U : 1U);
-  EXPECT_EQ(countLog("Retrying WebView load (Attempt 1/1)..."), c.retried ? 1U : 0U);
-  EXPECT_EQ(countLog(c.committed ? "WebView failed load: " : "WebView failed provisional load: "),
-            1U);
-  EXPECT_TRUE(delegate->calls.empty());  // failures never reach the delegate
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Codes, AdScreenRetryTest, ::testing::ValuesIn(kRetries),
-    // Named from the fields: the struct's padding would otherwise make the names differ by run.
-    [](const ::testing::TestParamInfo<RetryCase>& param) {
-      const RetryCase& c = param.param;
-      return std::string(c.committed ? "committed" : "provisional") + (c.code < 0 ? "Minus" : "") +
-             std::to_string(c.code < 0 ? -c.code : c.code);
-    });
 
 TEST_F(AdScreenTest, TheOneRetryReloadsTheCurrentUrlElseTheParkedOneAndIsNeverRenewed) {
   auto controller = shownController();
