@@ -39,6 +39,11 @@ TEST_F(OSLoggerTest, EmissionMatrix) {
     logger.fault("f");
     EXPECT_EQ(logLines(), c.expected) << rawValue(c.threshold);
   }
+  // The levels' raw values are exact and case-sensitive.
+  EXPECT_EQ(logLevelFrom("all"), LogLevel::all);
+  EXPECT_EQ(logLevelFrom("ALL"), std::nullopt);
+  EXPECT_EQ(logLevelFrom("Error"), std::nullopt);
+  EXPECT_EQ(logLevelFrom(""), std::nullopt);
 }
 
 TEST_F(OSLoggerTest, SharedStartsWithTheKitPrefixAndTheConfigurationsLevel) {
@@ -65,13 +70,6 @@ TEST_F(OSLoggerTest, PrefixAndLevelCanBeChangedAndFormatCharactersAreWrittenLite
   logger.setPrefix("B");
   logger.fault("shown %@ %d %s %n");
   EXPECT_THAT(logLines(), ElementsAre("fault|[B] (Fault) - shown %@ %d %s %n"));
-}
-
-TEST(LogLevelTest, RawValuesAreExactAndCaseSensitive) {
-  EXPECT_EQ(logLevelFrom("all"), LogLevel::all);
-  EXPECT_EQ(logLevelFrom("ALL"), std::nullopt);
-  EXPECT_EQ(logLevelFrom("Error"), std::nullopt);
-  EXPECT_EQ(logLevelFrom(""), std::nullopt);
 }
 
 }  // namespace
