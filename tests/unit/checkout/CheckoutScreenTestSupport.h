@@ -15,6 +15,7 @@
 #include "checkout/CheckoutViewControllerImpl.h"
 #include "checkout/CheckoutWebView.h"
 #include "checkout/CheckoutWebViewController.h"
+#include "checkout/CheckoutWebViewDelegate.h"
 #include "checkout/OSLogger.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutDelegate.h"
@@ -41,9 +42,9 @@ inline std::vector<std::string> dispatched(const fake::FakeWebView& webView) {
   return out;
 }
 
-// A host delegate that records each call as a short line ("fail:2" is a failure whose
-// CheckoutError case index is 2).
-class RecordingDelegate : public CheckoutDelegate {
+// A host delegate, or a checkout view's, that records each call as a short line: "fail:2" is a
+// failure of the host's whose CheckoutError case index is 2, "fail:2:final" the same at the view.
+class RecordingDelegate : public CheckoutDelegate, public CheckoutWebViewDelegate {
  public:
   void checkoutDidComplete(const CheckoutCompletedEvent& event) override {
     calls.push_back("complete:" + event.orderDetails.id);
@@ -63,8 +64,27 @@ class RecordingDelegate : public CheckoutDelegate {
     calls.push_back("pixel");
   }
 
+  void checkoutViewDidStartNavigation() override { calls.push_back("start"); }
+  void checkoutViewDidCompleteCheckout(const CheckoutCompletedEvent& event) override {
+    checkoutDidComplete(event);
+  }
+  void checkoutViewDidFinishNavigation() override { calls.push_back("finish"); }
+  void checkoutViewDidClickLink(const Url& link) override { checkoutDidClickLink(link); }
+  void checkoutViewDidFailWithError(const CheckoutError& error) override {
+    checkoutDidFail(error);
+    calls.back() += error.isRecoverable() ? ":recoverable" : ":final";
+    errors.push_back(error);
+  }
+  void checkoutViewDidToggleModal(bool modalVisible) override {
+    calls.push_back(modalVisible ? "modal:shown" : "modal:hidden");
+  }
+  void checkoutViewDidEmitWebPixelEvent(const PixelEvent& event) override {
+    checkoutDidEmitWebPixelEvent(event);
+  }
+
   std::optional<bool> recover;  // the answer to shouldRecoverFromError; default when absent
   std::vector<std::string> calls;
+  std::vector<CheckoutError> errors;  // of the view's failures
 };
 
 class CheckoutScreenTest : public CheckoutTest {

@@ -18,31 +18,6 @@ using testing::url;
 using Policy = platform::NavigationActionPolicy;
 using ResponsePolicy = platform::NavigationResponsePolicy;
 
-class RecordingViewDelegate : public CheckoutWebViewDelegate {
- public:
-  void checkoutViewDidStartNavigation() override { calls.push_back("start"); }
-  void checkoutViewDidCompleteCheckout(const CheckoutCompletedEvent& event) override {
-    calls.push_back("complete:" + event.orderDetails.id);
-  }
-  void checkoutViewDidFinishNavigation() override { calls.push_back("finish"); }
-  void checkoutViewDidClickLink(const Url& link) override {
-    calls.push_back("link:" + link.absoluteString());
-  }
-  void checkoutViewDidFailWithError(const CheckoutError& error) override {
-    calls.push_back("fail:" + std::to_string(error.value().index()) +
-                    (error.isRecoverable() ? ":recoverable" : ":final"));
-    errors.push_back(error);
-  }
-  void checkoutViewDidToggleModal(bool modalVisible) override {
-    calls.push_back(modalVisible ? "modal:shown" : "modal:hidden");
-  }
-  void checkoutViewDidEmitWebPixelEvent(const PixelEvent& /*event*/) override {
-    calls.push_back("pixel");
-  }
-  std::vector<std::string> calls;
-  std::vector<CheckoutError> errors;
-};
-
 class RecordingLogger : public Logger {
  public:
   void log(const std::string& message) override { lines.push_back(message); }
@@ -69,7 +44,8 @@ class CheckoutWebViewTest : public testing::CheckoutScreenTest {
     return out;
   }
 
-  std::shared_ptr<RecordingViewDelegate> delegate = std::make_shared<RecordingViewDelegate>();
+  std::shared_ptr<testing::RecordingDelegate> delegate =
+      std::make_shared<testing::RecordingDelegate>();
 };
 
 TEST_F(CheckoutWebViewTest, StandardAndRecoveryViewsAreBuiltDifferently) {
