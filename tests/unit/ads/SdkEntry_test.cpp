@@ -10,7 +10,7 @@ namespace {
 
 using SdkEntryTest = AdTest;
 
-TEST_F(SdkEntryTest, InitializeStoresKeyPrewarmsAndCompletesSynchronouslyOnce) {
+TEST_F(SdkEntryTest, InitializeStoresKeyPrewarmsOnceAndCompletesSynchronously) {
   EXPECT_FALSE(VembaSDK::shared().apiKey());
   std::vector<bool> results;
   VembaSDK::shared().initialize(VembaConfiguration("key-1", true),
@@ -22,10 +22,8 @@ TEST_F(SdkEntryTest, InitializeStoresKeyPrewarmsAndCompletesSynchronouslyOnce) {
             (std::vector<std::string>{"VembaSDK initializing with API Key: key-1",
                                       std::string("User Agent pre-warmed: ") + kIPhoneUserAgent}));
   EXPECT_EQ(platform.mainQueue.pendingCount(), 0U);  // nothing dispatched
-}
 
-TEST_F(SdkEntryTest, SecondInitializeOverwritesKeyAndFindsTheUserAgentCached) {
-  VembaSDK::shared().initialize(VembaConfiguration("first", false));
+  // A second one overwrites the key and finds the user agent cached.
   const int readsAfterFirst = platform.device.deviceReads;
   platform.device.modelValue = "iPad";  // a changed device must not change the cached text
   VembaSDK::shared().initialize(VembaConfiguration("", false));
