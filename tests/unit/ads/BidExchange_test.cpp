@@ -152,16 +152,6 @@ TEST_F(BidExchangeTest, TransportErrorsKeepTheirCodeAndAreDescribedOnceByTheCore
   }
 }
 
-TEST_F(BidExchangeTest, AdReleasedInFlightGetsNoCallback) {
-  ad->load();
-  std::weak_ptr<VembaInterstitialAd> weak = ad;
-  ad.reset();
-  EXPECT_TRUE(weak.expired());
-  platform.http.respondLast(200, bidResponse("https://127.0.0.1/ad.html"));
-  EXPECT_EQ(platform.mainQueue.runUntilIdle(), 0U);
-  EXPECT_TRUE(delegate->calls.empty());
-}
-
 TEST_F(BidExchangeTest, AnsweredAdIsKeptAliveUntilItsCallbackRan) {
   ad->load();
   platform.http.respondLast(200, bidResponse("https://127.0.0.1/ad.html"));
