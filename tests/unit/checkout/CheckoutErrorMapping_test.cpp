@@ -84,7 +84,6 @@ TEST_F(CheckoutErrorMappingTest, HttpStatusOfTheCheckoutDocument) {
       {404, true, unavailable("Not Found", 404, false), "Not found (404)"},
       {410, false, expired, "Gone (410)"},
       {500, false, unavailable("Internal Server Error", 500, true), "Server error (5xx)"},
-      {503, false, unavailable("Service Unavailable", 503, true), "Server error (5xx)"},
       // A recovery view's server errors are final.
       {503, true, unavailable("Service Unavailable", 503, false), "Server error (5xx)"},
       {599, false, unavailable("Server Error", 599, true), "Server error (5xx)"},
