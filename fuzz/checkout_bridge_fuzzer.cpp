@@ -9,25 +9,40 @@
 // an empty array, a "checkoutBlockingEvent" body other than "true"/"false") end the process by
 // design; here a hook turns them into an exception, and they must come only from those names.
 // Whatever is decoded also goes through the error mapping the web view applies, and the rest is
-// used as a kit-to-page message body to build the dispatch script. The envelope reader must keep
-// exactly what the full parse of the same text holds under "name" and "body".
+// used as a kit-to-page message body to build the dispatch script. What the readers behind the
+// bridge must hold:
+// - the envelope reader keeps exactly what the full parse of the same text holds under "name"
+//   and "body";
+// - a failure of the bridge never logs; the "completed" and "error" readers never fail, and log
+//   exactly when they fall back (once); the pixel reader never logs;
+// - whatever is decoded (an event, a pixel payload) encodes and decodes back to itself, and a
+//   custom pixel's data is JSON text;
+// - any object of the input is read free-form both ways (into JSON, and into JsonValue written
+//   back), and the two readings agree.
 #include <cstddef>
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
+#include <variant>
 
 #include "FakePlatform.h"
 #include "checkout/BridgeEnvelope.h"
 #include "checkout/CheckoutBridge.h"
+#include "checkout/CheckoutErrorEventDecoder.h"
 #include "checkout/CheckoutErrorMapping.h"
 #include "checkout/ContractViolation.h"
 #include "checkout/OSLogger.h"
+#include "checkout/events/CheckoutCompletedEventCoding.h"
+#include "checkout/events/FreeFormJson.h"
+#include "checkout/events/PixelEventCoding.h"
+#include "checkout/events/WebPixelsEventCoding.h"
 #include "platform/ScriptMessage.h"
 
 namespace {
 
-using vemba::checkout::CheckoutBridge;
+namespace checkout = vemba::checkout;
+using checkout::CheckoutBridge;
 using WebEvent = CheckoutBridge::WebEvent;
 
 constexpr std::string_view kNames[] = {"completed", "error", "checkoutBlockingEvent", "webPixels",
@@ -38,37 +53,137 @@ std::string envelopeWithStringBody(std::string_view name, std::string_view body)
   return envelope.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
+template <typename T, typename Decode>
+void requireRoundTrip(const T& value, Decode decode) {
+  const auto again =
+      vemba::json::decodeText(vemba::json::dumpCompact(checkout::toJson(value)), decode);
+  if (!again || !(*again == value)) {
+    __builtin_trap();
+  }
+}
+
 // The parsed document reduced to what readEnvelope keeps: the root's type and, for an object, its
 // "name" and "body" members with containers emptied.
-std::optional<nlohmann::json> reducedDocument(std::string_view text) {
-  std::optional<nlohmann::json> document = vemba::json::parseJson(text);
-  if (!document) {
-    return std::nullopt;
-  }
+nlohmann::json reducedDocument(const nlohmann::json& document) {
   const auto emptied = [](const nlohmann::json& value) {
     return value.is_object()  ? nlohmann::json::object()
            : value.is_array() ? nlohmann::json::array()
                               : value;
   };
-  if (!document->is_object()) {
-    return emptied(*document);
+  if (!document.is_object()) {
+    return emptied(document);
   }
   nlohmann::json kept = nlohmann::json::object();
-  for (const std::string_view key :
-       {vemba::checkout::kEnvelopeNameKey, vemba::checkout::kEnvelopeBodyKey}) {
-    if (const auto it = document->find(key); it != document->end()) {
+  for (const std::string_view key : {checkout::kEnvelopeNameKey, checkout::kEnvelopeBodyKey}) {
+    if (const auto it = document.find(key); it != document.end()) {
       kept[std::string(key)] = emptied(*it);
     }
   }
   return kept;
 }
 
-void requireEnvelopeMatchesDocument(std::string_view text) {
-  const std::optional<nlohmann::json> read = vemba::checkout::readEnvelope(text);
-  const std::optional<nlohmann::json> expected = reducedDocument(text);
-  if (read.has_value() != expected.has_value() ||
-      (read && (read->type() != expected->type() || *read != *expected))) {
+// Standard-event data is typed from the free-form reading written as JSON (readFreeFormObject).
+// That JSON must be what reading into JsonValue and writing it back gives, down to the sign of
+// zeros (compared through the text), and the two reads must fail alike.
+void requireSameFreeFormReading(const nlohmann::json& data) {
+  const vemba::json::JsonPath root;
+  std::optional<nlohmann::json> direct;
+  std::optional<vemba::json::DecodingError> directError;
+  try {
+    direct = checkout::readFreeFormObject(data, root);
+  } catch (const vemba::json::DecodingFailure& failure) {
+    directError = failure.error();
+  }
+  try {
+    const nlohmann::json reference = checkout::toJson(checkout::readJsonObject(data, root));
+    if (!direct || *direct != reference || direct->dump() != reference.dump()) {
+      __builtin_trap();
+    }
+  } catch (const vemba::json::DecodingFailure& failure) {
+    if (!directError || directError->description() != failure.error().description()) {
+      __builtin_trap();
+    }
+  }
+}
+
+// The checks on the text alone: the envelope reader against the full parse, the free-form
+// readings of an object, and an "error" envelope read on its own (the empty array, a contract
+// violation, is found before anything is logged).
+void requireTextOutcome(std::string_view text, const vemba::fake::RecordingLogSink& log) {
+  using checkout::CheckoutErrorEventDecoder;
+  const std::optional<nlohmann::json> envelope = checkout::readEnvelope(text);
+  const std::optional<nlohmann::json> document = vemba::json::parseJson(text);
+  if (envelope.has_value() != document.has_value() ||
+      (envelope && (envelope->type() != reducedDocument(*document).type() ||
+                    *envelope != reducedDocument(*document)))) {
     __builtin_trap();
+  }
+  if (document && document->is_object()) {
+    requireSameFreeFormReading(*document);
+  }
+  if (!envelope || !envelope->is_object() || envelope->value("name", nlohmann::json()) != "error") {
+    return;
+  }
+  checkout::CheckoutErrorEvent event;
+  try {
+    event = CheckoutErrorEventDecoder::decode(*envelope);
+  } catch (const checkout::ContractViolationForTesting&) {
+    if (!log.lines.empty()) {
+      __builtin_trap();
+    }
+    return;
+  }
+  if (log.lines.size() > 1 ||
+      (log.lines.size() == 1 && !(event == CheckoutErrorEventDecoder::fallbackEvent()))) {
+    __builtin_trap();
+  }
+  if (log.lines.empty()) {
+    const std::string again =
+        "[" + vemba::json::dumpCompact(checkout::encodeCheckoutErrorEvent(event)) + "]";
+    if (!(CheckoutErrorEventDecoder::decode({{"name", "error"}, {"body", again}}) == event) ||
+        !log.lines.empty()) {
+      __builtin_trap();
+    }
+  }
+}
+
+// A decoded message, with the number of lines logged while it was decoded.
+void requireEventOutcome(const WebEvent& decoded, std::string_view text, std::size_t logged) {
+  if (const auto* completed = std::get_if<WebEvent::CheckoutComplete>(&decoded.value)) {
+    if (logged > 1 ||
+        (logged == 1 &&
+         !(completed->event == checkout::createEmptyCheckoutCompletedEvent(std::nullopt)))) {
+      __builtin_trap();
+    }
+    if (logged == 0) {
+      requireRoundTrip(completed->event, checkout::decodeCheckoutCompletedEvent);
+    }
+  }
+  const auto* pixels = std::get_if<WebEvent::WebPixels>(&decoded.value);
+  if (pixels == nullptr) {
+    return;
+  }
+  if (logged != 0) {
+    __builtin_trap();
+  }
+  const nlohmann::json envelope = *checkout::readEnvelope(text);
+  const auto payload =
+      vemba::json::decodeText(envelope["body"].get<std::string>(), checkout::decodeWebPixelsEvent);
+  if (!payload) {
+    __builtin_trap();  // the bridge decoded the same text
+  }
+  requireRoundTrip(*payload, checkout::decodeWebPixelsEvent);
+  if (!pixels->event) {
+    return;
+  }
+  if (const auto* custom = std::get_if<checkout::CustomEvent>(&*pixels->event)) {
+    if (!custom->customData || !vemba::json::parseJson(*custom->customData)) {
+      __builtin_trap();
+    }
+    requireRoundTrip(*custom, checkout::decodeCustomEvent);
+  } else {
+    requireRoundTrip(std::get<checkout::StandardEvent>(*pixels->event),
+                     checkout::decodeStandardEvent);
   }
 }
 
@@ -76,9 +191,9 @@ void requireEnvelopeMatchesDocument(std::string_view text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static vemba::fake::InstalledFakePlatform platform;
-  static const vemba::checkout::ScopedContractViolationHook hook(
-      vemba::checkout::throwContractViolationForTesting);
-  vemba::checkout::OSLogger::shared().setLogLevel(vemba::checkout::LogLevel::all);
+  static const checkout::ScopedContractViolationHook hook(
+      checkout::throwContractViolationForTesting);
+  checkout::OSLogger::shared().setLogLevel(checkout::LogLevel::all);
   platform.log.lines.clear();
   if (size == 0) {
     return 0;
@@ -100,31 +215,34 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     name = kNames[(size % 5)];
     message.body = "{\"name\":\"" + std::string(name) + "\",\"body\":" + std::string(rest) + "}";
   }
-
-  if (const auto* text = std::get_if<std::string>(&message.body)) {
-    requireEnvelopeMatchesDocument(*text);
+  const auto* text = std::get_if<std::string>(&message.body);
+  if (text != nullptr) {
+    requireTextOutcome(*text, platform.log);
+    platform.log.lines.clear();
   }
 
   try {
     const auto decoded = CheckoutBridge::decode(message);
+    const std::size_t logged = platform.log.lines.size();
     if (!decoded) {
-      if (mode == 1 && decoded.error().underlying().has_value()) {
+      if (logged != 0 || (mode == 1 && decoded.error().underlying().has_value())) {
         __builtin_trap();
       }
-      if (!vemba::checkout::checkoutErrorForBridgeFailure(decoded.error()).isRecoverable()) {
+      if (!checkout::checkoutErrorForBridgeFailure(decoded.error()).isRecoverable()) {
         __builtin_trap();
       }
     } else {
-      if (mode == 1) {
+      if (text == nullptr) {
         __builtin_trap();
       }
       // A well-formed envelope with a name outside the vocabulary is always unsupported.
       if (mode == 6 && !(decoded.value() == WebEvent{WebEvent::Unsupported{"presented"}})) {
         __builtin_trap();
       }
-      (void)vemba::checkout::checkoutErrorForWebEvent(decoded.value());
+      requireEventOutcome(decoded.value(), *text, logged);
+      (void)checkout::checkoutErrorForWebEvent(decoded.value());
     }
-  } catch (const vemba::checkout::ContractViolationForTesting&) {
+  } catch (const checkout::ContractViolationForTesting&) {
     if (mode >= 2 && name != "error" && name != "checkoutBlockingEvent") {
       __builtin_trap();
     }

@@ -199,13 +199,6 @@ TYPED_TEST(AdShowTest, OnePresentationHasOneCloseHoweverManyArrive) {
   }
 }
 
-TYPED_TEST(AdShowTest, ClickIsReportedAndTheScreenStays) {
-  this->loadAndShow();
-  this->pageSays("click");
-  EXPECT_EQ(this->delegate->names(), (std::vector<std::string>{"adDidShow", "adDidClick"}));
-  EXPECT_NE(this->host->presentedScreen(), nullptr);
-}
-
 TYPED_TEST(AdShowTest, AnAdReleasedWhileShownTellsNobody) {
   this->load();
   this->ad->show(this->host);

@@ -116,26 +116,5 @@ TYPED_TEST(AdWebViewPreparationTest, AProcessWhoseUserInterfaceIsNotUpGetsNothin
   EXPECT_EQ(this->releases(), 0);
 }
 
-TYPED_TEST(AdWebViewPreparationTest, AShowFromInsideAdDidLoadFindsItAsked) {
-  auto host = this->platform.ui.createScreen();
-  auto ad = TypeParam::create("u");
-  struct ShowingDelegate : HintWatchingDelegate {
-    using HintWatchingDelegate::adDidLoad;
-    using HintWatchingDelegate::HintWatchingDelegate;
-    void adDidLoad(TypeParam& loaded) override {
-      HintWatchingDelegate::adDidLoad(loaded);
-      loaded.show(from);
-    }
-    std::shared_ptr<platform::Screen> from;
-  };
-  auto delegate = std::make_shared<ShowingDelegate>(this->platform.ui);
-  delegate->from = host;
-  ad->setDelegate(delegate);
-  this->answer(ad, /*usable=*/true);
-  EXPECT_EQ(delegate->hintsAtLoad, std::vector<int>{1});
-  ASSERT_EQ(this->platform.ui.webViews.size(), 1U);
-  EXPECT_TRUE(this->platform.ui.webViews[0].lock()->configuration.usesPreparedWebView);
-}
-
 }  // namespace
 }  // namespace vemba::testing

@@ -152,25 +152,6 @@ TEST_F(BidExchangeTest, TransportErrorsKeepTheirCodeAndAreDescribedOnceByTheCore
   }
 }
 
-TEST_F(BidExchangeTest, CallbacksWaitForTheMainQueue) {
-  ad->load();
-  platform.http.respondLast(200, bidResponse("https://127.0.0.1/ad.html"));
-  EXPECT_TRUE(delegate->calls.empty());
-  EXPECT_FALSE(ad->isReady());
-  EXPECT_EQ(platform.mainQueue.runUntilIdle(), 1U);
-  EXPECT_EQ(delegate->names(), (std::vector<std::string>{"adDidLoad"}));
-}
-
-TEST_F(BidExchangeTest, AdReleasedInFlightGetsNoCallback) {
-  ad->load();
-  std::weak_ptr<VembaInterstitialAd> weak = ad;
-  ad.reset();
-  EXPECT_TRUE(weak.expired());
-  platform.http.respondLast(200, bidResponse("https://127.0.0.1/ad.html"));
-  EXPECT_EQ(platform.mainQueue.runUntilIdle(), 0U);
-  EXPECT_TRUE(delegate->calls.empty());
-}
-
 TEST_F(BidExchangeTest, AnsweredAdIsKeptAliveUntilItsCallbackRan) {
   ad->load();
   platform.http.respondLast(200, bidResponse("https://127.0.0.1/ad.html"));
@@ -190,21 +171,20 @@ TEST_F(BidExchangeTest, MissingDelegateStillChangesState) {
   EXPECT_FALSE(ad->isReady());
 }
 
-TEST_F(BidExchangeTest, OverlappingLoadsApplyInArrivalOrder) {
+TEST_F(BidExchangeTest, OverlappingLoadsApplyInArrivalOrderAndAFailureKeepsTheBid) {
   ad->load();
   ad->load();
-  platform.http.respond(1, 200, bidResponse("https://127.0.0.1/second.html"));
-  platform.http.respond(0, 200, bidResponse("https://127.0.0.1/first.html"));
+  platform.http.respond(1, 200,
+                        bidResponse("https://127.0.0.1/second.html", "", R"(,"bidid":"b2")"));
+  platform.http.respond(0, 200,
+                        bidResponse("https://127.0.0.1/first.html", "", R"(,"bidid":"b1")"));
   platform.mainQueue.runUntilIdle();
   EXPECT_EQ(delegate->names(), (std::vector<std::string>{"adDidLoad", "adDidLoad"}));
   EXPECT_EQ(exchangeOf().admURL()->absoluteString(), "https://127.0.0.1/first.html");
-}
-
-TEST_F(BidExchangeTest, FailureAfterSuccessKeepsTheBidButClearsReadiness) {
-  loadAndAnswer(200, bidResponse("https://127.0.0.1/ad.html", "", R"(,"bidid":"b1")"));
+  // A failure after them clears the readiness but keeps the bid.
   loadAndAnswer(200, std::string(R"({"id":"r"})"));
   EXPECT_FALSE(ad->isReady());
-  EXPECT_EQ(exchangeOf().admURL()->absoluteString(), "https://127.0.0.1/ad.html");
+  EXPECT_EQ(exchangeOf().admURL()->absoluteString(), "https://127.0.0.1/first.html");
   EXPECT_EQ(exchangeOf().bidId(), "b1");
 }
 

@@ -10,7 +10,7 @@ namespace {
 
 using SdkEntryTest = AdTest;
 
-TEST_F(SdkEntryTest, InitializeStoresKeyPrewarmsAndCompletesSynchronouslyOnce) {
+TEST_F(SdkEntryTest, InitializeStoresKeyPrewarmsOnceAndCompletesSynchronously) {
   EXPECT_FALSE(VembaSDK::shared().apiKey());
   std::vector<bool> results;
   VembaSDK::shared().initialize(VembaConfiguration("key-1", true),
@@ -22,35 +22,14 @@ TEST_F(SdkEntryTest, InitializeStoresKeyPrewarmsAndCompletesSynchronouslyOnce) {
             (std::vector<std::string>{"VembaSDK initializing with API Key: key-1",
                                       std::string("User Agent pre-warmed: ") + kIPhoneUserAgent}));
   EXPECT_EQ(platform.mainQueue.pendingCount(), 0U);  // nothing dispatched
-}
 
-TEST_F(SdkEntryTest, SecondInitializeOverwritesKeyAndFindsTheUserAgentCached) {
-  VembaSDK::shared().initialize(VembaConfiguration("first", false));
+  // A second one overwrites the key and finds the user agent cached.
   const int readsAfterFirst = platform.device.deviceReads;
   platform.device.modelValue = "iPad";  // a changed device must not change the cached text
   VembaSDK::shared().initialize(VembaConfiguration("", false));
   EXPECT_EQ(VembaSDK::shared().apiKey(), "");  // empty keys are stored, not refused
   EXPECT_EQ(platform.device.deviceReads, readsAfterFirst);
   EXPECT_EQ(UserAgentFetcher::shared().cachedUserAgent(), kIPhoneUserAgent);
-}
-
-TEST_F(SdkEntryTest, UserAgentComposition) {
-  struct Case {
-    const char* model;
-    const char* version;
-    const char* expected;
-  };
-  const Case cases[] = {
-      {"iPad", "18",
-       "Mozilla/5.0 (iPad; CPU iPad OS 18 like Mac OS X) AppleWebKit/605.1.15 (KHTML, like "
-       "Gecko) Mobile/15E148"},
-      {"Linux", "6.1.0.1",
-       "Mozilla/5.0 (Linux; CPU Linux OS 6_1_0_1 like Mac OS X) AppleWebKit/605.1.15 (KHTML, "
-       "like Gecko) Mobile/15E148"},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(UserAgentFetcher::compose(c.model, c.version), c.expected);
-  }
 }
 
 TEST_F(SdkEntryTest, AppInfoFallbacks) {

@@ -1,76 +1,61 @@
 #include "checkout/CheckoutErrorMapping.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "CheckoutTestSupport.h"
 #include "checkout/OSLogger.h"
-#include "platform/UrlErrorCode.h"
 
 namespace vemba::checkout {
 namespace {
-
-using ::testing::ElementsAre;
-using WebEvent = CheckoutBridge::WebEvent;
 
 class CheckoutErrorMappingTest : public testing::CheckoutTest {
  protected:
   CheckoutErrorMappingTest() { OSLogger::shared().setLogLevel(LogLevel::all); }
 };
 
-struct WebEventCase {
-  WebEvent event;
-  std::optional<CheckoutError> expected;
-  std::vector<std::string> log;
-};
-
-TEST_F(CheckoutErrorMappingTest, BridgeErrorEvents) {
-  const std::vector<WebEventCase> cases = {
-      {WebEvent{WebEvent::CheckoutExpired{"Gone", CheckoutErrorCode::cartExpired}},
-       CheckoutError::checkoutExpired("Gone", CheckoutErrorCode::cartExpired, false),
-       {"info|[VembaCheckoutKit] (Info) - Checkout expired error received: Gone, code: "
-        "cartExpired"}},
-      {WebEvent{WebEvent::CheckoutExpired{std::nullopt, CheckoutErrorCode::unknown}},
-       CheckoutError::checkoutExpired("Checkout has expired.", CheckoutErrorCode::unknown, false),
-       {"info|[VembaCheckoutKit] (Info) - Checkout expired error received: No message, code: "
-        "unknown"}},
-      {WebEvent{WebEvent::CheckoutUnavailable{std::nullopt, CheckoutErrorCode::unknown}},
-       CheckoutError::checkoutUnavailable(
-           "Checkout unavailable.", CheckoutUnavailable::clientError(CheckoutErrorCode::unknown),
-           true),
-       {"error|[VembaCheckoutKit] (Error) - Checkout unavailable error received: No message, "
-        "code: unknown"}},
-      {WebEvent{WebEvent::CheckoutUnavailable{"Down", CheckoutErrorCode::invalidCart}},
-       CheckoutError::checkoutUnavailable(
-           "Down", CheckoutUnavailable::clientError(CheckoutErrorCode::invalidCart), true),
-       {"error|[VembaCheckoutKit] (Error) - Checkout unavailable error received: Down, code: "
-        "invalidCart"}},
-      // A configuration error reaches the host as an unrecoverable "unavailable".
-      {WebEvent{WebEvent::ConfigurationError{std::nullopt,
-                                             CheckoutErrorCode::storefrontPasswordRequired}},
-       CheckoutError::checkoutUnavailable(
-           "Storefront configuration error.",
-           CheckoutUnavailable::clientError(CheckoutErrorCode::storefrontPasswordRequired), false),
-       {"error|[VembaCheckoutKit] (Error) - Configuration error received: No message, code: "
-        "storefrontPasswordRequired"}},
-      {WebEvent{WebEvent::CheckoutModalToggled{true}}, std::nullopt, {}},
-      {WebEvent{WebEvent::Unsupported{"error"}}, std::nullopt, {}},
-      {WebEvent{WebEvent::WebPixels{std::nullopt}}, std::nullopt, {}},
+// The page's "error" message as the bridge decodes it and the web view maps it: the first
+// element's group picks the error, a missing reason gives its default message, and the code is
+// read exactly (anything else is unknown).
+TEST_F(CheckoutErrorMappingTest, PageErrorMessagesByGroup) {
+  using Code = CheckoutErrorCode;
+  const auto unavailable = [](std::string message, Code code, bool recoverable) {
+    return CheckoutError::checkoutUnavailable(std::move(message),
+                                              CheckoutUnavailable::clientError(code), recoverable);
   };
-  for (std::size_t i = 0; i < cases.size(); ++i) {
+  const std::string info = "info|[VembaCheckoutKit] (Info) - ";
+  const std::string error = "error|[VembaCheckoutKit] (Error) - ";
+  struct Case {
+    const char* body;
+    std::optional<CheckoutError> expected;
+    std::vector<std::string> log;
+  };
+  const Case cases[] = {
+      {R"([{"group":"expired","code":"cart_expired","reason":"Gone"}])",
+       CheckoutError::checkoutExpired("Gone", Code::cartExpired, false),
+       {info + "Checkout expired error received: Gone, code: cartExpired"}},
+      {R"([{"group":"expired"},{"group":"unrecoverable"}])",
+       CheckoutError::checkoutExpired("Checkout has expired.", Code::unknown, false),
+       {info + "Checkout expired error received: No message, code: unknown"}},
+      {R"([{"group":"unrecoverable","code":"CART_EXPIRED","reason":null,"extra":[1]}])",
+       unavailable("Checkout unavailable.", Code::unknown, true),
+       {error + "Checkout unavailable error received: No message, code: unknown"}},
+      {R"([{"group":"unrecoverable","code":"invalid_cart","reason":"Down"}])",
+       unavailable("Down", Code::invalidCart, true),
+       {error + "Checkout unavailable error received: Down, code: invalidCart"}},
+      // A configuration error reaches the host as an unrecoverable "unavailable".
+      {R"([{"group":"configuration","code":"storefront_password_required","flowType":"x"}])",
+       unavailable("Storefront configuration error.", Code::storefrontPasswordRequired, false),
+       {error + "Configuration error received: No message, code: storefrontPasswordRequired"}},
+      {R"([{"group":"authentication","reason":"x"}])", std::nullopt, {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.body);
     platform.log.lines.clear();
-    EXPECT_EQ(checkoutErrorForWebEvent(cases[i].event), cases[i].expected) << "case " << i;
-    EXPECT_EQ(logLines(), cases[i].log) << "case " << i;
+    const auto event = CheckoutBridge::decode(testing::envelope("error", c.body));
+    ASSERT_TRUE(event.hasValue());
+    EXPECT_EQ(checkoutErrorForWebEvent(event.value()), c.expected);
+    EXPECT_EQ(logLines(), c.log);
   }
-}
-
-TEST_F(CheckoutErrorMappingTest, UndecodableMessageIsARecoverableSdkError) {
-  const BridgeError bridgeError = BridgeError::invalidBridgeEvent(std::nullopt);
-  const CheckoutError error = checkoutErrorForBridgeFailure(bridgeError);
-  EXPECT_EQ(error, CheckoutError::sdkError(bridgeError.toError(), true));
-  EXPECT_THAT(logLines(), ElementsAre("error|[VembaCheckoutKit] (Error) - Error decoding bridge "
-                                      "script message: " +
-                                      bridgeError.description()));
 }
 
 struct HttpCase {
@@ -99,7 +84,6 @@ TEST_F(CheckoutErrorMappingTest, HttpStatusOfTheCheckoutDocument) {
       {404, true, unavailable("Not Found", 404, false), "Not found (404)"},
       {410, false, expired, "Gone (410)"},
       {500, false, unavailable("Internal Server Error", 500, true), "Server error (5xx)"},
-      {503, false, unavailable("Service Unavailable", 503, true), "Server error (5xx)"},
       // A recovery view's server errors are final.
       {503, true, unavailable("Service Unavailable", 503, false), "Server error (5xx)"},
       {599, false, unavailable("Server Error", 599, true), "Server error (5xx)"},
@@ -113,34 +97,6 @@ TEST_F(CheckoutErrorMappingTest, HttpStatusOfTheCheckoutDocument) {
               c.log ? std::vector<std::string>{debugLine(c.log)} : std::vector<std::string>{})
         << c.status;
   }
-}
-
-TEST_F(CheckoutErrorMappingTest, HandlingResponseLine) {
-  logHandlingResponse("https://shop.example/cart/c/1?key=k", 503);
-  EXPECT_THAT(logLines(),
-              ElementsAre(debugLine("Handling response for URL: "
-                                    "https://shop.example/cart/c/1?key=k, status code: 503")));
-}
-
-TEST_F(CheckoutErrorMappingTest, NavigationFailures) {
-  const Error cancelled{std::string(platform::kUrlErrorDomain), platform::UrlErrorCode::cancelled,
-                        "cancelled"};
-  EXPECT_EQ(checkoutErrorForNavigationFailure(cancelled, false), std::nullopt);
-  EXPECT_THAT(logLines(),
-              ElementsAre(debugLine("WebView navigation failed with error: description:cancelled "
-                                    "domain:URLError code:-999"),
-                          debugLine("Ignoring cancelled URL redirect. code:NSURLErrorCancelled")));
-
-  // The same code in another domain is a real failure.
-  const Error otherDomain{"WebKitErrorDomain", -999, "x"};
-  EXPECT_EQ(checkoutErrorForNavigationFailure(otherDomain, false),
-            CheckoutError::sdkError(otherDomain, true));
-}
-
-TEST(CheckoutErrorCodeTest, FromNeverFails) {
-  EXPECT_EQ(checkoutErrorCodeFrom(std::nullopt), CheckoutErrorCode::unknown);
-  EXPECT_EQ(checkoutErrorCodeFrom("CART_EXPIRED"), CheckoutErrorCode::unknown);
-  EXPECT_EQ(checkoutErrorCodeFromRawValue("nope"), std::nullopt);
 }
 
 }  // namespace

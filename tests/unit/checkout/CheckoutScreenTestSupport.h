@@ -15,23 +15,12 @@
 #include "checkout/CheckoutViewControllerImpl.h"
 #include "checkout/CheckoutWebView.h"
 #include "checkout/CheckoutWebViewController.h"
+#include "checkout/CheckoutWebViewDelegate.h"
 #include "checkout/OSLogger.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutDelegate.h"
 
 namespace vemba::checkout::testing {
-
-// The page's message envelope: {"name": name, "body": body}.
-inline std::string envelope(std::string_view name, std::string_view body) {
-  std::string escaped;
-  for (char c : body) {
-    if (c == '"' || c == '\\') {
-      escaped.push_back('\\');
-    }
-    escaped.push_back(c);
-  }
-  return "{\"name\":\"" + std::string(name) + "\",\"body\":\"" + escaped + "\"}";
-}
 
 // A "webPixels" body whose event has `type` ("standard" gives an event, an unknown type none).
 inline std::string pixelBody(std::string_view type) {
@@ -53,9 +42,9 @@ inline std::vector<std::string> dispatched(const fake::FakeWebView& webView) {
   return out;
 }
 
-// A host delegate that records each call as a short line ("fail:2" is a failure whose
-// CheckoutError case index is 2).
-class RecordingDelegate : public CheckoutDelegate {
+// A host delegate, or a checkout view's, that records each call as a short line: "fail:2" is a
+// failure of the host's whose CheckoutError case index is 2, "fail:2:final" the same at the view.
+class RecordingDelegate : public CheckoutDelegate, public CheckoutWebViewDelegate {
  public:
   void checkoutDidComplete(const CheckoutCompletedEvent& event) override {
     calls.push_back("complete:" + event.orderDetails.id);
@@ -63,7 +52,6 @@ class RecordingDelegate : public CheckoutDelegate {
   void checkoutDidCancel() override { calls.push_back("cancel"); }
   void checkoutDidFail(const CheckoutError& error) override {
     calls.push_back("fail:" + std::to_string(error.value().index()));
-    errors.push_back(error);
   }
   bool shouldRecoverFromError(const CheckoutError& error) override {
     calls.push_back("shouldRecover");
@@ -76,9 +64,27 @@ class RecordingDelegate : public CheckoutDelegate {
     calls.push_back("pixel");
   }
 
+  void checkoutViewDidStartNavigation() override { calls.push_back("start"); }
+  void checkoutViewDidCompleteCheckout(const CheckoutCompletedEvent& event) override {
+    checkoutDidComplete(event);
+  }
+  void checkoutViewDidFinishNavigation() override { calls.push_back("finish"); }
+  void checkoutViewDidClickLink(const Url& link) override { checkoutDidClickLink(link); }
+  void checkoutViewDidFailWithError(const CheckoutError& error) override {
+    checkoutDidFail(error);
+    calls.back() += error.isRecoverable() ? ":recoverable" : ":final";
+    errors.push_back(error);
+  }
+  void checkoutViewDidToggleModal(bool modalVisible) override {
+    calls.push_back(modalVisible ? "modal:shown" : "modal:hidden");
+  }
+  void checkoutViewDidEmitWebPixelEvent(const PixelEvent& event) override {
+    checkoutDidEmitWebPixelEvent(event);
+  }
+
   std::optional<bool> recover;  // the answer to shouldRecoverFromError; default when absent
   std::vector<std::string> calls;
-  std::vector<CheckoutError> errors;
+  std::vector<CheckoutError> errors;  // of the view's failures
 };
 
 class CheckoutScreenTest : public CheckoutTest {

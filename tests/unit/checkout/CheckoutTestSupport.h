@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -13,6 +16,18 @@
 namespace vemba::checkout::testing {
 
 using vemba::testing::url;
+
+// The page's message envelope, {"name": name, "body": body}, as the page posts it.
+inline std::string envelope(std::string_view name, const nlohmann::json& body) {
+  return nlohmann::json{{"name", name}, {"body", body}}.dump();
+}
+
+// A seed of the fuzz corpus, read whole ("checkout_bridge_fuzzer/pixel_message_every_key").
+inline std::string corpusFile(const std::string& name) {
+  std::ifstream in(VEMBA_FUZZ_CORPUS_DIR "/" + name, std::ios::binary);
+  EXPECT_TRUE(in) << name;
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
 
 class CheckoutTest : public vemba::testing::FakePlatformTest {
  protected:

@@ -37,15 +37,24 @@ TEST_F(CheckoutWebViewCacheTest, EntryPointsAreCachedApartInOneEntry) {
   EXPECT_TRUE(hasBridge(*accelerated));
 }
 
-TEST_F(CheckoutWebViewCacheTest, WithoutPreloadingEachViewIsNewAndTheLastOneLosesItsBridge) {
+TEST_F(CheckoutWebViewCacheTest,
+       WithoutPreloadingNothingIsPreloadedOrCachedAndOnlyTheLastViewKeepsItsBridge) {
   configure([](Configuration& c) { c.preloading.setEnabled(false); });
+  preload(checkout);
+  EXPECT_TRUE(platform.ui.webViews.empty());
+  EXPECT_FALSE(CheckoutWebView::preloadingActivatedByClient());
+  // Each view is new, and only the last one keeps its bridge.
   const auto first = obtain();
   const auto second = obtain();
   EXPECT_NE(first, second);
   EXPECT_FALSE(hasBridge(*first));
   EXPECT_TRUE(hasBridge(*second));
+
   configure([](Configuration& c) { c.preloading.setEnabled(true); });
   EXPECT_NE(obtain(), second);  // nothing was cached meanwhile
+  preload(checkout);
+  EXPECT_TRUE(CheckoutWebView::preloadingActivatedByClient());
+  EXPECT_EQ(fakeOf(*obtain()).loads.size(), 1U);
 }
 
 TEST_F(CheckoutWebViewCacheTest, EveryInvalidationPointEmptiesTheCacheAndClearsTheFlag) {
@@ -102,18 +111,6 @@ TEST_F(CheckoutWebViewCacheTest, OnceASheetExistsStylingKeepsThePreloadedPage) {
   configure([](Configuration& c) { c.preloading.setEnabled(true); });
   EXPECT_FALSE(CheckoutWebView::preloadingActivatedByClient());
   EXPECT_EQ(obtain(), preloaded);
-}
-
-TEST_F(CheckoutWebViewCacheTest, PreloadLoadsAPrefetchOnlyWhenEnabled) {
-  configure([](Configuration& c) { c.preloading.setEnabled(false); });
-  preload(checkout);
-  EXPECT_TRUE(platform.ui.webViews.empty());
-  EXPECT_FALSE(CheckoutWebView::preloadingActivatedByClient());
-
-  configure([](Configuration& c) { c.preloading.setEnabled(true); });
-  preload(checkout);
-  EXPECT_TRUE(CheckoutWebView::preloadingActivatedByClient());
-  EXPECT_EQ(fakeOf(*obtain()).loads.size(), 1U);
 }
 
 TEST_F(CheckoutWebViewCacheTest, ConfiguringTheLogLevelTakesEffectAtOnce) {

@@ -18,31 +18,6 @@ using testing::url;
 using Policy = platform::NavigationActionPolicy;
 using ResponsePolicy = platform::NavigationResponsePolicy;
 
-class RecordingViewDelegate : public CheckoutWebViewDelegate {
- public:
-  void checkoutViewDidStartNavigation() override { calls.push_back("start"); }
-  void checkoutViewDidCompleteCheckout(const CheckoutCompletedEvent& event) override {
-    calls.push_back("complete:" + event.orderDetails.id);
-  }
-  void checkoutViewDidFinishNavigation() override { calls.push_back("finish"); }
-  void checkoutViewDidClickLink(const Url& link) override {
-    calls.push_back("link:" + link.absoluteString());
-  }
-  void checkoutViewDidFailWithError(const CheckoutError& error) override {
-    calls.push_back("fail:" + std::to_string(error.value().index()) +
-                    (error.isRecoverable() ? ":recoverable" : ":final"));
-    errors.push_back(error);
-  }
-  void checkoutViewDidToggleModal(bool modalVisible) override {
-    calls.push_back(modalVisible ? "modal:shown" : "modal:hidden");
-  }
-  void checkoutViewDidEmitWebPixelEvent(const PixelEvent& /*event*/) override {
-    calls.push_back("pixel");
-  }
-  std::vector<std::string> calls;
-  std::vector<CheckoutError> errors;
-};
-
 class RecordingLogger : public Logger {
  public:
   void log(const std::string& message) override { lines.push_back(message); }
@@ -69,7 +44,8 @@ class CheckoutWebViewTest : public testing::CheckoutScreenTest {
     return out;
   }
 
-  std::shared_ptr<RecordingViewDelegate> delegate = std::make_shared<RecordingViewDelegate>();
+  std::shared_ptr<testing::RecordingDelegate> delegate =
+      std::make_shared<testing::RecordingDelegate>();
 };
 
 TEST_F(CheckoutWebViewTest, StandardAndRecoveryViewsAreBuiltDifferently) {
@@ -312,6 +288,13 @@ TEST_F(CheckoutWebViewTest, BridgeMessagesBecomeDelegateCalls) {
   const auto view = make();
   contentOf(*view).post("mobileCheckoutSdk", platform::ScriptMessage::NonStringBody{"{}"});
   EXPECT_EQ(delegate->calls, std::vector<std::string>{"fail:0:recoverable"});
+  const std::string failed =
+      "(Error) - Error decoding bridge script message: The checkout page "
+      "sent an invalid bridge event";
+  EXPECT_EQ(countLog(failed + ": Data corrupted at the top level: The given data was not valid "
+                              "JSON."),
+            1U);
+  EXPECT_EQ(countLog(failed + "."), 1U);
 }
 
 TEST_F(CheckoutWebViewTest, NavigationFailuresAreReportedUnlessCancelledOrProvisional) {
@@ -327,6 +310,12 @@ TEST_F(CheckoutWebViewTest, NavigationFailuresAreReportedUnlessCancelledOrProvis
   webView.failNavigation(
       {std::string(platform::kUrlErrorDomain), platform::UrlErrorCode::cancelled, std::nullopt});
   EXPECT_TRUE(delegate->calls.empty());
+  EXPECT_EQ(countLog("(Debug) - WebView navigation failed with error: description:cancelled "
+                     "domain:URLError code:-999"),
+            1U);
+  EXPECT_EQ(countLog("(Debug) - Ignoring cancelled URL redirect. code:NSURLErrorCancelled"), 1U);
+  // The same code in another domain is a real failure.
+  webView.failNavigation({"WebKitErrorDomain", -999, std::nullopt});
 
   const platform::NavigationError timedOut{std::string(platform::kUrlErrorDomain),
                                            platform::UrlErrorCode::timedOut,
@@ -334,8 +323,9 @@ TEST_F(CheckoutWebViewTest, NavigationFailuresAreReportedUnlessCancelledOrProvis
   webView.failNavigation(timedOut);
   const auto recovery = make(/*recovery=*/true);
   fakeOf(*recovery).failNavigation(timedOut);
-  EXPECT_EQ(delegate->calls, (std::vector<std::string>{"fail:0:recoverable", "fail:0:final"}));
-  const auto& sdkError = std::get<CheckoutError::SdkError>(delegate->errors[0].value());
+  EXPECT_EQ(delegate->calls,
+            (std::vector<std::string>{"fail:0:recoverable", "fail:0:recoverable", "fail:0:final"}));
+  const auto& sdkError = std::get<CheckoutError::SdkError>(delegate->errors[1].value());
   EXPECT_EQ(sdkError.underlying, (Error{"URLError", -1001, "The request timed out."}));
 }
 

@@ -17,19 +17,5 @@ TEST_F(ConfigurationTest, TitleIsTheHostsLocalisedStringReadOnceOnFirstUse) {
   EXPECT_EQ(configuration().title, "Kasse");
 }
 
-int gPreloadWrites = 0;
-
-TEST_F(ConfigurationTest, EveryWriteOfPreloadingEnabledRunsTheHookEvenWithTheSameValue) {
-  gPreloadWrites = 0;
-  detail::setPreloadingEnabledWriteHook([] { ++gPreloadWrites; });
-  Configuration c = configuration();
-  c.preloading.setEnabled(true);  // same value
-  c.preloading.setEnabled(false);
-  detail::setPreloadingEnabledWriteHook(nullptr);
-  c.preloading.setEnabled(true);
-  EXPECT_EQ(gPreloadWrites, 2);
-  EXPECT_TRUE(c.preloading.enabled());
-}
-
 }  // namespace
 }  // namespace vemba::checkout

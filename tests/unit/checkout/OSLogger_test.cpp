@@ -39,11 +39,11 @@ TEST_F(OSLoggerTest, EmissionMatrix) {
     logger.fault("f");
     EXPECT_EQ(logLines(), c.expected) << rawValue(c.threshold);
   }
-}
-
-TEST_F(OSLoggerTest, FormatCharactersAreWrittenLiterally) {
-  OSLogger("VembaCheckoutKit", LogLevel::all).error("x %@ %d %s %n");
-  EXPECT_THAT(logLines(), ElementsAre("error|[VembaCheckoutKit] (Error) - x %@ %d %s %n"));
+  // The levels' raw values are exact and case-sensitive.
+  EXPECT_EQ(logLevelFrom("all"), LogLevel::all);
+  EXPECT_EQ(logLevelFrom("ALL"), std::nullopt);
+  EXPECT_EQ(logLevelFrom("Error"), std::nullopt);
+  EXPECT_EQ(logLevelFrom(""), std::nullopt);
 }
 
 TEST_F(OSLoggerTest, SharedStartsWithTheKitPrefixAndTheConfigurationsLevel) {
@@ -63,20 +63,13 @@ TEST_F(OSLoggerTest, SharedStartsWithTheKitPrefixAndTheConfigurationsLevel) {
                                       "info|[VembaCheckoutKit] (Info) - z"));
 }
 
-TEST_F(OSLoggerTest, PrefixAndLevelCanBeChanged) {
+TEST_F(OSLoggerTest, PrefixAndLevelCanBeChangedAndFormatCharactersAreWrittenLiterally) {
   OSLogger logger("A", LogLevel::none);
   logger.fault("hidden");
   logger.setLogLevel(LogLevel::error);
   logger.setPrefix("B");
-  logger.fault("shown");
-  EXPECT_THAT(logLines(), ElementsAre("fault|[B] (Fault) - shown"));
-}
-
-TEST(LogLevelTest, RawValuesAreExactAndCaseSensitive) {
-  EXPECT_EQ(logLevelFrom("all"), LogLevel::all);
-  EXPECT_EQ(logLevelFrom("ALL"), std::nullopt);
-  EXPECT_EQ(logLevelFrom("Error"), std::nullopt);
-  EXPECT_EQ(logLevelFrom(""), std::nullopt);
+  logger.fault("shown %@ %d %s %n");
+  EXPECT_THAT(logLines(), ElementsAre("fault|[B] (Fault) - shown %@ %d %s %n"));
 }
 
 }  // namespace

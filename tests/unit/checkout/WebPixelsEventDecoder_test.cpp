@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "FakePlatform.h"
-#include "checkout/events/ContextCoding.h"
+#include "CheckoutTestSupport.h"
 #include "checkout/events/FreeFormJson.h"
 #include "checkout/events/PixelEventCoding.h"
 #include "checkout/events/StandardEventDataCoding.h"
@@ -45,17 +44,6 @@ T decodeAs(const Json& p) {
     return T{};
   }
   return std::get<T>(**decoded);
-}
-
-TEST(WebPixelsEventDecoderTest, StandardEventWithEmptyContextAndNoData) {
-  fake::InstalledFakePlatform platform;
-  const auto event = decodeAs<StandardEvent>(payload(body("standard")));
-  EXPECT_EQ(event.id, "sh-1");
-  EXPECT_EQ(event.name, "checkout_started");  // the inner name, not the outer one
-  EXPECT_EQ(event.timestamp, "2024-03-01T10:00:00.000Z");
-  EXPECT_EQ(event.context, Context{});
-  EXPECT_FALSE(event.data.has_value());
-  EXPECT_TRUE(platform.log.lines.empty());
 }
 
 TEST(WebPixelsEventDecoderTest, OtherTypesYieldNoEventAndNoFailure) {
@@ -133,10 +121,11 @@ TEST(WebPixelsEventDecoderTest, CustomDataIsReserialisedWithFreeFormKinds) {
 
 TEST(WebPixelsEventDecoderTest, StandardDataIsTypedOrLeftOut) {
   struct Case {
-    const char* data;
+    const char* data;  // nullptr: no "data" key
     bool hasData;
   };
   const Case cases[] = {
+      {nullptr, false},
       {R"({})", true},
       {R"({"checkout":null})", true},
       {R"({"checkout":{"lineItems":[{"quantity":2}]}})", true},
@@ -146,11 +135,14 @@ TEST(WebPixelsEventDecoderTest, StandardDataIsTypedOrLeftOut) {
       {R"({"checkout":{"token":"t"},"unknown":[1,{"x":null}]})", true},
   };
   for (const Case& c : cases) {
+    SCOPED_TRACE(c.data ? c.data : "no data");
     Json standard = body("standard");
-    standard["data"] = Json::parse(c.data);
+    if (c.data != nullptr) {
+      standard["data"] = Json::parse(c.data);
+    }
     const auto event = decodeAs<StandardEvent>(payload(standard));
-    EXPECT_EQ(event.data.has_value(), c.hasData) << c.data;
-    EXPECT_EQ(event.id, "sh-1") << c.data;
+    EXPECT_EQ(event.data.has_value(), c.hasData);
+    EXPECT_EQ(event.id, "sh-1");
   }
 }
 
@@ -170,39 +162,6 @@ TEST(WebPixelsEventDecoderTest, StandardDataIsTypedFromItsFreeFormReading) {
   EXPECT_FALSE(json::decodeText(standard["data"].dump(), decodeStandardEventData));
 }
 
-// A payload using every record of the pixel model once.
-constexpr std::string_view kFullStandardData = R"({"checkout":{
-  "attributes":[{"key":"gift","value":"yes"}],
-  "billingAddress":{"address1":"7 Quillon Lane","address2":"","city":"Ottawa","country":"Canada",
-    "countryCode":"CA","firstName":"Tova","lastName":"Brennick","phone":"+15550100",
-    "province":"Ontario","provinceCode":"ON","zip":"K0X 9Z9"},
-  "buyerAcceptsEmailMarketing":false,"buyerAcceptsSmsMarketing":true,"currencyCode":"CAD",
-  "delivery":{"selectedDeliveryOptions":[{"cost":{"amount":5,"currencyCode":"CAD"},
-    "costAfterDiscounts":{"amount":0,"currencyCode":"CAD"},"description":"3-5 days",
-    "handle":"std","title":"Standard","type":"shipping"}]},
-  "discountApplications":[{"allocationMethod":"ACROSS","targetSelection":"ALL",
-    "targetType":"LINE_ITEM","title":"WINTER","type":"DISCOUNT_CODE",
-    "value":{"amount":2.5,"currencyCode":"CAD"}}],
-  "discountsAmount":{"amount":2.5,"currencyCode":"CAD"},"email":"tova@example.com",
-  "lineItems":[{"discountAllocations":[{"amount":{"amount":2.5,"currencyCode":"CAD"},
-      "discountApplication":{"title":"WINTER","value":{"percentage":10}}}],
-    "finalLinePrice":{"amount":22,"currencyCode":"CAD"},"id":"li-1",
-    "properties":[{"key":"engraving","value":"AL"}],"quantity":2,
-    "sellingPlanAllocation":{"sellingPlan":{"id":"sp-1","name":"Monthly"}},"title":"Socks",
-    "variant":{"id":"v-1","image":{"src":"https://cdn.example/s.jpg"},
-      "price":{"amount":12.25,"currencyCode":"CAD"},"product":{"id":"p-1","title":"Socks",
-      "type":"Apparel","untranslatedTitle":"Socks","url":"/products/socks","vendor":"Knits"},
-      "sku":"SK-1","title":"Grey","untranslatedTitle":"Grey"}}],
-  "localization":{"country":{"isoCode":"CA"},"language":{"isoCode":"EN"},
-    "market":{"handle":"ca","id":"m-1"}},
-  "order":{"customer":{"id":"c-1","isFirstOrder":true},"id":"o-1"},"phone":"+15550100",
-  "shippingAddress":{"city":"Ottawa"},"shippingLine":{"price":{"amount":0,"currencyCode":"CAD"}},
-  "smsMarketingPhone":"+15550100","subtotalPrice":{"amount":24.5,"currencyCode":"CAD"},
-  "token":"tok","totalPrice":{"amount":27.37,"currencyCode":"CAD"},
-  "totalTax":{"amount":2.87,"currencyCode":"CAD"},
-  "transactions":[{"amount":{"amount":27.37,"currencyCode":"CAD"},"gateway":"fernpay_gateway",
-    "paymentMethod":{"name":"NORTHCARD","type":"creditCard"}}]}})";
-
 // The record written back, or nothing when the text does not decode.
 template <typename Decode>
 std::optional<Json> writtenBack(std::string_view text, Decode decode) {
@@ -210,21 +169,17 @@ std::optional<Json> writtenBack(std::string_view text, Decode decode) {
   return decoded ? std::optional(toJson(*decoded)) : std::nullopt;
 }
 
-// Every key of the pixel model read and written back: the JSON comes out as it went in.
+// Every key of the pixel model read from the page's message and written back: the event comes out
+// as it went in, under its own name rather than the message's.
 TEST(PixelRecordsTest, EncodingWritesBackEveryKeyRead) {
-  const std::string context =
-      R"({"document":{"characterSet":"UTF-8","location":{"hash":"","host":"shop.example:8443",)"
-      R"("hostname":"shop.example","href":"https://shop.example:8443/c?x=1","origin":"https://)"
-      R"(shop.example:8443","pathname":"/c","port":"8443","protocol":"https:","search":"?x=1"},)"
-      R"("referrer":"","title":"Checkout"},"navigator":{"cookieEnabled":true,"language":"en",)"
-      R"("languages":["en"],"userAgent":"UA"},"window":{"innerHeight":844,"innerWidth":390,)"
-      R"("location":{"href":"https://shop.example/c"},"origin":"https://shop.example",)"
-      R"("outerHeight":844,"outerWidth":390,"pageXOffset":0,"pageYOffset":12.5,)"
-      R"("screen":{"height":844,"width":390},"screenX":0,"screenY":0,"scrollX":0,"scrollY":12.5}})";
-  const std::string standard = R"({"context":)" + context + R"(,"data":)" +
-                               std::string(kFullStandardData) +
-                               R"(,"id":"1","name":"n","timestamp":"t"})";
-  EXPECT_EQ(writtenBack(standard, decodeStandardEvent), Json::parse(standard));
+  // The bridge fuzzer's seed of the whole message (after its mode byte).
+  const Json message =
+      Json::parse(testing::corpusFile("checkout_bridge_fuzzer/pixel_message_every_key").substr(1));
+  Json standard = Json::parse(message["body"].get<std::string>())["event"];
+  const auto decoded = WebPixelsEventDecoder::decode(message);
+  ASSERT_TRUE(decoded && decoded->has_value());
+  standard.erase("type");
+  EXPECT_EQ(toJson(std::get<StandardEvent>(**decoded)), standard);
   const std::string custom = R"({"context":{},"customData":"{\"a\":1}","id":"1","name":"n",)"
                              R"("timestamp":"t"})";
   EXPECT_EQ(writtenBack(custom, decodeCustomEvent), Json::parse(custom));
@@ -234,15 +189,6 @@ TEST(PixelRecordsTest, EncodingWritesBackEveryKeyRead) {
   EXPECT_EQ(writtenBack(R"({"percentage":12.5})", decodePricingPercentageValue),
             Json::parse(R"({"percentage":12.5})"));
   EXPECT_EQ(writtenBack(R"({"ignored":1})", decodeCustomData), Json::object());
-}
-
-TEST(PixelRecordsTest, AbsentFieldsAreLeftOutWhenEncoding) {
-  EXPECT_EQ(toJson(Context{}).dump(), "{}");
-  EXPECT_EQ(toJson(CustomEvent{}).dump(), "{}");
-  StandardEvent event;
-  event.data = StandardEventData{};
-  event.name = "page_viewed";
-  EXPECT_EQ(toJson(event).dump(), R"({"data":{},"name":"page_viewed"})");
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/OpenableSchemes.h"
+
 namespace vemba {
 namespace {
 
@@ -25,7 +27,7 @@ TEST(UrlTest, AcceptsAndRejectsByTheUriGrammar) {
   }
 }
 
-TEST(UrlTest, ExposesComponentsAndKeepsTheText) {
+TEST(UrlTest, ExposesComponentsKeepsTheTextAndResolvesReferences) {
   const auto url = Url::parse("https://127.0.0.1:18443/v1/billing?bidid=a%20b&win=1&flag#frag");
   ASSERT_TRUE(url);
   EXPECT_EQ(url->absoluteString(),
@@ -39,14 +41,22 @@ TEST(UrlTest, ExposesComponentsAndKeepsTheText) {
       {"bidid", "a b"}, {"win", "1"}, {"flag", std::nullopt}};
   EXPECT_EQ(url->queryItems(), expected);
   EXPECT_EQ(url->fragment(), "frag");
+  // A reference resolves against it.
+  EXPECT_EQ(url->resolve("../d.html")->absoluteString(), "https://127.0.0.1:18443/d.html");
+  EXPECT_EQ(url->resolve("/x?y=1")->absoluteString(), "https://127.0.0.1:18443/x?y=1");
+  EXPECT_FALSE(url->resolve("bad url"));
 }
 
-TEST(UrlTest, ResolvesAReferenceAgainstABase) {
-  const auto base = Url::parse("https://127.0.0.1/a/b/c.html");
-  ASSERT_TRUE(base);
-  EXPECT_EQ(base->resolve("../d.html")->absoluteString(), "https://127.0.0.1/a/d.html");
-  EXPECT_EQ(base->resolve("/x?y=1")->absoluteString(), "https://127.0.0.1/x?y=1");
-  EXPECT_FALSE(base->resolve("bad url"));
+// Which schemes the library hands to another application: the four, in any case, and nothing
+// that merely starts or ends like one of them.
+TEST(OpenableSchemesTest, OnlyTheFourSchemesInAnyCase) {
+  for (const char* scheme : {"http", "https", "mailto", "tel", "HTTPS", "MailTo", "TEL"}) {
+    EXPECT_TRUE(platform::isOpenableScheme(scheme)) << scheme;
+  }
+  for (const char* scheme : {"", "htt", "httpx", "xhttp", "https ", "javascript", "file", "data",
+                             "ftp", "sms", "quillfeather-app"}) {
+    EXPECT_FALSE(platform::isOpenableScheme(scheme)) << scheme;
+  }
 }
 
 }  // namespace
