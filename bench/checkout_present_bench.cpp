@@ -305,6 +305,7 @@ int main(int argc, char** argv) {
         std::abs(median(presentedAfterEnd)), median(presentedAfterEnd) < 0 ? "before" : "after");
   }
   gtk_window_destroy(window);
+  runMainLoopUntil([] { return false; }, 1s);  // the last web processes end before their folder
   std::error_code ignored;
   std::filesystem::remove_all(home, ignored);
   return 0;

@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 jobs=${VEMBA_JOBS:-2}
-fuzz_seconds=${VEMBA_FUZZ_SECONDS:-20}
+fuzz_seconds=${VEMBA_FUZZ_SECONDS:-40}
 
 scripts/install-deps.sh
 

@@ -520,12 +520,16 @@ void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool anim
     }
     return;
   }
-  gtk_widget_set_opacity(shown, 0.0);
+  // A sheet's panel is there at once and only its backdrop fades in: fading the panel would draw
+  // the page (still loading) through an offscreen layer at every frame of the transition, which
+  // on a machine without a GPU slows the load itself. A full-screen screen fades as a whole.
+  GtkWidget* faded = gtkChild->backdrop_ != nullptr ? gtkChild->backdrop_ : shown;
+  gtk_widget_set_opacity(faded, 0.0);
   runTween(
       shown, kTransitionTween, kTransitionDuration,
-      [shown](double t) { gtk_widget_set_opacity(shown, t); },
-      [shown, finished = std::move(finished)](bool /*finished*/) {
-        gtk_widget_set_opacity(shown, 1.0);
+      [faded](double t) { gtk_widget_set_opacity(faded, t); },
+      [faded, finished = std::move(finished)](bool /*finished*/) {
+        gtk_widget_set_opacity(faded, 1.0);
         if (finished) {
           finished();
         }
