@@ -96,6 +96,15 @@ class LoadWatch {
   Clock::time_point committedAt_;
 };
 
+// A shown 900×760 host window whose content is one label.
+inline GtkWindow* newHostWindow() {
+  GtkWindow* window = GTK_WINDOW(gtk_window_new());
+  gtk_window_set_default_size(window, 900, 760);
+  gtk_window_set_child(window, gtk_label_new("Host window"));
+  gtk_window_present(window);
+  return window;
+}
+
 // A WebKitWebView with what the library's views set that touches loading: the default network
 // session (or the web process of `related`), inline media, a content manager with the script
 // message channel `channel`. The caller owns the returned reference.

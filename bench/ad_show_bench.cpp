@@ -291,10 +291,7 @@ int main(int argc, char** argv) {
   require(vemba::platform::ui() != nullptr, "no display (run under xvfb-run -a)");
   vemba::VembaSDK::shared().initialize(vemba::VembaConfiguration("bench-key", false));
 
-  GtkWindow* window = GTK_WINDOW(gtk_window_new());
-  gtk_window_set_default_size(window, 900, 760);
-  gtk_window_set_child(window, gtk_label_new("Host window"));
-  gtk_window_present(window);
+  GtkWindow* window = vemba::bench::newHostWindow();
   {
     Bench bench(window, exchange.origin() + "/ads/interstitial.html");
 

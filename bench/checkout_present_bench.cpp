@@ -249,10 +249,7 @@ int main(int argc, char** argv) {
   setenv("SSL_CERT_FILE", exchange.caFile().c_str(), 1);
   require(vemba::platform::ui() != nullptr, "no display (run under xvfb-run -a)");
 
-  GtkWindow* window = GTK_WINDOW(gtk_window_new());
-  gtk_window_set_default_size(window, 900, 760);
-  gtk_window_set_child(window, gtk_label_new("Host window"));
-  gtk_window_present(window);
+  GtkWindow* window = vemba::bench::newHostWindow();
   {
     Bench bench(window, exchange.origin() + "/checkout/bench");
     // Warm-up: the first sheet also trusts the exchange's certificate in the default session,
