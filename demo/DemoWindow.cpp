@@ -1,6 +1,8 @@
 #include "DemoWindow.h"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdint>
 #include <vector>
 
@@ -210,7 +212,12 @@ DemoWindow::DemoWindow(GtkApplication* app, Settings settings)
   gtk_widget_add_css_class(controls, "controls");
   gtk_widget_set_size_request(controls, kControlsWidth, -1);
   gtk_box_append(GTK_BOX(controls), buildAdsPanel());
+  gtk_box_append(GTK_BOX(controls), buildPrivacyPanel());
   gtk_box_append(GTK_BOX(controls), buildCheckoutPanel());
+  GtkWidget* scroller = gtk_scrolled_window_new();
+  gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller), GTK_POLICY_NEVER,
+                                 GTK_POLICY_AUTOMATIC);
+  gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scroller), controls);
 
   GtkWidget* logPanel = gtk_box_new(GTK_ORIENTATION_VERTICAL, 6);
   gtk_widget_set_margin_start(logPanel, 12);
@@ -220,7 +227,7 @@ DemoWindow::DemoWindow(GtkApplication* app, Settings settings)
   gtk_box_append(GTK_BOX(logPanel), log_.widget());
 
   GtkWidget* content = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
-  gtk_box_append(GTK_BOX(content), controls);
+  gtk_box_append(GTK_BOX(content), scroller);
   gtk_box_append(GTK_BOX(content), logPanel);
   gtk_window_set_child(window_, content);
 
@@ -249,6 +256,70 @@ GtkWidget* DemoWindow::buildAdsPanel() {
   gtk_label_set_xalign(GTK_LABEL(rewardLabel_), 0);
   gtk_box_append(GTK_BOX(box), rewardLabel_);
   return box;
+}
+
+GtkWidget* DemoWindow::buildPrivacyPanel() {
+  GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 8);
+  gtk_box_append(GTK_BOX(box), sectionTitle("Privacy"));
+  const auto onChange =
+      +[](GtkWidget* /*widget*/, gpointer self) { static_cast<DemoWindow*>(self)->applyPrivacy(); };
+  for (GtkWidget** entry : {&tcfEntry_, &usPrivacyEntry_, &gppEntry_, &gppSectionsEntry_}) {
+    *entry = gtk_entry_new();
+    g_signal_connect(*entry, "changed", G_CALLBACK(onChange), this);
+  }
+  gtk_entry_set_placeholder_text(GTK_ENTRY(usPrivacyEntry_), "1YNN");
+  gtk_entry_set_placeholder_text(GTK_ENTRY(gppSectionsEntry_), "2,6");
+  const auto onToggle = +[](GObject* /*toggle*/, GParamSpec* /*spec*/, gpointer self) {
+    static_cast<DemoWindow*>(self)->applyPrivacy();
+  };
+  for (GtkWidget** toggle : {&gdprSwitch_, &coppaSwitch_, &lmtSwitch_}) {
+    *toggle = gtk_switch_new();
+    g_signal_connect(*toggle, "notify::active", G_CALLBACK(onToggle), this);
+  }
+  gtk_box_append(GTK_BOX(box), labelled("GDPR applies", gdprSwitch_));
+  gtk_box_append(GTK_BOX(box), labelled("TCF consent", tcfEntry_));
+  gtk_box_append(GTK_BOX(box), labelled("GPP", gppEntry_));
+  gtk_box_append(GTK_BOX(box), labelled("GPP sections", gppSectionsEntry_));
+  gtk_box_append(GTK_BOX(box), labelled("US privacy", usPrivacyEntry_));
+  gtk_box_append(GTK_BOX(box), labelled("Child-directed (COPPA)", coppaSwitch_));
+  gtk_box_append(GTK_BOX(box), labelled("Limit ad tracking", lmtSwitch_));
+  return box;
+}
+
+void DemoWindow::setGdprConsent(bool applies, const std::string& consent) {
+  gtk_switch_set_active(GTK_SWITCH(gdprSwitch_), applies ? TRUE : FALSE);
+  gtk_editable_set_text(GTK_EDITABLE(tcfEntry_), consent.c_str());
+}
+
+void DemoWindow::applyPrivacy() {
+  const auto text = [](GtkWidget* entry) -> std::optional<std::string> {
+    std::string value = gtk_editable_get_text(GTK_EDITABLE(entry));
+    return value.empty() ? std::nullopt : std::optional(value);
+  };
+  const auto flag = [](GtkWidget* toggle) -> std::optional<bool> {
+    return gtk_switch_get_active(GTK_SWITCH(toggle)) ? std::optional(true) : std::nullopt;
+  };
+  VembaPrivacy privacy;
+  privacy.gdprApplies = flag(gdprSwitch_);
+  privacy.childDirected = flag(coppaSwitch_);
+  privacy.limitAdTracking = flag(lmtSwitch_);
+  privacy.tcfConsent = text(tcfEntry_);
+  privacy.usPrivacy = text(usPrivacyEntry_);
+  privacy.gpp = text(gppEntry_);
+  if (const std::optional<std::string> sections = text(gppSectionsEntry_)) {
+    std::vector<std::int64_t> ids;
+    for (std::size_t at = 0; at <= sections->size();) {
+      const std::size_t comma = std::min(sections->find(',', at), sections->size());
+      std::int64_t id = 0;
+      const char* first = sections->data() + at;
+      if (std::from_chars(first, sections->data() + comma, id).ec == std::errc()) {
+        ids.push_back(id);
+      }
+      at = comma + 1;
+    }
+    privacy.gppSectionIds = std::move(ids);
+  }
+  VembaSDK::shared().setPrivacy(std::move(privacy));
 }
 
 GtkWidget* DemoWindow::buildCheckoutPanel() {

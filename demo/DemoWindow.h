@@ -58,6 +58,8 @@ class DemoWindow {
   void setAdUnit(const std::string& adUnit);
   void setConfetti(bool enabled);
   void setPreloading(bool enabled);
+  // Fills the Privacy section as a person would: GDPR on or off and a TCF consent string.
+  void setGdprConsent(bool applies, const std::string& consent);
 
   // Called with a short key for every event the log shows ("interstitial.adDidLoad",
   // "checkout.checkoutDidComplete", "opened", ...), after it was logged.
@@ -82,7 +84,11 @@ class DemoWindow {
  private:
   struct Delegates;
   GtkWidget* buildAdsPanel();
+  GtkWidget* buildPrivacyPanel();
   GtkWidget* buildCheckoutPanel();
+  // Sets the SDK's privacy signals from the Privacy section (an off switch or an empty field is a
+  // signal left unset).
+  void applyPrivacy();
   void applyConfetti(bool enabled);
   void applyPreloading(bool enabled);
   std::shared_ptr<platform::Screen> screen() const;
@@ -99,6 +105,13 @@ class DemoWindow {
   GtkWidget* checkoutUrlEntry_ = nullptr;
   GtkWidget* confettiSwitch_ = nullptr;
   GtkWidget* preloadSwitch_ = nullptr;
+  GtkWidget* gdprSwitch_ = nullptr;
+  GtkWidget* coppaSwitch_ = nullptr;
+  GtkWidget* lmtSwitch_ = nullptr;
+  GtkWidget* tcfEntry_ = nullptr;
+  GtkWidget* usPrivacyEntry_ = nullptr;
+  GtkWidget* gppEntry_ = nullptr;
+  GtkWidget* gppSectionsEntry_ = nullptr;
   int rewards_ = 0;
   std::shared_ptr<VembaInterstitialAd> interstitial_;
   std::shared_ptr<VembaRewardedAd> rewarded_;

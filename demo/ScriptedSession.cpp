@@ -58,13 +58,16 @@ ScriptedSession::ScriptedSession(DemoWindow& window, std::string name, std::stri
 
 void ScriptedSession::addInterstitial() {
   const std::string unit = "script-interstitial";
-  steps_.push_back({"Load an interstitial (its page clicks through, then closes itself)",
-                    [this, unit] {
-                      bidPage_(unit, "interstitial.html?auto=clickthrough,close&autoDelay=2500");
-                      window_.setAdUnit(unit);
-                      window_.loadInterstitial();
-                    },
-                    "interstitial.adDidLoad", 0.3, "interstitial-ready"});
+  steps_.push_back(
+      {"Load an interstitial with GDPR consent (its page clicks through, then "
+       "closes itself)",
+       [this, unit] {
+         window_.setGdprConsent(true, "CPxLumenmossDemo");
+         bidPage_(unit, "interstitial.html?auto=clickthrough,close&autoDelay=2500");
+         window_.setAdUnit(unit);
+         window_.loadInterstitial();
+       },
+       "interstitial.adDidLoad", 0.3, "interstitial-ready"});
   steps_.push_back({"Show it full-screen", [this] { window_.showInterstitial(); },
                     "interstitial.adDidShow", 1.5, "interstitial-shown"});
   steps_.push_back({"The page reports a click", nullptr, "interstitial.adDidClick", 0, ""});

@@ -76,8 +76,23 @@ gboolean pollTraffic(gpointer data) {
   auto* demo = static_cast<Demo*>(data);
   const std::vector<nlohmann::json> bids = demo->exchange->log("bid");
   for (std::size_t i = demo->bidsSeen; i < bids.size(); ++i) {
-    demo->window->event("exchange", "bid request",
-                        bids[i].value("adUnit", "") + " (" + bids[i].value("format", "") + ")");
+    // With the privacy signals the request carried, where it carried any.
+    std::string signals;
+    const nlohmann::json body =
+        nlohmann::json::parse(bids[i].value("body", ""), nullptr, /*allow_exceptions=*/false);
+    if (body.is_object()) {
+      for (const char* key : {"regs", "user"}) {
+        if (body.contains(key)) {
+          signals += std::string(", ") + key + " " + body[key].dump();
+        }
+      }
+      if (body.contains("device") && body["device"].contains("lmt")) {
+        signals += ", lmt " + body["device"]["lmt"].dump();
+      }
+    }
+    demo->window->event(
+        "exchange", "bid request",
+        bids[i].value("adUnit", "") + " (" + bids[i].value("format", "") + ")" + signals);
   }
   demo->bidsSeen = bids.size();
   const std::vector<nlohmann::json> billing = demo->exchange->log("billing");

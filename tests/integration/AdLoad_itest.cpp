@@ -51,6 +51,9 @@ class AdLoadIntegrationTest : public ExchangeTest</*Port=*/18443, /*NeedsDisplay
 
 TEST_F(AdLoadIntegrationTest, InterstitialRequestAsReceivedByTheServer) {
   VembaSDK::shared().initialize(VembaConfiguration("key-123", false));
+  // One call sets the host's consent signals; the server reads them at OpenRTB 2.6's places.
+  VembaSDK::shared().setPrivacy(
+      {.gdprApplies = true, .tcfConsent = "CPxLumen", .gppSectionIds = std::vector<std::int64_t>{2}});
   auto ad = VembaInterstitialAd::create("unit-i");
   const RecordingDelegate::Call loaded = load(ad);
   EXPECT_EQ(loaded.name, "adDidLoad");
@@ -65,6 +68,8 @@ TEST_F(AdLoadIntegrationTest, InterstitialRequestAsReceivedByTheServer) {
   EXPECT_EQ(body["imp"][0]["tagid"], "unit-i");
   EXPECT_EQ(body["device"]["model"], "Linux");
   EXPECT_EQ(body["device"]["ua"], *UserAgentFetcher::shared().cachedUserAgent());
+  EXPECT_EQ(body["regs"], nlohmann::json::parse(R"({"gdpr":1,"gpp_sid":[2]})"));
+  EXPECT_EQ(body["user"]["consent"], "CPxLumen");
   // Slashes travel escaped on the wire.
   EXPECT_NE(entry["body"].get<std::string>().find("Mozilla\\/5.0"), std::string::npos);
 

@@ -79,9 +79,9 @@ ads::BidRequest requestFor(const AdOptions& options, const std::string& userAgen
 }  // namespace
 
 int runLoad(const Args& args) {
-  const std::optional<Options> options =
-      Options::parse(args, {"--ad-unit", "--format", "--bid-floor", "--api-key", "--timeout"},
-                     {"--no-initialize"});
+  std::set<std::string> valued = adOptionNames();
+  valued.insert({"--api-key", "--timeout"});
+  const std::optional<Options> options = Options::parse(args, valued, {"--no-initialize"});
   if (!options) {
     return kExitUsage;
   }
@@ -99,6 +99,7 @@ int runLoad(const Args& args) {
   if (apiKey) {
     VembaSDK::shared().initialize(VembaConfiguration(*apiKey, false));
   }
+  VembaSDK::shared().setPrivacy(ad->privacy);
 
   GMainLoop* loop = g_main_loop_new(nullptr, FALSE);
   auto delegate = std::make_shared<PrintingDelegate>(loop);
@@ -136,8 +137,7 @@ int runLoad(const Args& args) {
 }
 
 int runRequest(const Args& args) {
-  const std::optional<Options> options =
-      Options::parse(args, {"--ad-unit", "--format", "--bid-floor"}, {});
+  const std::optional<Options> options = Options::parse(args, adOptionNames(), {});
   if (!options) {
     return kExitUsage;
   }
@@ -145,6 +145,7 @@ int runRequest(const Args& args) {
   if (!ad) {
     return kExitUsage;
   }
+  VembaSDK::shared().setPrivacy(ad->privacy);
   std::string userAgent;
   UserAgentFetcher::shared().fetch([&](const std::string& ua) { userAgent = ua; });
   const auto body = ads::encodeBidRequestText(requestFor(*ad, userAgent));

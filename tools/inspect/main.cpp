@@ -15,12 +15,14 @@ struct Subcommand {
 constexpr Subcommand kSubcommands[] = {
     {"load", vemba::inspect::runLoad,
      "load --ad-unit ID [--format interstitial|rewarded] [--bid-floor F] "
-     "[--api-key KEY | --no-initialize] [--timeout SECONDS]"},
+     "[--api-key KEY | --no-initialize] [--timeout SECONDS] [PRIVACY]"},
     {"show", vemba::inspect::runShow,
      "show --ad-unit ID [--format interstitial|rewarded] [--api-key KEY] [--bid-floor F] "
      "[--close-after SECONDS] [--timeout SECONDS] [--screenshot FILE]"},
     {"request", vemba::inspect::runRequest,
-     "request --ad-unit ID [--format interstitial|rewarded] [--bid-floor F]"},
+     "request --ad-unit ID [--format interstitial|rewarded] [--bid-floor F] [PRIVACY]\n"
+     "    PRIVACY: [--gdpr 0|1] [--tcf-consent S] [--gpp S] [--gpp-sid 2,6] [--us-privacy S]\n"
+     "             [--coppa 0|1] [--lmt 0|1]"},
     {"user-agent", vemba::inspect::runUserAgent,
      "user-agent [--checkout [--recovery] [--color-scheme S] [--platform P] [--entry-point E]]"},
     {"bridge", vemba::inspect::runBridge, "bridge [--log-level all|debug|error|none]"},

@@ -1,6 +1,8 @@
 // The host's entry into the ad half: one process-wide instance holding the publisher's API key.
 #pragma once
 
+#include "vemba/ads/VembaPrivacy.h"
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -30,6 +32,11 @@ class VembaSDK {
   // synchronously, before returning. Never fails.
   void initialize(const VembaConfiguration& configuration,
                   const std::function<void(bool)>& completion = nullptr);
+
+  // The privacy and consent signals of every bid request built from now on (a load already in
+  // flight keeps the ones it was built with). Replaces the whole record; any thread.
+  void setPrivacy(VembaPrivacy privacy);
+  VembaPrivacy privacy() const;
 
   VembaSDK(const VembaSDK&) = delete;
   VembaSDK& operator=(const VembaSDK&) = delete;

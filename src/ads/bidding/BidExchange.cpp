@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "ads/bidding/BidRecordsJson.h"
+#include "ads/bidding/PrivacySignals.h"
 #include "ads/core/DeviceDescription.h"
 #include "ads/core/UserAgentFetcher.h"
 #include "ads/core/VembaLogger.h"
@@ -90,6 +91,7 @@ BidRequest BidExchange::createBidRequest(const std::string& ua, double bidFloor)
   request.app = currentAppInfo();
   request.device = currentDeviceInfo(ua);
   request.imp.push_back(std::move(impression));
+  applyPrivacy(VembaSDK::shared().privacy(), request);
   return request;
 }
 

@@ -3,6 +3,7 @@
 // BidRecordsJson.h.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -40,7 +41,23 @@ struct DeviceInfo {
   std::string osv;
   std::string model;
   std::string connection;
+  std::optional<bool> lmt{};  // coded as 1 or 0
   friend bool operator==(const DeviceInfo&, const DeviceInfo&) = default;
+};
+
+// Regulations in force for the request (OpenRTB 2.6 names); the flags are coded as 1 or 0.
+struct Regs {
+  std::optional<bool> coppa{};
+  std::optional<bool> gdpr{};
+  std::optional<std::string> us_privacy{};
+  std::optional<std::string> gpp{};
+  std::optional<std::vector<std::int64_t>> gpp_sid{};
+  friend bool operator==(const Regs&, const Regs&) = default;
+};
+
+struct User {
+  std::optional<std::string> consent;
+  friend bool operator==(const User&, const User&) = default;
 };
 
 struct BidRequest {
@@ -48,6 +65,8 @@ struct BidRequest {
   AppInfo app;
   DeviceInfo device;
   std::vector<Impression> imp;
+  std::optional<Regs> regs{};
+  std::optional<User> user{};
   friend bool operator==(const BidRequest&, const BidRequest&) = default;
 };
 

@@ -1,6 +1,8 @@
 #include "ads/bidding/BidRecordsJson.h"
 
 #include <cmath>
+#include <cstdint>
+#include <string>
 
 #include "common/JsonFields.h"
 
@@ -23,6 +25,19 @@ struct FiniteNumber {
     }
     return value;
   }
+};
+
+// A flag as OpenRTB codes one: the integer 1 or 0, never a JSON boolean; anything else fails.
+struct IntegerFlag {
+  static bool decode(const Json& value, const JsonPath& path) {
+    const std::int64_t number = json::decodeInt(value, path);
+    if (number != 0 && number != 1) {
+      json::fail(json::DecodingError::Kind::dataCorrupted, path,
+                 "Expected 0 or 1 but found " + std::to_string(number) + " instead.");
+    }
+    return number == 1;
+  }
+  static Json encode(bool value) { return value ? 1 : 0; }
 };
 
 // A format marker: any non-null value marks the format when read; written as {}.
@@ -49,12 +64,23 @@ constexpr auto jsonFields(json::Tag<DeviceInfo> /*record*/) {
   using R = DeviceInfo;
   return fields(field("ifa", &R::ifa), field("ua", &R::ua), field("ip", &R::ip),
                 field("os", &R::os), field("osv", &R::osv), field("model", &R::model),
-                field("connection", &R::connection));
+                field("connection", &R::connection), field<IntegerFlag>("lmt", &R::lmt));
+}
+
+constexpr auto jsonFields(json::Tag<Regs> /*record*/) {
+  return fields(field<IntegerFlag>("coppa", &Regs::coppa), field<IntegerFlag>("gdpr", &Regs::gdpr),
+                field("us_privacy", &Regs::us_privacy), field("gpp", &Regs::gpp),
+                field("gpp_sid", &Regs::gpp_sid));
+}
+
+constexpr auto jsonFields(json::Tag<User> /*record*/) {
+  return fields(field("consent", &User::consent));
 }
 
 constexpr auto jsonFields(json::Tag<BidRequest> /*record*/) {
   return fields(field("id", &BidRequest::id), field("app", &BidRequest::app),
-                field("device", &BidRequest::device), field("imp", &BidRequest::imp));
+                field("device", &BidRequest::device), field("imp", &BidRequest::imp),
+                field("regs", &BidRequest::regs), field("user", &BidRequest::user));
 }
 
 constexpr auto jsonFields(json::Tag<Bid> /*record*/) {

@@ -10,11 +10,12 @@
 namespace vemba {
 namespace {
 
-// The entry point's state: the key of the last initialize(), read from any thread. Created on
-// first use and never destroyed, like the entry point itself.
+// The entry point's state: the key of the last initialize() and the host's privacy signals, read
+// from any thread. Created on first use and never destroyed, like the entry point itself.
 struct ApiKeyStore {
   std::mutex mutex;
   std::optional<std::string> apiKey;
+  VembaPrivacy privacy;
 };
 
 ApiKeyStore& apiKeyStore() {
@@ -33,6 +34,18 @@ std::optional<std::string> VembaSDK::apiKey() const {
   ApiKeyStore& store = apiKeyStore();
   const std::lock_guard lock(store.mutex);
   return store.apiKey;
+}
+
+void VembaSDK::setPrivacy(VembaPrivacy privacy) {
+  ApiKeyStore& store = apiKeyStore();
+  const std::lock_guard lock(store.mutex);
+  store.privacy = std::move(privacy);
+}
+
+VembaPrivacy VembaSDK::privacy() const {
+  ApiKeyStore& store = apiKeyStore();
+  const std::lock_guard lock(store.mutex);
+  return store.privacy;
 }
 
 void VembaSDK::initialize(const VembaConfiguration& configuration,
@@ -58,6 +71,7 @@ void resetVembaSdkForTesting() {
   ApiKeyStore& store = apiKeyStore();
   const std::lock_guard lock(store.mutex);
   store.apiKey.reset();
+  store.privacy = {};
   AdWebViewPreparation::resetForTesting();
 }
 

@@ -48,15 +48,16 @@ TEST_F(BidExchangeTest, RequestShapeAndHeaders) {
   EXPECT_EQ(platform.http.header(0, "Content-Type"), "application/json");
   EXPECT_FALSE(platform.http.header(0, "X-API-Key"));  // not initialised: no header at all
 
+  // The request of a host that sets no privacy signals, byte for byte.
+  EXPECT_EQ(request.body,
+            R"({"app":{"bundle":"com.example.host","ver":"2.3"},"device":{"connection":"wifi",)"
+            R"("ifa":"00000000-0000-0000-0000-000000000000","ip":"","model":"iPhone","os":"iOS",)"
+            R"("osv":"17.4.1","ua":"Mozilla\/5.0 (iPhone; CPU iPhone OS 17_4_1 like Mac OS X) )"
+            R"(AppleWebKit\/605.1.15 (KHTML, like Gecko) Mobile\/15E148"},)"
+            R"("id":"00000000-0000-4000-8000-000000000001","imp":[{"bidfloor":0.25,"id":"1",)"
+            R"("interstitial":{},"tagid":"unit-1"}]})");
   const auto body = ads::decodeBidRequestText(request.body.value());
   ASSERT_TRUE(body);
-  EXPECT_EQ(body->id, "00000000-0000-4000-8000-000000000001");
-  EXPECT_EQ(body->app, (ads::AppInfo{"com.example.host", "2.3"}));
-  EXPECT_EQ(body->device, (ads::DeviceInfo{"00000000-0000-0000-0000-000000000000", kIPhoneUserAgent,
-                                           "", "iOS", "17.4.1", "iPhone", "wifi"}));
-  ASSERT_EQ(body->imp.size(), 1U);
-  EXPECT_EQ(body->imp[0],
-            (ads::Impression{"1", "unit-1", ads::Interstitial{}, std::nullopt, 0.25}));
   EXPECT_EQ(logs,
             (std::vector<std::string>{"Loading ad for Unit ID: unit-1",
                                       "Sending Bid Request to: https://127.0.0.1:18443/bid"}));
@@ -66,6 +67,19 @@ TEST_F(BidExchangeTest, RequestShapeAndHeaders) {
   EXPECT_EQ(platform.http.header(1, "X-API-Key"), "secret");
   // Every request carries a fresh id.
   EXPECT_NE(ads::decodeBidRequestText(*platform.http.request(1).body)->id, body->id);
+
+  // Privacy signals set between two loads go with the second, read when its request is built.
+  platform.device.advertisingIdValue = platform::Uuid{0x12, 0x34};
+  ad->load();
+  VembaSDK::shared().setPrivacy({.gdprApplies = true, .limitAdTracking = true});
+  ad->load();
+  const auto before = ads::decodeBidRequestText(*platform.http.request(2).body);
+  const auto after = ads::decodeBidRequestText(*platform.http.request(3).body);
+  EXPECT_FALSE(before->regs);
+  EXPECT_EQ(before->device.ifa, "12340000-0000-0000-0000-000000000000");
+  EXPECT_EQ(after->regs, (ads::Regs{.gdpr = true}));
+  EXPECT_EQ(after->device.lmt, true);
+  EXPECT_EQ(after->device.ifa, "00000000-0000-0000-0000-000000000000");
 }
 
 TEST_F(BidExchangeTest, BidFloorIsSentOnlyWhenStrictlyPositive) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "ads/bidding/BidRecordsJson.h"
+#include "ads/bidding/PrivacySignals.h"
 
 namespace vemba::ads {
 namespace {
@@ -10,8 +11,10 @@ BidRequest sampleRequest() {
   Impression impression{"1", "unit-7", Interstitial{}, std::nullopt, 0.5};
   return BidRequest{"REQ-1",
                     {"com.host", "2.3"},
-                    {"IFA", "Mozilla/5.0 (iPhone)", "", "iOS", "17.4.1", "iPhone", "wifi"},
-                    {impression}};
+                    {"IFA", "Mozilla/5.0 (iPhone)", "", "iOS", "17.4.1", "iPhone", "wifi", {}},
+                    {impression},
+                    {},
+                    {}};
 }
 
 TEST(BidRecordsTest, RequestEncodesExactlyWithSlashesEscaped) {
@@ -22,6 +25,59 @@ TEST(BidRecordsTest, RequestEncodesExactlyWithSlashesEscaped) {
       R"({"app":{"bundle":"com.host","ver":"2.3"},"device":{"connection":"wifi","ifa":"IFA",)"
       R"x("ip":"","model":"iPhone","os":"iOS","osv":"17.4.1","ua":"Mozilla\/5.0 (iPhone)"},)x"
       R"("id":"REQ-1","imp":[{"bidfloor":0.5,"id":"1","interstitial":{},"tagid":"unit-7"}]})");
+}
+
+// The host's privacy signals at OpenRTB 2.6's places, with its types (flags as the integers 1 and
+// 0, section ids as integers); what is not set stays out, and the request reads back as written.
+TEST(BidRecordsTest, PrivacySignalsTakeOpenRtbsPlacesAndTypes) {
+  const std::string hostile = "\"q\" \\ \u0001\n</script>" + std::string(100 * 1024, 'x');
+  struct Case {
+    VembaPrivacy privacy;
+    std::vector<std::string> fragments;  // each in the encoded request
+    std::vector<std::string> absent;     // none of these is
+  };
+  const Case cases[] = {
+      {{}, {R"("ifa":"IFA")"}, {"regs", "user", "lmt"}},
+      {{.gdprApplies = true, .tcfConsent = "CPxBidA"},
+       {R"("regs":{"gdpr":1})", R"("user":{"consent":"CPxBidA"})", R"("ifa":"IFA")"},
+       {"lmt"}},
+      {{.gdprApplies = false}, {R"("regs":{"gdpr":0})"}, {"user"}},
+      {{.gpp = "DBABMA~CPxBidA", .gppSectionIds = std::vector<std::int64_t>{2, 6}},
+       {R"("regs":{"gpp":"DBABMA~CPxBidA","gpp_sid":[2,6]})"},
+       {"user"}},
+      {{.usPrivacy = "1YNN"}, {R"("regs":{"us_privacy":"1YNN"})"}, {}},
+      {{.childDirected = true},
+       {R"("regs":{"coppa":1})", R"("ifa":"00000000-0000-0000-0000-000000000000")"},
+       {"lmt"}},
+      {{.childDirected = false}, {R"("regs":{"coppa":0})", R"("ifa":"IFA")"}, {}},
+      {{.limitAdTracking = true},
+       {R"("lmt":1)", R"("ifa":"00000000-0000-0000-0000-000000000000")"},
+       {"regs"}},
+      {{.limitAdTracking = false}, {R"("lmt":0)", R"("ifa":"IFA")"}, {"regs"}},
+      {{.tcfConsent = hostile, .usPrivacy = hostile}, {R"("consent":"\"q\" \\ \u0001\n<\/script>)"}, {}},
+  };
+  for (const Case& c : cases) {
+    BidRequest request = sampleRequest();
+    applyPrivacy(c.privacy, request);
+    const auto text = encodeBidRequestText(request);
+    ASSERT_TRUE(text);
+    SCOPED_TRACE(text->substr(0, 400));
+    for (const std::string& fragment : c.fragments) {
+      EXPECT_NE(text->find(fragment), std::string::npos) << fragment;
+    }
+    for (const std::string& key : c.absent) {
+      EXPECT_EQ(text->find("\"" + key + "\""), std::string::npos) << key;
+    }
+    const auto decoded = decodeBidRequestText(*text);
+    ASSERT_TRUE(decoded);
+    EXPECT_EQ(*decoded, request);
+  }
+  // A flag is the integer 0 or 1 and nothing else when read back.
+  for (const char* flag : {R"({"gdpr":true})", R"({"gdpr":2})", R"({"coppa":"1"})"}) {
+    std::string text = *encodeBidRequestText(sampleRequest());
+    text.insert(text.size() - 1, std::string(R"(,"regs":)") + flag);
+    EXPECT_FALSE(decodeBidRequestText(text)) << flag;
+  }
 }
 
 // Every key of the response is written back under the name it is read from.
