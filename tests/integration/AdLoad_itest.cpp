@@ -52,8 +52,9 @@ class AdLoadIntegrationTest : public ExchangeTest</*Port=*/18443, /*NeedsDisplay
 TEST_F(AdLoadIntegrationTest, InterstitialRequestAsReceivedByTheServer) {
   VembaSDK::shared().initialize(VembaConfiguration("key-123", false));
   // One call sets the host's consent signals; the server reads them at OpenRTB 2.6's places.
-  VembaSDK::shared().setPrivacy(
-      {.gdprApplies = true, .tcfConsent = "CPxLumen", .gppSectionIds = std::vector<std::int64_t>{2}});
+  VembaSDK::shared().setPrivacy({.gdprApplies = true,
+                                 .tcfConsent = "CPxLumen",
+                                 .gppSectionIds = std::vector<std::int64_t>{2}});
   auto ad = VembaInterstitialAd::create("unit-i");
   const RecordingDelegate::Call loaded = load(ad);
   EXPECT_EQ(loaded.name, "adDidLoad");

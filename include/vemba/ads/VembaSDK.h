@@ -1,11 +1,11 @@
 // The host's entry into the ad half: one process-wide instance holding the publisher's API key.
 #pragma once
 
-#include "vemba/ads/VembaPrivacy.h"
-
 #include <functional>
 #include <optional>
 #include <string>
+
+#include "vemba/ads/VembaPrivacy.h"
 
 namespace vemba {
 

@@ -54,7 +54,9 @@ TEST(BidRecordsTest, PrivacySignalsTakeOpenRtbsPlacesAndTypes) {
        {R"("lmt":1)", R"("ifa":"00000000-0000-0000-0000-000000000000")"},
        {"regs"}},
       {{.limitAdTracking = false}, {R"("lmt":0)", R"("ifa":"IFA")"}, {"regs"}},
-      {{.tcfConsent = hostile, .usPrivacy = hostile}, {R"("consent":"\"q\" \\ \u0001\n<\/script>)"}, {}},
+      {{.tcfConsent = hostile, .usPrivacy = hostile},
+       {R"("consent":"\"q\" \\ \u0001\n<\/script>)"},
+       {}},
   };
   for (const Case& c : cases) {
     BidRequest request = sampleRequest();
