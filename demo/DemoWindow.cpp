@@ -147,6 +147,13 @@ struct DemoWindow::Delegates final : VembaInterstitialAdDelegate,
   }
   void adDidDismiss(VembaInterstitialAd&) override { ads("interstitial", "adDidDismiss"); }
   void adDidClick(VembaInterstitialAd&) override { ads("interstitial", "adDidClick"); }
+  void adDidFailToShow(VembaInterstitialAd&, const Error& error) override {
+    ads("interstitial", "adDidFailToShow", error.description);
+  }
+  void adDidRecordImpression(VembaInterstitialAd&, const AdValue& value) override {
+    impression("interstitial", value);
+  }
+  void adDidExpire(VembaInterstitialAd&) override { ads("interstitial", "adDidExpire"); }
 
   void adDidLoad(VembaRewardedAd&) override { ads("rewarded", "adDidLoad"); }
   void adDidFailToLoad(VembaRewardedAd&, const Error& error) override {
@@ -155,6 +162,13 @@ struct DemoWindow::Delegates final : VembaInterstitialAdDelegate,
   void adDidShow(VembaRewardedAd&) override { ads("rewarded", "adDidShow"); }
   void adDidDismiss(VembaRewardedAd&) override { ads("rewarded", "adDidDismiss"); }
   void adDidClick(VembaRewardedAd&) override { ads("rewarded", "adDidClick"); }
+  void adDidFailToShow(VembaRewardedAd&, const Error& error) override {
+    ads("rewarded", "adDidFailToShow", error.description);
+  }
+  void adDidRecordImpression(VembaRewardedAd&, const AdValue& value) override {
+    impression("rewarded", value);
+  }
+  void adDidExpire(VembaRewardedAd&) override { ads("rewarded", "adDidExpire"); }
   void adDidEarnReward(VembaRewardedAd&, const VembaReward& reward) override {
     ++w.rewards_;
     const std::string total = "Rewards earned: " + std::to_string(w.rewards_);
@@ -189,6 +203,23 @@ struct DemoWindow::Delegates final : VembaInterstitialAdDelegate,
   void ads(const char* source, const char* name, const std::string& detail = {}) {
     w.updateButtons();
     w.event(source, name, detail);
+  }
+  // The impression's value in the event log, and the running total per currency in the panel.
+  void impression(const char* source, const AdValue& value) {
+    w.revenueMicros_[value.currencyCode] += value.valueMicros;
+    std::string total = "Revenue:";
+    for (const auto& [currency, micros] : w.revenueMicros_) {
+      total += " " + units(micros) + " " + currency;
+    }
+    gtk_label_set_text(GTK_LABEL(w.revenueLabel_), total.c_str());
+    ads(source, "adDidRecordImpression",
+        units(value.valueMicros) + " " + value.currencyCode + " (" + value.precision + ")");
+  }
+  // Micros as whole units with six decimals, the same in every locale.
+  static std::string units(std::int64_t micros) {
+    constexpr std::int64_t kPerUnit = 1'000'000;
+    const std::string fraction = std::to_string(kPerUnit + micros % kPerUnit).substr(1);
+    return std::to_string(micros / kPerUnit) + "." + fraction;
   }
   void dismissSoon(guint milliseconds) {
     g_timeout_add_once(
@@ -255,6 +286,10 @@ GtkWidget* DemoWindow::buildAdsPanel() {
   gtk_widget_add_css_class(rewardLabel_, "reward");
   gtk_label_set_xalign(GTK_LABEL(rewardLabel_), 0);
   gtk_box_append(GTK_BOX(box), rewardLabel_);
+  revenueLabel_ = gtk_label_new("Revenue: none yet");
+  gtk_widget_add_css_class(revenueLabel_, "reward");
+  gtk_label_set_xalign(GTK_LABEL(revenueLabel_), 0);
+  gtk_box_append(GTK_BOX(box), revenueLabel_);
   return box;
 }
 

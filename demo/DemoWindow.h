@@ -6,7 +6,9 @@
 
 #include <gtk/gtk.h>
 
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -102,6 +104,7 @@ class DemoWindow {
   GtkWidget* showInterstitialButton_ = nullptr;
   GtkWidget* showRewardedButton_ = nullptr;
   GtkWidget* rewardLabel_ = nullptr;
+  GtkWidget* revenueLabel_ = nullptr;
   GtkWidget* checkoutUrlEntry_ = nullptr;
   GtkWidget* confettiSwitch_ = nullptr;
   GtkWidget* preloadSwitch_ = nullptr;
@@ -113,6 +116,7 @@ class DemoWindow {
   GtkWidget* gppEntry_ = nullptr;
   GtkWidget* gppSectionsEntry_ = nullptr;
   int rewards_ = 0;
+  std::map<std::string, std::int64_t> revenueMicros_;  // per currency, over every impression
   std::shared_ptr<VembaInterstitialAd> interstitial_;
   std::shared_ptr<VembaRewardedAd> rewarded_;
   std::shared_ptr<Delegates> delegates_;

@@ -70,6 +70,8 @@ void ScriptedSession::addInterstitial() {
        "interstitial.adDidLoad", 0.3, "interstitial-ready"});
   steps_.push_back({"Show it full-screen", [this] { window_.showInterstitial(); },
                     "interstitial.adDidShow", 1.5, "interstitial-shown"});
+  steps_.push_back({"Its impression earns the bid's price as a CPM", nullptr,
+                    "interstitial.adDidRecordImpression", 0, ""});
   steps_.push_back({"The page reports a click", nullptr, "interstitial.adDidClick", 0, ""});
   steps_.push_back({"Its link is handed to the opener", nullptr, "app.opened", 0, ""});
   steps_.push_back({"The page closes the ad", nullptr, "interstitial.adDidDismiss", 0.5,

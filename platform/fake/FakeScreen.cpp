@@ -62,14 +62,14 @@ void FakeScreen::later(bool animated, std::function<void()> work) {
   }
 }
 
-void FakeScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
+bool FakeScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
                                std::function<void()> completion) {
   auto fakeChild = std::dynamic_pointer_cast<FakeScreen>(child);
   if (!fakeChild) {
     throw std::logic_error("a screen that the fake user interface did not make");
   }
   if (!stack_.canPresent(fakeChild->stack_)) {
-    return;  // as on a phone: nothing happens and the completion never runs
+    return false;  // as on a phone: nothing happens and the completion never runs
   }
   FakeScreen& shown = *fakeChild;
   auto finished = stack_.beginPresentation(std::move(fakeChild), shown.stack_,
@@ -78,6 +78,7 @@ void FakeScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool ani
   if (finished) {
     later(animated, std::move(finished));
   }
+  return true;
 }
 
 void FakeScreen::dismiss(bool animated, std::function<void()> completion) {

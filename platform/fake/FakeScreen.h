@@ -52,7 +52,7 @@ class FakeScreen final : public platform::Screen, public std::enable_shared_from
   void setModalPresentationStyle(platform::ModalPresentationStyle style) override {
     modalPresentationStyle = style;
   }
-  void presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
+  bool presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
                      std::function<void()> completion) override;
   void dismiss(bool animated, std::function<void()> completion) override;
   std::shared_ptr<platform::Screen> presentedScreen() const override { return stack_.presented(); }

@@ -63,6 +63,7 @@ class FakeWebView final : public FakeViewImpl<platform::WebView>,
   void setAllowsBackForwardNavigationGestures(bool allows) override {
     allowsBackForwardNavigationGestures = allows;
   }
+  void setMuted(bool isMuted) override { muted = isMuted; }
   void setUnderPageBackgroundColor(platform::Color color) override {
     underPageBackgroundColor = color;
   }
@@ -97,6 +98,7 @@ class FakeWebView final : public FakeViewImpl<platform::WebView>,
   bool contentInsetAdjustmentNever = false;
   bool allowsBackForwardNavigationGestures = false;
   std::optional<platform::Color> underPageBackgroundColor;
+  bool muted = false;
 
  private:
   template <typename Value>

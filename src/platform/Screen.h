@@ -96,8 +96,9 @@ class Screen {
   // Presents `child` modally over this screen in the child's presentation style. `completion`
   // (may be empty) runs once the presentation has finished (after the transition when animated).
   // A screen presents at most one child: when this one already presents another, or `child` is
-  // already presented, nothing happens and `completion` never runs (as on a phone).
-  virtual void presentScreen(std::shared_ptr<Screen> child, bool animated,
+  // already presented, nothing happens and `completion` never runs (as on a phone). False when
+  // the presentation was refused, for these or the platform's own reasons.
+  virtual bool presentScreen(std::shared_ptr<Screen> child, bool animated,
                              std::function<void()> completion) = 0;
   // Dismisses the screen this one presents, or, when it presents none, this screen itself;
   // everything presented above the dismissed screen goes with it. `completion` (may be empty)

@@ -151,6 +151,8 @@ class WebView : public View, public ScriptEvaluator {
   virtual void setAllowsBackForwardNavigationGestures(bool allows) = 0;
   // The colour shown beyond the page's edges when it is scrolled past them.
   virtual void setUnderPageBackgroundColor(Color color) = 0;
+  // While muted, the page plays no sound (media already playing included).
+  virtual void setMuted(bool muted) = 0;
 };
 
 }  // namespace vemba::platform

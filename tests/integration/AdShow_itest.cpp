@@ -35,15 +35,30 @@ class AdShowTest : public ExchangeTest<18443> {
     args.insert(args.end(), extra.begin(), extra.end());
     InspectorRun run = runInspector(VEMBA_INSPECT_BINARY, args, 60s, onLine);
     EXPECT_EQ(run.exitCode, 0) << run.errors.substr(0, 2000);
+    // Each show records its impression once, at the exchange's price of 1.5 read as a CPM.
+    const auto impressions = run.where("callback", "adDidRecordImpression");
+    EXPECT_EQ(impressions.size(), run.where("callback", "adDidShow").size());
+    for (const nlohmann::json& line : impressions) {
+      EXPECT_EQ(
+          line["value"],
+          (nlohmann::json{{"micros", 1500}, {"currency", "USD"}, {"precision", "estimated"}}));
+    }
     return run;
   }
   static nlohmann::json page(const std::string& path) { return {{"page", path}}; }
 };
 
+// A second show() right behind the first is refused (the bid is spent) and said so, before the
+// first completes; the first goes on as if alone.
 TEST_F(AdShowTest, RewardedPageCloseEarnsTheRewardBeforeTheDismissal) {
-  const InspectorRun run =
-      show("itest-rewarded", page("rewarded.html?seconds=1&autoClose=1"), {"--format", "rewarded"});
-  EXPECT_EQ(run.trace(), (Strings{"adDidLoad", "adDidShow", "adDidEarnReward", "adDidDismiss"}));
+  const InspectorRun run = show("itest-rewarded", page("rewarded.html?seconds=1&autoClose=1"),
+                                {"--format", "rewarded", "--show-twice", "--muted"});
+  EXPECT_EQ(run.trace(), (Strings{"adDidLoad", "adDidFailToShow", "adDidShow", "adDidEarnReward",
+                                  "adDidDismiss"}));
+  const auto refused = run.where("callback", "adDidFailToShow");
+  ASSERT_EQ(refused.size(), 1U);
+  EXPECT_EQ(refused[0]["error"]["domain"], "VembaShowError");
+  EXPECT_EQ(refused[0]["error"]["code"], 0);
   const auto reward = run.where("callback", "adDidEarnReward");
   ASSERT_EQ(reward.size(), 1U);
   EXPECT_EQ(reward[0]["reward"], (nlohmann::json{{"amount", 1}, {"type", "reward"}}));

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "AdOptions.h"
@@ -30,6 +31,8 @@ struct ShowOptions {
   std::optional<double> closeAfter;
   double timeout = kDefaultTimeoutSeconds;
   std::optional<std::string> screenshot;
+  bool showTwice = false;  // a second show() right after the first, from the same window
+  bool muted = false;
 };
 
 // One inspected ad: the host window, the ad, and what has been seen of its screens.
@@ -106,12 +109,18 @@ class ShowingDelegate final : public VembaInterstitialAdDelegate, public VembaRe
   void adDidShow(VembaInterstitialAd&) override { s_.didShow(); }
   void adDidDismiss(VembaInterstitialAd&) override { dismissed(); }
   void adDidClick(VembaInterstitialAd&) override { s_.print("adDidClick"); }
+  void adDidFailToShow(VembaInterstitialAd&, const Error& error) override { notShown(error); }
+  void adDidRecordImpression(VembaInterstitialAd&, const AdValue& value) override {
+    impression(value);
+  }
 
   void adDidLoad(VembaRewardedAd&) override { loaded(); }
   void adDidFailToLoad(VembaRewardedAd&, const Error& error) override { failed(error); }
   void adDidShow(VembaRewardedAd&) override { s_.didShow(); }
   void adDidDismiss(VembaRewardedAd&) override { dismissed(); }
   void adDidClick(VembaRewardedAd&) override { s_.print("adDidClick"); }
+  void adDidFailToShow(VembaRewardedAd&, const Error& error) override { notShown(error); }
+  void adDidRecordImpression(VembaRewardedAd&, const AdValue& value) override { impression(value); }
   void adDidEarnReward(VembaRewardedAd&, const VembaReward& reward) override {
     printLine(ShowSession::Line{
         {"callback", "adDidEarnReward"},
@@ -127,6 +136,18 @@ class ShowingDelegate final : public VembaInterstitialAdDelegate, public VembaRe
     printLine(ShowSession::Line{{"callback", "adDidFailToLoad"}, {"error", errorJson(error)}});
     s_.finish();
   }
+  void notShown(const Error& error) {
+    printLine(ShowSession::Line{{"callback", "adDidFailToShow"}, {"error", errorJson(error)}});
+    if (s_.adScreen() == nullptr) {
+      s_.finish();  // nothing is on screen that could still be dismissed
+    }
+  }
+  void impression(const AdValue& value) {
+    printLine(ShowSession::Line{{"callback", "adDidRecordImpression"},
+                                {"value", ShowSession::Line{{"micros", value.valueMicros},
+                                                            {"currency", value.currencyCode},
+                                                            {"precision", value.precision}}}});
+  }
   void dismissed() {
     s_.print("adDidDismiss");
     s_.finish();
@@ -136,11 +157,9 @@ class ShowingDelegate final : public VembaInterstitialAdDelegate, public VembaRe
 };
 
 std::optional<ShowOptions> readOptions(const Args& args) {
-  const std::optional<Options> options =
-      Options::parse(args,
-                     {"--ad-unit", "--format", "--api-key", "--bid-floor", "--close-after",
-                      "--timeout", "--screenshot"},
-                     {});
+  std::set<std::string> valued = adOptionNames();
+  valued.insert({"--api-key", "--close-after", "--timeout", "--screenshot"});
+  const std::optional<Options> options = Options::parse(args, valued, {"--show-twice", "--muted"});
   if (!options) {
     return std::nullopt;
   }
@@ -155,6 +174,8 @@ std::optional<ShowOptions> readOptions(const Args& args) {
   out.closeAfter = options->number("--close-after", ok);
   out.timeout = options->number("--timeout", ok).value_or(kDefaultTimeoutSeconds);
   out.screenshot = options->value("--screenshot");
+  out.showTwice = options->flag("--show-twice");
+  out.muted = options->flag("--muted");
   if (!timesFit(ok, out.timeout, {out.closeAfter.value_or(0)})) {
     return std::nullopt;
   }
@@ -171,6 +192,9 @@ void start(ShowSession& session, const std::shared_ptr<ShowingDelegate>& delegat
   session.show = [&session, weak = std::weak_ptr(ad)] {
     if (const auto alive = weak.lock()) {
       alive->show(session.host->screen());
+      if (session.options.showTwice) {
+        alive->show(session.host->screen());
+      }
     }
   };
   session.ad = ad;
@@ -197,6 +221,8 @@ int runShow(const Args& args) {
   if (session.options.apiKey) {
     VembaSDK::shared().initialize(VembaConfiguration(*session.options.apiKey, false));
   }
+  VembaSDK::shared().setPrivacy(session.options.ad.privacy);
+  VembaSDK::shared().setApplicationMuted(session.options.muted);
 
   auto delegate = std::make_shared<ShowingDelegate>(session);
   if (session.options.ad.format == Format::interstitial) {

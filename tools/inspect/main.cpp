@@ -18,7 +18,8 @@ constexpr Subcommand kSubcommands[] = {
      "[--api-key KEY | --no-initialize] [--timeout SECONDS] [PRIVACY]"},
     {"show", vemba::inspect::runShow,
      "show --ad-unit ID [--format interstitial|rewarded] [--api-key KEY] [--bid-floor F] "
-     "[--close-after SECONDS] [--timeout SECONDS] [--screenshot FILE]"},
+     "[--close-after SECONDS] [--timeout SECONDS] [--screenshot FILE] [--show-twice] [--muted] "
+     "[PRIVACY]"},
     {"request", vemba::inspect::runRequest,
      "request --ad-unit ID [--format interstitial|rewarded] [--bid-floor F] [PRIVACY]\n"
      "    PRIVACY: [--gdpr 0|1] [--tcf-consent S] [--gpp S] [--gpp-sid 2,6] [--us-privacy S]\n"

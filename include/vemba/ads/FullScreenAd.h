@@ -8,10 +8,12 @@
 // subclass and override.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
 #include "vemba/Error.h"
+#include "vemba/ads/VembaShowError.h"
 
 namespace vemba {
 
@@ -47,12 +49,14 @@ class FullScreenAd : public std::enable_shared_from_this<Self> {
   virtual void load();
 
   // Shows the loaded ad full-screen, presented (animated) from `from`, or, when it is null, from
-  // the top screen of the host's key window. Does nothing at all when the ad is not ready, has no
-  // page, or there is no screen to present from (then it stays ready); when `from` already
-  // presents another screen it logs an error line and stays ready too. Otherwise the ad stops
-  // being ready at once; adDidShow follows when the presentation has finished, then the billing
-  // pixel is fired. Closing the ad's screen dismisses it and then calls adDidDismiss; a close
-  // while a screen the ad opened (a checkout sheet) is over it dismisses only that screen.
+  // the top screen of the host's key window. Presents nothing when the ad is not ready (or has
+  // expired), has no page, or there is no screen to present from (then it stays ready); when
+  // `from` already presents another screen it logs an error line and stays ready too. Each of
+  // these tells the delegate adDidFailToShow, with its VembaShowErrorCode, on a later turn.
+  // Otherwise the ad stops being ready at once; adDidShow follows when the presentation has
+  // finished, then the billing pixel is fired and adDidRecordImpression follows. Closing the ad's
+  // screen dismisses it and then calls adDidDismiss; a close while a screen the ad opened (a
+  // checkout sheet) is over it dismisses only that screen.
   //
   // Whatever a delegate call throws is stopped inside the library and logged at error level:
   // nothing unwinds into the platform's callbacks.
@@ -68,6 +72,10 @@ class FullScreenAd : public std::enable_shared_from_this<Self> {
   friend struct ads::AdAccess;
   ads::BidExchange& bidExchange() const { return *exchange_; }
   void deliverBidOutcome(const ads::BidOutcome& outcome);
+  // Tells the delegate, on a later turn, that a show presented nothing, and why.
+  void failToShow(VembaShowErrorCode code);
+  // The loaded bid of `generation` was not shown within the configured lifetime.
+  void expire(std::uint64_t generation);
   // What the ad's screen reports: its close button or the page's "close", and the page's "click".
   // True when the close began the dismissal of the ad's own screen (false when it dismissed a
   // screen presented over the ad instead).
@@ -80,6 +88,9 @@ class FullScreenAd : public std::enable_shared_from_this<Self> {
   std::shared_ptr<ads::VembaWebViewControllerDelegate> screenListener_;
   // Held while the ad is ready, so a web view is readied for its screen (see AdWebViewPreparation).
   std::unique_ptr<ads::PreparedWebViewClaim> preparedWebView_;
+  // Counts the successful loads, so that a lifetime timer of an earlier one does nothing.
+  std::uint64_t loadGeneration_ = 0;
+  bool expired_ = false;  // the last loaded bid expired unshown
 };
 
 }  // namespace vemba

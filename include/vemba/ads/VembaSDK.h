@@ -16,6 +16,9 @@ struct VembaConfiguration {
       : apiKey(std::move(key)), isDebugMode(debugMode) {}
   std::string apiKey;
   bool isDebugMode;
+  // How long a loaded ad stays ready without being shown, in seconds; after that it expires
+  // (adDidExpire) and a show fails (VembaShowErrorCode::expired). 0, the default: for ever.
+  double adLifetimeSeconds = 0;
 };
 
 // Created lazily and thread-safely on first access, never destroyed. initialize() belongs on
@@ -37,6 +40,13 @@ class VembaSDK {
   // flight keeps the ones it was built with). Replaces the whole record; any thread.
   void setPrivacy(VembaPrivacy privacy);
   VembaPrivacy privacy() const;
+
+  // Whether ad pages play sound: while muted, none does, an ad already on screen included.
+  // Default false. Main thread only.
+  void setApplicationMuted(bool muted);
+  bool isApplicationMuted() const;
+  // The lifetime of the last initialize()'s configuration (0: ads never expire).
+  double adLifetimeSeconds() const;
 
   VembaSDK(const VembaSDK&) = delete;
   VembaSDK& operator=(const VembaSDK&) = delete;

@@ -488,18 +488,18 @@ void GtkScreen::tearDownPresentation() {
   backdrop_ = nullptr;
 }
 
-void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
+bool GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
                               std::function<void()> completion) {
   auto gtkChild = std::dynamic_pointer_cast<GtkScreen>(child);
   if (!gtkChild || gtkChild->isWindowRoot_ || !stack_.canPresent(gtkChild->stack_)) {
-    return;  // as on a phone: nothing happens and the completion never runs
+    return false;  // as on a phone: nothing happens and the completion never runs
   }
   GtkWindow* target = window();
   if (target == nullptr) {
     if (platform::LogSink* sink = platform::services().log) {
       sink->write(platform::LogSeverity::error, "vemba", "ui", kNoWindowLine);
     }
-    return;
+    return false;
   }
   GtkWidget* overlay = windowOverlay(target);
   auto childDelegate = gtkChild->delegate_.lock();
@@ -518,7 +518,7 @@ void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool anim
     if (finished) {
       postToMainLoop(std::move(finished));
     }
-    return;
+    return true;
   }
   // A sheet's panel is there at once and only its backdrop fades in: fading the panel would draw
   // the page (still loading) through an offscreen layer at every frame of the transition, which
@@ -534,6 +534,7 @@ void GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool anim
           finished();
         }
       });
+  return true;
 }
 
 void GtkScreen::dismiss(bool animated, std::function<void()> completion) {

@@ -68,7 +68,7 @@ class GtkScreen final : public platform::Screen, public std::enable_shared_from_
   std::string title() const override { return title_; }
   void setRightBarButtonItem(std::optional<platform::BarButtonItem> item) override;
   void setModalPresentationStyle(platform::ModalPresentationStyle style) override;
-  void presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
+  bool presentScreen(std::shared_ptr<platform::Screen> child, bool animated,
                      std::function<void()> completion) override;
   void dismiss(bool animated, std::function<void()> completion) override;
   std::shared_ptr<platform::Screen> presentedScreen() const override { return stack_.presented(); }

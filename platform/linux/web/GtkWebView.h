@@ -50,6 +50,7 @@ class GtkWebView final : public GtkViewBase<platform::WebView> {
   // WebKitGTK does not scroll past the page's edges (no rubber-band overscroll), so there is no
   // area beyond them to colour.
   void setUnderPageBackgroundColor(platform::Color /*color*/) override {}
+  void setMuted(bool muted) override { driver_->setMuted(muted); }
   void evaluateJavaScript(std::string_view script) override { driver_->evaluateJavaScript(script); }
 
   // The widget's background, and WebKit's own where the page draws nothing (see

@@ -65,6 +65,7 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
   void evaluateJavaScript(std::string_view script);
   void setScrollEnabled(bool enabled) { scrollEnabled_ = enabled; }
   void setAllowsBackForwardNavigationGestures(bool allows);
+  void setMuted(bool muted) { webkit_web_view_set_is_muted(view_, muted ? TRUE : FALSE); }
   // The colour drawn where the page draws nothing.
   // What WebKit draws where the page draws nothing: the view's `color` until the view's first
   // page commits, then the page's canvas: white for an `opaque` view, `color` otherwise.

@@ -33,6 +33,11 @@ constexpr const char* kApiKeyHeader = "X-API-Key";
 constexpr const char* kBidIdQuery = "?bidid=";
 constexpr const char* kWinQuery = "&win=1";
 constexpr std::chrono::seconds kBidRequestTimeout{60};
+constexpr double kMicrosPerCpmUnit = 1000.0;
+constexpr const char* kDefaultCurrency = "USD";
+constexpr const char* kEstimatedPrecision = "estimated";
+constexpr const char* kUncountablePrice =
+    "no impression value: the bid's price is not a count of micros: ";
 
 void log(std::string_view prefix, std::string_view value) {
   std::string message(prefix);
@@ -67,6 +72,25 @@ std::optional<Url> BidExchange::admURL() const {
 std::optional<Url> BidExchange::billingURL() const {
   const std::lock_guard lock(mutex_);
   return billingURL_;
+}
+
+Expected<AdValue, std::string> BidExchange::impressionValue() const {
+  double price = 0;
+  std::optional<std::string> currency;
+  {
+    const std::lock_guard lock(mutex_);
+    price = price_;
+    currency = currency_;
+  }
+  // A CPM: one impression earns a thousandth of the price, price × 1000 micros.
+  const double micros = std::round(price * kMicrosPerCpmUnit);
+  // 2^63 is the first double that does not fit; every smaller one does.
+  constexpr double kFirstTooLarge = 9223372036854775808.0;
+  if (!std::isfinite(price) || price < 0 || micros >= kFirstTooLarge) {
+    return Unexpected{std::string(kUncountablePrice) + std::to_string(price)};
+  }
+  return AdValue{static_cast<std::int64_t>(micros), currency.value_or(kDefaultCurrency),
+                 kEstimatedPrecision};
 }
 
 void BidExchange::logLoad() const {
@@ -158,6 +182,8 @@ BidOutcome BidExchange::handleBidResponse(const BidResponse& response) {
   const std::lock_guard lock(mutex_);
   bidId_ = response.bidid;
   admURL_ = std::move(adm);
+  price_ = bid->price;
+  currency_ = response.cur;
   std::optional<Url> burl = bid->burl ? Url::parse(*bid->burl) : std::nullopt;
   if (burl) {
     billingURL_ = std::move(burl);

@@ -23,11 +23,13 @@
 
 #include "ads/bidding/AdAccess.h"
 #include "ads/bidding/BidRecords.h"
+#include "common/Expected.h"
 #include "platform/HttpClient.h"
 #include "platform/MainQueue.h"
 #include "platform/Services.h"
 #include "vemba/Error.h"
 #include "vemba/Url.h"
+#include "vemba/ads/AdValue.h"
 
 namespace vemba::ads {
 
@@ -63,6 +65,9 @@ class BidExchange {
   std::optional<std::string> bidId() const;
   std::optional<Url> admURL() const;
   std::optional<Url> billingURL() const;
+  // What one impression of the stored bid earns; absent, with the reason, when its price cannot
+  // be counted in micros (negative, not finite, or too large).
+  Expected<AdValue, std::string> impressionValue() const;
 
   // Main thread. Logs the load line, takes the user agent from the cache and, unless the ad is
   // gone by then, performs the bid request. `Ad` is the ad class that owns this exchange, and is
@@ -111,6 +116,8 @@ class BidExchange {
   std::optional<std::string> bidId_;
   std::optional<Url> admURL_;
   std::optional<Url> billingURL_;
+  double price_ = 0;
+  std::optional<std::string> currency_;
 };
 
 // The user agent comes from the process-wide cache; declared here so the template below does not

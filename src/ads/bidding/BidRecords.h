@@ -89,6 +89,7 @@ struct BidResponse {
   std::string id;
   std::optional<std::string> bidid;
   std::optional<std::vector<SeatBid>> seatbid;
+  std::optional<std::string> cur{};  // the currency of the prices
   friend bool operator==(const BidResponse&, const BidResponse&) = default;
 };
 

@@ -95,7 +95,7 @@ constexpr auto jsonFields(json::Tag<SeatBid> /*record*/) {
 
 constexpr auto jsonFields(json::Tag<BidResponse> /*record*/) {
   return fields(field("id", &BidResponse::id), field("bidid", &BidResponse::bidid),
-                field("seatbid", &BidResponse::seatbid));
+                field("seatbid", &BidResponse::seatbid), field("cur", &BidResponse::cur));
 }
 
 Json encode(const BidRequest& value) {

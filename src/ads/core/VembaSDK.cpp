@@ -6,6 +6,7 @@
 #include "ads/core/VembaLogger.h"
 #include "ads/core/VembaSDKForTesting.h"
 #include "ads/formats/AdWebViewPreparation.h"
+#include "ads/formats/VembaWebViewController.h"
 
 namespace vemba {
 namespace {
@@ -16,6 +17,8 @@ struct ApiKeyStore {
   std::mutex mutex;
   std::optional<std::string> apiKey;
   VembaPrivacy privacy;
+  double adLifetimeSeconds = 0;
+  bool muted = false;
 };
 
 ApiKeyStore& apiKeyStore() {
@@ -48,12 +51,34 @@ VembaPrivacy VembaSDK::privacy() const {
   return store.privacy;
 }
 
+void VembaSDK::setApplicationMuted(bool muted) {
+  {
+    ApiKeyStore& store = apiKeyStore();
+    const std::lock_guard lock(store.mutex);
+    store.muted = muted;
+  }
+  ads::VembaWebViewController::applicationMutedDidChange(muted);
+}
+
+bool VembaSDK::isApplicationMuted() const {
+  ApiKeyStore& store = apiKeyStore();
+  const std::lock_guard lock(store.mutex);
+  return store.muted;
+}
+
+double VembaSDK::adLifetimeSeconds() const {
+  ApiKeyStore& store = apiKeyStore();
+  const std::lock_guard lock(store.mutex);
+  return store.adLifetimeSeconds;
+}
+
 void VembaSDK::initialize(const VembaConfiguration& configuration,
                           const std::function<void(bool)>& completion) {
   {
     ApiKeyStore& store = apiKeyStore();
     const std::lock_guard lock(store.mutex);
     store.apiKey = configuration.apiKey;
+    store.adLifetimeSeconds = configuration.adLifetimeSeconds;
   }
   VembaLogger::log(std::string(log_message::kInitializing) + configuration.apiKey);
   // The callback owns its copy of the completion: it captures nothing of this frame.
@@ -72,6 +97,8 @@ void resetVembaSdkForTesting() {
   const std::lock_guard lock(store.mutex);
   store.apiKey.reset();
   store.privacy = {};
+  store.adLifetimeSeconds = 0;
+  store.muted = false;
   AdWebViewPreparation::resetForTesting();
 }
 

@@ -11,11 +11,13 @@
 #include "ads/formats/VembaWebViewController.h"
 #include "common/HostCall.h"
 #include "platform/LogSink.h"
+#include "platform/MainQueue.h"
 #include "platform/Screen.h"
 #include "platform/Services.h"
 #include "vemba/ads/VembaInterstitialAd.h"
 #include "vemba/ads/VembaReward.h"
 #include "vemba/ads/VembaRewardedAd.h"
+#include "vemba/ads/VembaSDK.h"
 
 namespace vemba {
 namespace {
@@ -96,6 +98,19 @@ void FullScreenAd<Self, Delegate>::deliverBidOutcome(const ads::BidOutcome& outc
   } else {
     preparedWebView_.reset();
   }
+  expired_ = false;
+  const std::uint64_t generation = ++loadGeneration_;
+  const double lifetime = VembaSDK::shared().adLifetimeSeconds();
+  if (outcome.loaded() && lifetime > 0) {
+    platform::services().mainQueue->postAfter(
+        std::chrono::duration_cast<std::chrono::milliseconds>(
+            std::chrono::duration<double>(lifetime)),
+        [weakAd = this->weak_from_this(), generation] {
+          if (const std::shared_ptr<Self> ad = weakAd.lock()) {
+            ad->expire(generation);
+          }
+        });
+  }
   // Asked at delivery time: the delegate may have changed while the request was in flight.
   const std::shared_ptr<Delegate> listener = delegate();
   if (!listener) {
@@ -110,31 +125,60 @@ void FullScreenAd<Self, Delegate>::deliverBidOutcome(const ads::BidOutcome& outc
 }
 
 template <typename Self, typename Delegate>
+void FullScreenAd<Self, Delegate>::expire(std::uint64_t generation) {
+  // A later load, or a show, has taken this bid's place.
+  if (generation != loadGeneration_ || !exchange_->isReady()) {
+    return;
+  }
+  exchange_->spend();
+  expired_ = true;
+  preparedWebView_.reset();
+  if (const std::shared_ptr<Delegate> listener = delegate()) {
+    tellHost("adDidExpire", [&] { listener->adDidExpire(static_cast<Self&>(*this)); });
+  }
+}
+
+template <typename Self, typename Delegate>
+void FullScreenAd<Self, Delegate>::failToShow(VembaShowErrorCode code) {
+  // On a later turn, so a host that shows again from its callback is not inside its own show();
+  // held until then, so the call is not lost with the host's last reference.
+  std::shared_ptr<Self> held = this->weak_from_this().lock();
+  if (!held) {
+    return;  // an ad no shared_ptr owns has nobody to tell
+  }
+  platform::services().mainQueue->post([ad = std::move(held), code] {
+    if (const std::shared_ptr<Delegate> listener = ad->delegate()) {
+      tellHost("adDidFailToShow", [&] { listener->adDidFailToShow(*ad, showError(code)); });
+    }
+  });
+}
+
+template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::show(std::shared_ptr<platform::Screen> from) {
-  // The three silent refusals: no callback, and the ad stays as it is.
+  // The refusals: the ad stays as it is, and the delegate hears why.
   if (!isReady()) {
+    failToShow(expired_ ? VembaShowErrorCode::expired : VembaShowErrorCode::notReady);
     return;
   }
   const std::optional<Url> page = exchange_->admURL();
   if (!page) {
+    failToShow(VembaShowErrorCode::noPage);
     return;
   }
   if (!from) {
     from = ads::UIUtils::getTopViewController();
   }
-  if (!from) {
-    return;
-  }
   // A screen presents one screen at a time: the presentation would be refused, so the bid is
   // kept for a show from the top screen.
-  if (from->presentedScreen()) {
+  if (from && from->presentedScreen()) {
     logError(std::string(kAlreadyPresentingLine));
-    return;
+    from.reset();
   }
   const std::shared_ptr<ads::VembaWebViewController> controller =
-      ads::VembaWebViewController::create();
+      from ? ads::VembaWebViewController::create() : nullptr;
   if (!controller) {
-    return;  // a screen to present from but no user interface to draw with: not reachable
+    failToShow(VembaShowErrorCode::noScreen);
+    return;
   }
   // Spent before presenting, so a second show cannot present the same bid twice.
   exchange_->spend();
@@ -145,17 +189,30 @@ void FullScreenAd<Self, Delegate>::show(std::shared_ptr<platform::Screen> from) 
   controller->holdPreparedWebView(std::move(preparedWebView_));
   controller->screen()->setModalPresentationStyle(platform::ModalPresentationStyle::fullScreen);
   controller->load(*page);  // parked until the screen's view loads
-  from->presentScreen(controller->screen(), /*animated=*/true, [weakAd = this->weak_from_this()] {
-    const std::shared_ptr<Self> ad = weakAd.lock();
-    if (!ad) {
-      return;
-    }
-    if (const std::shared_ptr<Delegate> listener = ad->delegate()) {
-      tellHost("adDidShow", [&] { listener->adDidShow(*ad); });
-    }
-    // Billed only once the ad is on screen, with or without a delegate.
-    ads::AdAccess::exchange(*ad).fireBillingPixel();
-  });
+  const bool presenting = from->presentScreen(
+      controller->screen(), /*animated=*/true, [weakAd = this->weak_from_this()] {
+        const std::shared_ptr<Self> ad = weakAd.lock();
+        if (!ad) {
+          return;
+        }
+        if (const std::shared_ptr<Delegate> listener = ad->delegate()) {
+          tellHost("adDidShow", [&] { listener->adDidShow(*ad); });
+        }
+        // Billed only once the ad is on screen, with or without a delegate; the impression is
+        // recorded with the bill.
+        const ads::BidExchange& exchange = ads::AdAccess::exchange(*ad);
+        exchange.fireBillingPixel();
+        const Expected<AdValue, std::string> value = exchange.impressionValue();
+        if (!value) {
+          logError(value.error());
+        } else if (const std::shared_ptr<Delegate> listener = ad->delegate()) {
+          tellHost("adDidRecordImpression",
+                   [&] { listener->adDidRecordImpression(*ad, value.value()); });
+        }
+      });
+  if (!presenting) {
+    failToShow(VembaShowErrorCode::noScreen);  // the platform refused; the bid is spent
+  }
 }
 
 template <typename Self, typename Delegate>

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "ads/core/VembaLogger.h"
 #include "ads/formats/AdWebViewPreparation.h"
@@ -14,6 +15,7 @@
 #include "platform/Services.h"
 #include "platform/Ui.h"
 #include "platform/UrlErrorCode.h"
+#include "vemba/ads/VembaSDK.h"
 #include "vemba/checkout/Checkout.h"
 
 namespace vemba::ads {
@@ -62,6 +64,13 @@ void log(std::string_view prefix, std::string_view value) {
   VembaLogger::log(message);
 }
 
+// The controllers alive, so that a change of the application's muting reaches their pages. Main
+// thread only; never destroyed.
+std::vector<std::weak_ptr<VembaWebViewController>>& liveControllers() {
+  static auto* const controllers = new std::vector<std::weak_ptr<VembaWebViewController>>();
+  return *controllers;
+}
+
 }  // namespace
 
 std::shared_ptr<VembaWebViewController> VembaWebViewController::create() {
@@ -71,7 +80,17 @@ std::shared_ptr<VembaWebViewController> VembaWebViewController::create() {
   }
   auto controller = std::make_shared<VembaWebViewController>(ui->createScreen());
   controller->screen_->setDelegate(controller);
+  std::erase_if(liveControllers(), [](const auto& weak) { return weak.expired(); });
+  liveControllers().push_back(controller);
   return controller;
+}
+
+void VembaWebViewController::applicationMutedDidChange(bool muted) {
+  for (const std::weak_ptr<VembaWebViewController>& weak : liveControllers()) {
+    if (const auto controller = weak.lock(); controller && controller->webView_) {
+      controller->webView_->setMuted(muted);
+    }
+  }
 }
 
 VembaWebViewController::VembaWebViewController(std::shared_ptr<platform::Screen> screen)
@@ -110,6 +129,7 @@ void VembaWebViewController::setupWebView() {
   webView_->setBackgroundColor(kBlack);
   webView_->setNavigationDelegate(weak_from_this());
   webView_->setAllowsBackForwardNavigationGestures(true);
+  webView_->setMuted(VembaSDK::shared().isApplicationMuted());
   view.addSubview(webView_);
 }
 

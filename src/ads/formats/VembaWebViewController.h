@@ -49,6 +49,8 @@ class VembaWebViewController final : public platform::ScreenDelegate,
   // A controller with its screen (view not loaded yet); null when the platform has no user
   // interface.
   static std::shared_ptr<VembaWebViewController> create();
+  // The host muted or unmuted its application: every ad page alive follows.
+  static void applicationMutedDidChange(bool muted);
 
   std::shared_ptr<VembaWebViewControllerDelegate> delegate() const { return delegate_.lock(); }
   void setDelegate(std::weak_ptr<VembaWebViewControllerDelegate> delegate) {

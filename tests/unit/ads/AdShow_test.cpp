@@ -86,20 +86,29 @@ class AdShowTest : public AdTest {
 using Formats = ::testing::Types<VembaInterstitialAd, VembaRewardedAd>;
 TYPED_TEST_SUITE(AdShowTest, Formats);
 
-TYPED_TEST(AdShowTest, RefusesSilentlyWhenNotReadyOrWithNothingToPresentFrom) {
-  this->ad->show(this->host);  // before any load
-  EXPECT_EQ(this->host->presentedScreen(), nullptr);
+// Each show that presents nothing tells the delegate once, on a later turn, with its code; the
+// ad stays as it was.
+TYPED_TEST(AdShowTest, AShowThatPresentsNothingSaysWhy) {
+  const auto failsWith = [this](VembaShowErrorCode code,
+                                const std::shared_ptr<platform::Screen>& from, bool staysReady) {
+    SCOPED_TRACE(static_cast<int>(code));
+    this->delegate->optionalCalls.clear();
+    const std::size_t views = this->platform.ui.webViews.size();
+    this->ad->show(from);
+    EXPECT_TRUE(this->delegate->optionalCalls.empty()) << "never inside show()";
+    this->drain();
+    EXPECT_EQ(this->delegate->optionalCalls,
+              std::vector<std::string>{"failToShow:" + std::to_string(static_cast<int>(code))});
+    EXPECT_EQ(this->ad->isReady(), staysReady);
+    EXPECT_EQ(this->platform.ui.webViews.size(), views);
+  };
+  failsWith(VembaShowErrorCode::notReady, this->host, false);  // before any load
 
   this->load();
-  this->ad->show(nullptr);  // no key window to find a screen in
-  EXPECT_TRUE(this->ad->isReady());
-  EXPECT_TRUE(this->platform.ui.webViews.empty());
-
+  failsWith(VembaShowErrorCode::noScreen, nullptr, true);  // no key window to find a screen in
   // A screen that already presents another would refuse: the bid is kept, with an error line.
   this->host->presentScreen(this->platform.ui.createScreen(), false, {});
-  this->ad->show(this->host);
-  EXPECT_TRUE(this->ad->isReady());
-  EXPECT_TRUE(this->platform.ui.webViews.empty());
+  failsWith(VembaShowErrorCode::noScreen, this->host, true);
   ASSERT_EQ(this->platform.log.lines.size(), 1U);
   EXPECT_EQ(this->platform.log.lines[0].severity, platform::LogSeverity::error);
   this->host->dismiss(false, {});
@@ -109,24 +118,62 @@ TYPED_TEST(AdShowTest, RefusesSilentlyWhenNotReadyOrWithNothingToPresentFrom) {
   this->ad->load();
   this->platform.http.respondLast(500, std::nullopt);
   this->drain();
-  this->ad->show(this->host);
-  EXPECT_EQ(this->host->presentedScreen(), nullptr);
+  failsWith(VembaShowErrorCode::notReady, this->host, false);
   EXPECT_EQ(this->delegate->names(), std::vector<std::string>{"adDidFailToLoad"});
+
+  // Shown once: the second show finds the bid spent.
+  this->loadAndShow();
+  failsWith(VembaShowErrorCode::notReady, this->platform.ui.createScreen(), false);
 }
 
-TYPED_TEST(AdShowTest, PresentsFullScreenThenShowsThenBills) {
+// With a lifetime, a loaded ad unshown for that long expires once; a show just before it does not.
+TYPED_TEST(AdShowTest, ALoadedAdExpiresAfterItsLifetimeUnshown) {
+  VembaSDK::shared().initialize([] {
+    VembaConfiguration configuration("key", false);
+    configuration.adLifetimeSeconds = 60;
+    return configuration;
+  }());
+  this->load();
+  this->advance(59'999ms);
+  this->ad->show(this->host);
+  this->advance(fake::kTransitionDuration + 1s);
+  EXPECT_EQ(this->delegate->names(), std::vector<std::string>{"adDidShow"});
+
+  this->load();
+  this->advance(30s);
+  this->load();  // the first load's timer must not expire the second's bid early
+  this->advance(59'999ms);
+  EXPECT_TRUE(this->ad->isReady());
+  this->advance(1ms);
+  EXPECT_FALSE(this->ad->isReady());
+  this->advance(120s);
+  EXPECT_EQ(this->delegate->optionalCalls,
+            (std::vector<std::string>{"impression:1500:USD:estimated", "expire"}));
+  this->delegate->optionalCalls.clear();
+  this->ad->show(this->host);
+  this->drain();
+  EXPECT_EQ(this->delegate->optionalCalls, std::vector<std::string>{"failToShow:3"});
+}
+
+TYPED_TEST(AdShowTest, PresentsFullScreenThenShowsThenBillsAndRecordsTheImpression) {
+  VembaSDK::shared().setApplicationMuted(true);
   this->load();
   this->ad->show(this->host);
   EXPECT_FALSE(this->ad->isReady());  // spent before the presentation
   fake::FakeWebView& webView = this->adWebView();
   ASSERT_EQ(webView.loads.size(), 1U);
   EXPECT_EQ(webView.loads[0].url.absoluteString(), kPage);
+  EXPECT_TRUE(webView.muted);
   EXPECT_TRUE(this->delegate->calls.empty());
   EXPECT_EQ(this->billingHits(), 0U);
 
   this->advance(fake::kTransitionDuration);
   EXPECT_EQ(this->delegate->names(), std::vector<std::string>{"adDidShow"});
   EXPECT_EQ(this->billingHits(), 1U);
+  EXPECT_EQ(this->delegate->optionalCalls,
+            std::vector<std::string>{"impression:1500:USD:estimated"});
+  VembaSDK::shared().setApplicationMuted(false);  // the page on screen follows
+  EXPECT_FALSE(webView.muted);
 
   this->ad->show(this->host);  // the bid is spent
   EXPECT_EQ(this->platform.ui.webViews.size(), 1U);

@@ -82,6 +82,39 @@ TEST_F(BidExchangeTest, RequestShapeAndHeaders) {
   EXPECT_EQ(after->device.ifa, "00000000-0000-0000-0000-000000000000");
 }
 
+// One impression earns the price read as a CPM, in micros of the response's currency; a price
+// that micros cannot count earns no value at all.
+TEST_F(BidExchangeTest, AnImpressionEarnsThePriceAsACpmInMicrosOfTheResponsesCurrency) {
+  struct Case {
+    double price;
+    std::optional<std::string> cur;
+    std::optional<AdValue> value;
+  };
+  const double infinity = std::numeric_limits<double>::infinity();
+  const Case cases[] = {
+      {1.5, std::nullopt, AdValue{1500, "USD", "estimated"}},
+      {2.25, "EUR", AdValue{2250, "EUR", "estimated"}},
+      {0.0004, "JPY", AdValue{0, "JPY", "estimated"}},
+      {0.0005, std::nullopt, AdValue{1, "USD", "estimated"}},  // to the nearest micro
+      {0.0, std::nullopt, AdValue{0, "USD", "estimated"}},
+      {9.2e15, std::nullopt, AdValue{9'200'000'000'000'000'000, "USD", "estimated"}},
+      {9.3e15, std::nullopt, std::nullopt},  // more micros than a signed 64-bit count holds
+      {-0.01, std::nullopt, std::nullopt},
+      {infinity, std::nullopt, std::nullopt},
+  };
+  for (const Case& c : cases) {
+    ads::BidExchange exchange(ads::AdFormat{ads::AdFormat::Kind::interstitial, ""}, "unit-1");
+    ads::Bid bid{"b", "1", c.price, "https://127.0.0.1/p", std::nullopt, std::nullopt};
+    ASSERT_TRUE(
+        exchange.handleBidResponse({"r", std::nullopt, {{ads::SeatBid{{bid}}}}, c.cur}).loaded());
+    const auto value = exchange.impressionValue();
+    EXPECT_EQ(value.hasValue(), c.value.has_value()) << c.price;
+    if (value && c.value) {
+      EXPECT_EQ(value.value(), *c.value) << c.price;
+    }
+  }
+}
+
 TEST_F(BidExchangeTest, BidFloorIsSentOnlyWhenStrictlyPositive) {
   const double floors[] = {0.0, -1.0, std::numeric_limits<double>::quiet_NaN(), 1e-9};
   for (const double floor : floors) {

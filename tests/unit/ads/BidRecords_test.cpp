@@ -112,6 +112,7 @@ TEST(BidRecordsTest, ResponseDecoding) {
       {"seat without bid", R"({"id":"r","seatbid":[{}]})", false, "seatbid[0].bid"},
       {"bid without price", R"({"id":"r","seatbid":[{"bid":[{"impid":"1"}]}]})", false,
        "seatbid[0].bid[0].price"},
+      {"cur as number", R"({"id":"r","cur":840})", false, "cur"},
       {"adm as number", R"({"id":"r","seatbid":[{"bid":[{"impid":"1","price":1,"adm":3}]}]})",
        false, "seatbid[0].bid[0].adm"},
       {"top-level array", R"([])", false, ""},

@@ -22,6 +22,9 @@ class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaReward
     std::thread::id thread = std::this_thread::get_id();
   };
   std::vector<Call> calls;
+  // The optional callbacks, kept apart so that the required ones read as they always did:
+  // "failToShow:<code>", "impression:<micros>:<currency>:<precision>", "expire".
+  std::vector<std::string> optionalCalls;
   std::function<void()> afterLoadOutcome;  // run after adDidLoad and adDidFailToLoad are recorded
   bool throws = false;                     // every call throws once it is recorded
 
@@ -48,6 +51,18 @@ class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaReward
   void adDidShow(VembaRewardedAd& ad) override { record("adDidShow", ad.isReady()); }
   void adDidDismiss(VembaRewardedAd& ad) override { record("adDidDismiss", ad.isReady()); }
   void adDidClick(VembaRewardedAd& ad) override { record("adDidClick", ad.isReady()); }
+  void adDidFailToShow(VembaInterstitialAd& /*ad*/, const Error& error) override {
+    failToShow(error);
+  }
+  void adDidRecordImpression(VembaInterstitialAd& /*ad*/, const AdValue& value) override {
+    impression(value);
+  }
+  void adDidExpire(VembaInterstitialAd& /*ad*/) override { optionalCalls.emplace_back("expire"); }
+  void adDidFailToShow(VembaRewardedAd& /*ad*/, const Error& error) override { failToShow(error); }
+  void adDidRecordImpression(VembaRewardedAd& /*ad*/, const AdValue& value) override {
+    impression(value);
+  }
+  void adDidExpire(VembaRewardedAd& /*ad*/) override { optionalCalls.emplace_back("expire"); }
   // Recorded with the reward's values: "adDidEarnReward(1,reward)".
   void adDidEarnReward(VembaRewardedAd& ad, const VembaReward& reward) override {
     record("adDidEarnReward(" + std::to_string(reward.amount()) + "," + reward.type() + ")",
@@ -55,6 +70,15 @@ class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaReward
   }
 
  private:
+  void failToShow(const Error& error) {
+    optionalCalls.push_back(error.domain == kVembaShowErrorDomain
+                                ? "failToShow:" + std::to_string(error.code)
+                                : "failToShow:" + error.domain);
+  }
+  void impression(const AdValue& value) {
+    optionalCalls.push_back("impression:" + std::to_string(value.valueMicros) + ":" +
+                            value.currencyCode + ":" + value.precision);
+  }
   void record(std::string name, bool ready, Error error = {}) {
     calls.push_back(Call{name, ready, std::move(error)});
     if (throws) {

@@ -28,8 +28,10 @@ class StackScreen final : public Screen {
   std::string title() const override { return name; }
   void setRightBarButtonItem(std::optional<BarButtonItem> /*item*/) override {}
   void setModalPresentationStyle(ModalPresentationStyle /*style*/) override {}
-  void presentScreen(std::shared_ptr<Screen> /*child*/, bool /*animated*/,
-                     std::function<void()> /*completion*/) override {}
+  bool presentScreen(std::shared_ptr<Screen> /*child*/, bool /*animated*/,
+                     std::function<void()> /*completion*/) override {
+    return false;
+  }
   void dismiss(bool /*animated*/, std::function<void()> /*completion*/) override {}
   std::shared_ptr<Screen> presentedScreen() const override { return node.presented(); }
   Screen* presentingScreen() const override { return node.presenting(); }
