@@ -429,7 +429,7 @@ GtkWidget* DemoWindow::buildCheckoutPanel() {
 }
 
 std::shared_ptr<platform::Screen> DemoWindow::screen() const {
-  return screenForWindow(window_);
+  return platform::Screen::of(screenForWindow(window_));
 }
 
 std::string DemoWindow::adUnit() const {

@@ -48,13 +48,13 @@ void preload(const Url& checkout) {
 }
 
 std::shared_ptr<CheckoutViewController> present(const Url& checkout,
-                                                std::shared_ptr<platform::Screen> from,
+                                                std::shared_ptr<ScreenHandle> from,
                                                 std::weak_ptr<CheckoutDelegate> delegate) {
   return present(checkout, std::move(from), std::nullopt, std::move(delegate));
 }
 
 std::shared_ptr<CheckoutViewController> present(const Url& checkout,
-                                                std::shared_ptr<platform::Screen> from,
+                                                std::shared_ptr<ScreenHandle> from,
                                                 std::optional<MetaData::EntryPoint> entryPoint,
                                                 std::weak_ptr<CheckoutDelegate> delegate) {
   return detail::presentCheckout(checkout, std::move(from), [&](platform::Ui& ui) {
@@ -63,20 +63,21 @@ std::shared_ptr<CheckoutViewController> present(const Url& checkout,
 }
 
 std::shared_ptr<CheckoutViewController> detail::presentCheckout(
-    const Url& checkout, std::shared_ptr<platform::Screen> from,
+    const Url& checkout, std::shared_ptr<ScreenHandle> from,
     const std::function<std::shared_ptr<CheckoutViewController>(platform::Ui&)>& make) {
   platform::Ui* ui = platform::ui();
   if (ui == nullptr) {
     OSLogger::shared().error(std::string(kNoDisplay) + checkout.absoluteString());
     return nullptr;
   }
-  if (!from) {
+  const std::shared_ptr<platform::Screen> presenter = platform::Screen::of(from);
+  if (!presenter) {
     OSLogger::shared().error(std::string(kNoPresenter) + checkout.absoluteString());
     return nullptr;
   }
   std::shared_ptr<CheckoutViewController> controller = make(*ui);
   if (controller) {
-    from->presentScreen(controller->screen(), /*animated=*/true, {});
+    presenter->presentScreen(platform::Screen::of(controller->screen()), /*animated=*/true, {});
   }
   return controller;
 }

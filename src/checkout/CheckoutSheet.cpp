@@ -87,7 +87,7 @@ std::shared_ptr<CheckoutViewController> CheckoutSheet::viewController() const {
 }
 
 std::shared_ptr<CheckoutViewController> CheckoutSheet::present(
-    std::shared_ptr<platform::Screen> from) const {
+    std::shared_ptr<ScreenHandle> from) const {
   return detail::presentCheckout(checkoutURL_, std::move(from),
                                  [this](platform::Ui& /*ui*/) { return viewController(); });
 }

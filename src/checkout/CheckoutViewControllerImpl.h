@@ -36,7 +36,8 @@ class CheckoutViewControllerImpl final
       platform::Ui& ui, const Url& checkout, std::weak_ptr<CheckoutDelegate> delegate,
       std::optional<MetaData::EntryPoint> entryPoint = std::nullopt);
 
-  std::shared_ptr<platform::Screen> screen() const override { return screen_; }
+  std::shared_ptr<ScreenHandle> screen() const override { return screen_; }
+  const std::shared_ptr<platform::Screen>& navigationScreen() const { return screen_; }
   void dismiss(bool animated, std::function<void()> completion) override;
 
   // The controllers of the container's screens, root first.
@@ -64,7 +65,7 @@ namespace detail {
 // What present() and CheckoutSheet::present() share: null, with an error line, without a display
 // or without `from`; otherwise the controller `make` returns, presented (animated) from `from`.
 std::shared_ptr<CheckoutViewController> presentCheckout(
-    const Url& checkout, std::shared_ptr<platform::Screen> from,
+    const Url& checkout, std::shared_ptr<ScreenHandle> from,
     const std::function<std::shared_ptr<CheckoutViewController>(platform::Ui&)>& make);
 }  // namespace detail
 

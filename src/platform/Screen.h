@@ -17,6 +17,7 @@
 #include <optional>
 #include <string>
 
+#include "vemba/ScreenHandle.h"
 #include "vemba/platform/Color.h"
 
 namespace vemba::platform {
@@ -69,11 +70,16 @@ struct BarButtonItem {
   std::function<void()> action;  // runs on each press
 };
 
-class Screen {
+class Screen : public ScreenHandle {
  public:
   enum class Kind { plain, navigation, tab };
 
-  virtual ~Screen() = default;
+  // The screen behind a host's handle; null for null and for a handle the library did not make.
+  static std::shared_ptr<Screen> of(const std::shared_ptr<ScreenHandle>& handle) {
+    return std::dynamic_pointer_cast<Screen>(handle);
+  }
+
+  ~Screen() override = default;
 
   virtual Kind kind() const = 0;
 

@@ -58,7 +58,8 @@ TEST_F(ApplicationTest, KeyWindowIsTheActiveToplevelAndScenesAreEmpty) {
   ASSERT_TRUE(runUntil([&] { return gtk_window_is_active(second) == FALSE; }, milliseconds(5000)));
   EXPECT_FALSE(gtk_window_is_active(window));
   for (const auto& candidate : app().windows()) {
-    EXPECT_EQ(candidate->isKeyWindow(), candidate->rootScreen() == screenForWindow(second));
+    EXPECT_EQ(candidate->isKeyWindow(),
+              candidate->rootScreen() == platform::Screen::of(screenForWindow(second)));
   }
 
   // A window that went away is neither key nor has a screen.
@@ -90,7 +91,7 @@ TEST_F(ApplicationTest, TheDefaultOpenerKeepsToFourSchemesAHostsOpenerDecidesEve
 TEST_F(ApplicationTest, ScreenForWindowIsStableAndWrapsTheContentOnce) {
   GtkWidget* content = gtk_label_new("Quillfeather");
   gtk_window_set_child(window, content);
-  const auto screen = screenForWindow(window);
+  const auto screen = platform::Screen::of(screenForWindow(window));
   EXPECT_EQ(screen, screenForWindow(window));
   EXPECT_EQ(screenForWindow(nullptr), nullptr);
   screen->view();

@@ -17,7 +17,7 @@ class LayoutTest : public GuiTest {
  protected:
   // A full-screen screen presented over the window; returns its root view.
   platform::View& presentFullScreen() {
-    host = screenForWindow(window);
+    host = platform::Screen::of(screenForWindow(window));
     screen = ui->createScreen();
     screen->setModalPresentationStyle(platform::ModalPresentationStyle::fullScreen);
     bool presented = false;

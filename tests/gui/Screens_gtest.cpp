@@ -33,7 +33,7 @@ class ScreensTest : public GuiTest {
   void SetUp() override {
     GuiTest::SetUp();
     if (window != nullptr) {
-      host = screenForWindow(window);
+      host = platform::Screen::of(screenForWindow(window));
     }
   }
   void TearDown() override {
@@ -103,7 +103,7 @@ TEST_F(ScreensTest, PresenterHoldsTheScreenAndDelegateUntilTheDismissalRemovedIt
 TEST_F(ScreensTest, AWindowsOwnScreenIsNeverPresentedAndDismissOfNothingCompletesLater) {
   GtkWindow* other = GTK_WINDOW(gtk_window_new());
   bool ran = false;
-  host->presentScreen(screenForWindow(other), false, [&] { ran = true; });
+  host->presentScreen(platform::Screen::of(screenForWindow(other)), false, [&] { ran = true; });
   auto lonely = ui->createScreen();
   bool done = false;
   lonely->dismiss(true, [&] { done = true; });

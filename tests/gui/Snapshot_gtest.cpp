@@ -52,7 +52,7 @@ class SnapshotTest : public GuiTest {};
 
 TEST_F(SnapshotTest, SheetWithTitleCloseItemProgressLineAndContent) {
   gtk_window_set_child(window, gtk_label_new("Quillfeather Books — the host's own window content"));
-  auto host = screenForWindow(window);
+  auto host = platform::Screen::of(screenForWindow(window));
   auto root = ui->createScreen();
   root->setTitle("Checkout");
   root->setRightBarButtonItem(platform::BarButtonItem{});
@@ -97,7 +97,7 @@ TEST_F(SnapshotTest, SheetWithTitleCloseItemProgressLineAndContent) {
 
 // The close button's frame and the filling view's, then what is drawn of them.
 TEST_F(SnapshotTest, FullScreenScreenWithCloseButton) {
-  auto host = screenForWindow(window);
+  auto host = platform::Screen::of(screenForWindow(window));
   auto screen = ui->createScreen();
   screen->setModalPresentationStyle(platform::ModalPresentationStyle::fullScreen);
   bool presented = false;

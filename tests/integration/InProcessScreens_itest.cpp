@@ -138,7 +138,7 @@ class InProcessScreensTest
     gtk_window_present(window_);
     ASSERT_TRUE(runMainLoopUntil([&] { return gtk_window_is_active(window_) == TRUE; }, 5s));
     gtk_widget_grab_focus(hostButton_);
-    screen_ = screenForWindow(window_);
+    screen_ = platform::Screen::of(screenForWindow(window_));
     // The library's own lines (page loads, failures, retries, messages), shown when a cycle fails.
     VembaLogger::setDevelopmentSink(
         [log = libraryLog_](std::string_view line) { log->emplace_back(line); });
@@ -244,7 +244,7 @@ class InProcessScreensTest
   // The ad's screen (the window's top screen) and its views: the web view, then the close button
   // above it.
   std::shared_ptr<platform::View> adSubview(std::size_t index) const {
-    const std::shared_ptr<platform::Screen> ad = topScreenForWindow(window_);
+    const std::shared_ptr<platform::Screen> ad = platform::Screen::of(topScreenForWindow(window_));
     if (!ad || ad == screen_ || !ad->isViewLoaded()) {
       return nullptr;
     }

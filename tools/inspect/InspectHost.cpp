@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Options.h"
+#include "platform/Screen.h"
 #include "platform/Services.h"
 #include "ui/WindowSnapshot.h"
 #include "vemba/linux/Screens.h"
@@ -72,7 +73,7 @@ std::unique_ptr<InspectHost> InspectHost::open(const std::string& title) {
   GtkWidget* placeholder = gtk_label_new("Host window");
   gtk_window_set_child(state->window, placeholder);
   gtk_window_present(state->window);
-  state->screen = screenForWindow(state->window);
+  state->screen = platform::Screen::of(screenForWindow(state->window));
   return std::unique_ptr<InspectHost>(new InspectHost(std::move(state)));
 }
 

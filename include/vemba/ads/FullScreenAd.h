@@ -13,6 +13,7 @@
 #include <string>
 
 #include "vemba/Error.h"
+#include "vemba/ScreenHandle.h"
 #include "vemba/ads/VembaShowError.h"
 
 namespace vemba {
@@ -25,10 +26,6 @@ class PreparedWebViewClaim;
 class VembaWebViewController;
 class VembaWebViewControllerDelegate;
 }  // namespace ads
-namespace platform {
-class Screen;
-}  // namespace platform
-
 template <typename Self, typename Delegate>
 class FullScreenAd : public std::enable_shared_from_this<Self> {
  public:
@@ -60,7 +57,7 @@ class FullScreenAd : public std::enable_shared_from_this<Self> {
   //
   // Whatever a delegate call throws is stopped inside the library and logged at error level:
   // nothing unwinds into the platform's callbacks.
-  virtual void show(std::shared_ptr<platform::Screen> from = nullptr);
+  virtual void show(std::shared_ptr<ScreenHandle> from = nullptr);
 
   FullScreenAd(const FullScreenAd&) = delete;
   FullScreenAd& operator=(const FullScreenAd&) = delete;

@@ -10,15 +10,12 @@
 #include <memory>
 #include <optional>
 
+#include "vemba/ScreenHandle.h"
 #include "vemba/Url.h"
 #include "vemba/checkout/CheckoutDelegate.h"
 #include "vemba/checkout/CheckoutViewController.h"
 #include "vemba/checkout/Configuration.h"
 #include "vemba/checkout/MetaData.h"
-
-namespace vemba::platform {
-class Screen;
-}
 
 namespace vemba::checkout {
 
@@ -35,11 +32,11 @@ void preload(const Url& checkout);
 // Makes a checkout sheet for `checkout`, presents it from `from` (animated) and returns it. Null,
 // with an error line in the log, when the platform has no display or `from` is null.
 std::shared_ptr<CheckoutViewController> present(const Url& checkout,
-                                                std::shared_ptr<platform::Screen> from,
+                                                std::shared_ptr<ScreenHandle> from,
                                                 std::weak_ptr<CheckoutDelegate> delegate = {});
 // The same, for a checkout entered through `entryPoint` (cached apart, announced to the page).
 std::shared_ptr<CheckoutViewController> present(const Url& checkout,
-                                                std::shared_ptr<platform::Screen> from,
+                                                std::shared_ptr<ScreenHandle> from,
                                                 std::optional<MetaData::EntryPoint> entryPoint,
                                                 std::weak_ptr<CheckoutDelegate> delegate = {});
 

@@ -18,14 +18,11 @@
 #include <functional>
 #include <memory>
 
+#include "vemba/ScreenHandle.h"
 #include "vemba/Url.h"
 #include "vemba/checkout/CheckoutConfigurable.h"
 #include "vemba/checkout/CheckoutDelegateWrapper.h"
 #include "vemba/checkout/CheckoutViewController.h"
-
-namespace vemba::platform {
-class Screen;
-}
 
 namespace vemba::checkout {
 
@@ -54,7 +51,7 @@ class CheckoutSheet : public CheckoutConfigurable<CheckoutSheet> {
   // Presents the sheet (animated) from `from`, e.g. the top screen of a host window, and returns
   // its view controller. Null, with an error line in the log, when `from` is null or the
   // platform has no display. Nothing is presented while this sheet is still on screen.
-  std::shared_ptr<CheckoutViewController> present(std::shared_ptr<platform::Screen> from) const;
+  std::shared_ptr<CheckoutViewController> present(std::shared_ptr<ScreenHandle> from) const;
 
  private:
   struct Shared {

@@ -9,9 +9,7 @@
 #include <functional>
 #include <memory>
 
-namespace vemba::platform {
-class Screen;
-}
+#include "vemba/ScreenHandle.h"
 
 namespace vemba::checkout {
 
@@ -20,7 +18,7 @@ class CheckoutViewController {
   virtual ~CheckoutViewController() = default;
 
   // The navigation container to present (present() has presented it already).
-  virtual std::shared_ptr<platform::Screen> screen() const = 0;
+  virtual std::shared_ptr<ScreenHandle> screen() const = 0;
   // Dismisses the sheet; `completion` (may be empty) runs once it is gone, or on a later turn of
   // the main queue when it was not presented.
   virtual void dismiss(bool animated, std::function<void()> completion = {}) = 0;

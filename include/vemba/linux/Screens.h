@@ -9,24 +9,22 @@
 #include <memory>
 #include <string>
 
+#include "vemba/ScreenHandle.h"
+
 using GtkWindow = struct _GtkWindow;
 
 namespace vemba {
-
-namespace platform {
-class Screen;
-}  // namespace platform
 
 // The screen at the root of `window`'s content: the same one for the same window, alive as long
 // as the window. A screen presents one screen at a time, so while something is presented over
 // the window, show and present from topScreenForWindow() instead. Null for a null window. Main
 // thread only; GTK must be initialised.
-std::shared_ptr<platform::Screen> screenForWindow(GtkWindow* window);
+std::shared_ptr<ScreenHandle> screenForWindow(GtkWindow* window);
 
 // The top screen of `window`: the last of the screens presented over it, or its root screen when
 // nothing is. Showing an ad or presenting a checkout from it puts the new screen on top. Null
 // for a null window. Main thread only; GTK must be initialised.
-std::shared_ptr<platform::Screen> topScreenForWindow(GtkWindow* window);
+std::shared_ptr<ScreenHandle> topScreenForWindow(GtkWindow* window);
 
 // Receives each URL the library opens outside the application (an ad's "openURL", a checkout
 // link the host's delegate leaves to the library): every URL that parses, whatever its scheme,

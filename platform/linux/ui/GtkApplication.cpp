@@ -248,12 +248,12 @@ void setUrlOpener(UrlOpener opener) {
   slot.opener = std::move(opener);
 }
 
-std::shared_ptr<platform::Screen> screenForWindow(GtkWindow* window) {
+std::shared_ptr<ScreenHandle> screenForWindow(GtkWindow* window) {
   return linux_platform::GtkScreen::forWindow(window);
 }
 
-std::shared_ptr<platform::Screen> topScreenForWindow(GtkWindow* window) {
-  std::shared_ptr<platform::Screen> top = screenForWindow(window);
+std::shared_ptr<ScreenHandle> topScreenForWindow(GtkWindow* window) {
+  std::shared_ptr<platform::Screen> top = linux_platform::GtkScreen::forWindow(window);
   while (top) {
     std::shared_ptr<platform::Screen> presented = top->presentedScreen();
     if (!presented) {

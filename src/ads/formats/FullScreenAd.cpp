@@ -154,7 +154,7 @@ void FullScreenAd<Self, Delegate>::failToShow(VembaShowErrorCode code) {
 }
 
 template <typename Self, typename Delegate>
-void FullScreenAd<Self, Delegate>::show(std::shared_ptr<platform::Screen> from) {
+void FullScreenAd<Self, Delegate>::show(std::shared_ptr<ScreenHandle> handle) {
   // The refusals: the ad stays as it is, and the delegate hears why.
   if (!isReady()) {
     failToShow(expired_ ? VembaShowErrorCode::expired : VembaShowErrorCode::notReady);
@@ -165,9 +165,8 @@ void FullScreenAd<Self, Delegate>::show(std::shared_ptr<platform::Screen> from) 
     failToShow(VembaShowErrorCode::noPage);
     return;
   }
-  if (!from) {
-    from = ads::UIUtils::getTopViewController();
-  }
+  std::shared_ptr<platform::Screen> from =
+      handle ? platform::Screen::of(handle) : ads::UIUtils::getTopViewController();
   // A screen presents one screen at a time: the presentation would be refused, so the bid is
   // kept for a show from the top screen.
   if (from && from->presentedScreen()) {

@@ -16,7 +16,7 @@ using testing::url;
 
 class CheckoutPresentationTest : public testing::CheckoutScreenTest {
  protected:
-  static fake::FakeScreen& fakeScreen(const std::shared_ptr<platform::Screen>& screen) {
+  static fake::FakeScreen& fakeScreen(const std::shared_ptr<ScreenHandle>& screen) {
     return dynamic_cast<fake::FakeScreen&>(*screen);
   }
   static fake::FakeWebView& pageView(const std::shared_ptr<CheckoutViewController>& sheet) {
@@ -42,7 +42,7 @@ TEST_F(CheckoutPresentationTest, PresentShowsTheCheckoutPageInASheet) {
   const auto sheet = show(delegate);
   ASSERT_NE(sheet, nullptr);
   EXPECT_EQ(hostScreen()->presentedScreen(), sheet->screen());
-  EXPECT_EQ(sheet->screen()->kind(), platform::Screen::Kind::navigation);
+  EXPECT_EQ(platform::Screen::of(sheet->screen())->kind(), platform::Screen::Kind::navigation);
 
   CheckoutWebViewController& controller = page(sheet);
   const std::shared_ptr<platform::Screen>& root = controller.screen();
@@ -235,7 +235,7 @@ TEST_F(CheckoutPresentationTest, ASheetsCallbacksTakeEffectWhenSetAfterItsContro
   }
   // Every copy of the sheet is gone; its controller keeps the callbacks.
   EXPECT_FALSE(wrapper.expired());
-  hostScreen()->presentScreen(controller->screen(), true, {});
+  hostScreen()->presentScreen(platform::Screen::of(controller->screen()), true, {});
   drain();
   EXPECT_TRUE(fakeScreen(page(controller).screen()).pressRightBarButtonItem());
   EXPECT_EQ(calls, std::vector<std::string>{"cancel"});
