@@ -4,7 +4,8 @@
 //   1      the rest stands for a non-string body (which must fail without an underlying error);
 //   2..6   an envelope {"name": <name>, "body": <the rest as a string>};
 //   7      an envelope whose "body" is the rest inserted as raw JSON (any type, or broken);
-// with <name> one of the page's message names or a name outside the vocabulary.
+// with <name> one of the page's message names or a name outside the vocabulary. The byte's next
+// three bits choose the public record the rest is also read as.
 // Nothing may crash, hang or leak. The page's two contract violations (an "error" body that is
 // an empty array, a "checkoutBlockingEvent" body other than "true"/"false") end the process by
 // design; here a hook turns them into an exception, and they must come only from those names.
@@ -16,7 +17,9 @@
 // - a failure of the bridge never logs; the "completed" and "error" readers never fail, and log
 //   exactly when they fall back (once); the pixel reader never logs;
 // - whatever is decoded (an event, a pixel payload) encodes and decodes back to itself, and a
-//   custom pixel's data is JSON text;
+//   custom pixel's data is JSON text; what hosts see (completed event, pixel event, the error the
+//   web view would report) round-trips through the public toJson and fromJson, and the rest read
+//   by the public fromJson as the chosen record fails with a DecodingError or round-trips;
 // - any object of the input is read free-form both ways (into JSON, and into JsonValue written
 //   back), and the two readings agree.
 #include <cstddef>
@@ -24,6 +27,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 
 #include "FakePlatform.h"
@@ -33,11 +37,10 @@
 #include "checkout/CheckoutErrorMapping.h"
 #include "checkout/ContractViolation.h"
 #include "checkout/OSLogger.h"
-#include "checkout/events/CheckoutCompletedEventCoding.h"
 #include "checkout/events/FreeFormJson.h"
-#include "checkout/events/PixelEventCoding.h"
 #include "checkout/events/WebPixelsEventCoding.h"
 #include "platform/ScriptMessage.h"
+#include "vemba/checkout/EventJson.h"
 
 namespace {
 
@@ -53,13 +56,32 @@ std::string envelopeWithStringBody(std::string_view name, std::string_view body)
   return envelope.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
-template <typename T, typename Decode>
-void requireRoundTrip(const T& value, Decode decode) {
-  const auto again =
-      vemba::json::decodeText(vemba::json::dumpCompact(checkout::toJson(value)), decode);
+// A value hosts see, written with the public toJson and read back with the public fromJson.
+template <typename T>
+void requirePublicRoundTrip(const T& value) {
+  const vemba::Expected<T, vemba::Error> again = checkout::fromJson<T>(checkout::toJson(value));
   if (!again || !(*again == value)) {
     __builtin_trap();
   }
+}
+
+// Any text read as the `which`-th T (modulo their number): a DecodingError, or a value that
+// round-trips.
+template <typename... T>
+void requirePublicReading(unsigned which, std::string_view text) {
+  unsigned index = 0;
+  const auto readAs = [&]<typename U>(std::type_identity<U> /*type*/) {
+    if (index++ != which % sizeof...(T)) {
+      return;
+    }
+    const vemba::Expected<U, vemba::Error> read = checkout::fromJson<U>(text);
+    if (read) {
+      requirePublicRoundTrip(*read);
+    } else if (read.error().domain != vemba::json::kDecodingErrorDomain) {
+      __builtin_trap();
+    }
+  };
+  (readAs(std::type_identity<T>{}), ...);
 }
 
 // The parsed document reduced to what readEnvelope keeps: the root's type and, for an object, its
@@ -155,9 +177,7 @@ void requireEventOutcome(const WebEvent& decoded, std::string_view text, std::si
          !(completed->event == checkout::createEmptyCheckoutCompletedEvent(std::nullopt)))) {
       __builtin_trap();
     }
-    if (logged == 0) {
-      requireRoundTrip(completed->event, checkout::decodeCheckoutCompletedEvent);
-    }
+    requirePublicRoundTrip(completed->event);
   }
   const auto* pixels = std::get_if<WebEvent::WebPixels>(&decoded.value);
   if (pixels == nullptr) {
@@ -172,18 +192,19 @@ void requireEventOutcome(const WebEvent& decoded, std::string_view text, std::si
   if (!payload) {
     __builtin_trap();  // the bridge decoded the same text
   }
-  requireRoundTrip(*payload, checkout::decodeWebPixelsEvent);
+  const auto again =
+      vemba::json::decodeText(vemba::json::dumpCompact(checkout::encodeWebPixelsEvent(*payload)),
+                              checkout::decodeWebPixelsEvent);
+  if (!again || !(*again == *payload)) {
+    __builtin_trap();
+  }
   if (!pixels->event) {
     return;
   }
-  if (const auto* custom = std::get_if<checkout::CustomEvent>(&*pixels->event)) {
-    if (!custom->customData || !vemba::json::parseJson(*custom->customData)) {
-      __builtin_trap();
-    }
-    requireRoundTrip(*custom, checkout::decodeCustomEvent);
-  } else {
-    requireRoundTrip(std::get<checkout::StandardEvent>(*pixels->event),
-                     checkout::decodeStandardEvent);
+  requirePublicRoundTrip(*pixels->event);
+  const auto* custom = std::get_if<checkout::CustomEvent>(&*pixels->event);
+  if (custom != nullptr && (!custom->customData || !vemba::json::parseJson(*custom->customData))) {
+    __builtin_trap();
   }
 }
 
@@ -228,9 +249,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       if (logged != 0 || (mode == 1 && decoded.error().underlying().has_value())) {
         __builtin_trap();
       }
-      if (!checkout::checkoutErrorForBridgeFailure(decoded.error()).isRecoverable()) {
+      const checkout::CheckoutError error =
+          checkout::checkoutErrorForBridgeFailure(decoded.error());
+      if (!error.isRecoverable()) {
         __builtin_trap();
       }
+      requirePublicRoundTrip(error);
     } else {
       if (text == nullptr) {
         __builtin_trap();
@@ -240,13 +264,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         __builtin_trap();
       }
       requireEventOutcome(decoded.value(), *text, logged);
-      (void)checkout::checkoutErrorForWebEvent(decoded.value());
+      if (const auto error = checkout::checkoutErrorForWebEvent(decoded.value())) {
+        requirePublicRoundTrip(*error);
+      }
     }
   } catch (const checkout::ContractViolationForTesting&) {
     if (mode >= 2 && name != "error" && name != "checkoutBlockingEvent") {
       __builtin_trap();
     }
   }
+
+  requirePublicReading<checkout::CheckoutCompletedEvent, checkout::PixelEvent, checkout::Context,
+                       checkout::StandardEventData, checkout::CustomData, checkout::CheckoutError,
+                       checkout::CheckoutErrorCode, checkout::CheckoutUnavailable>(data[0] / 8U,
+                                                                                   rest);
 
   const std::string script = CheckoutBridge::script("instrumentation", rest);
   if (script.size() < 2 * rest.size()) {

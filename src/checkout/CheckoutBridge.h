@@ -16,7 +16,7 @@
 
 #include "checkout/BridgeError.h"
 #include "checkout/InstrumentationPayload.h"
-#include "common/Expected.h"
+#include "vemba/Expected.h"
 #include "vemba/checkout/CheckoutErrorCode.h"
 #include "vemba/checkout/events/CheckoutCompletedEvent.h"
 #include "vemba/checkout/events/PixelEvent.h"

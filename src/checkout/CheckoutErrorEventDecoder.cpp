@@ -5,33 +5,19 @@
 #include "checkout/BridgeEnvelope.h"
 #include "checkout/ContractViolation.h"
 #include "checkout/OSLogger.h"
-#include "common/JsonDecoding.h"
+#include "common/JsonFields.h"
 
 namespace vemba::checkout {
 namespace {
-
-constexpr std::string_view kGroupKey = "group";
-constexpr std::string_view kCodeKey = "code";
-constexpr std::string_view kFlowTypeKey = "flowType";
-constexpr std::string_view kReasonKey = "reason";
-constexpr std::string_view kTypeKey = "type";
 
 constexpr std::string_view kDecodeFailureLog = "Error decoding \"error\" event - ";
 constexpr std::string_view kFallbackReason = "Decoded error could not be parsed.";
 constexpr std::string_view kEmptyArrayViolation =
     "the checkout page sent an \"error\" message whose body is an empty array";
 
+constexpr std::string_view kGroupTypeName = "CheckoutErrorGroup";
 constexpr std::array<std::string_view, 6> kGroupRawValues = {
     "authentication", "configuration", "unrecoverable", "checkout", "expired", "unsupported"};
-
-CheckoutErrorGroup decodeGroup(const json::Json& value, const json::JsonPath& path) {
-  const std::string raw = json::decodeString(value, path);
-  if (std::optional<CheckoutErrorGroup> group = checkoutErrorGroupFrom(raw)) {
-    return *group;
-  }
-  json::fail(json::DecodingError::Kind::dataCorrupted, path,
-             "Cannot initialize CheckoutErrorGroup from invalid String value " + raw);
-}
 
 }  // namespace
 
@@ -48,30 +34,22 @@ std::optional<CheckoutErrorGroup> checkoutErrorGroupFrom(std::string_view raw) {
   return std::nullopt;
 }
 
+// Keys equal the field names; "group" is required and must be one of the six raw values.
+constexpr auto jsonFields(json::Tag<CheckoutErrorEvent> /*record*/) {
+  using R = CheckoutErrorEvent;
+  using GroupCodec =
+      json::RawValueCodec<CheckoutErrorGroup, rawValue, checkoutErrorGroupFrom, kGroupTypeName>;
+  return json::fields(json::field<GroupCodec>("group", &R::group), json::field("code", &R::code),
+                      json::field("flowType", &R::flowType), json::field("reason", &R::reason),
+                      json::field("type", &R::type));
+}
+
 CheckoutErrorEvent decodeCheckoutErrorEvent(const json::Json& value, const json::JsonPath& path) {
-  const json::Json& object = json::requireObject(value, path);
-  CheckoutErrorEvent event;
-  event.group = decodeGroup(json::requireKey(object, kGroupKey, path), path / kGroupKey);
-  event.code = json::optionalString(object, kCodeKey, path);
-  event.flowType = json::optionalString(object, kFlowTypeKey, path);
-  event.reason = json::optionalString(object, kReasonKey, path);
-  event.type = json::optionalString(object, kTypeKey, path);
-  return event;
+  return json::decodeRecord<CheckoutErrorEvent>(value, path);
 }
 
 json::Json encodeCheckoutErrorEvent(const CheckoutErrorEvent& event) {
-  json::Json object = json::Json::object();
-  object[std::string(kGroupKey)] = std::string(rawValue(event.group));
-  const auto put = [&object](std::string_view key, const std::optional<std::string>& field) {
-    if (field) {
-      object[std::string(key)] = *field;
-    }
-  };
-  put(kCodeKey, event.code);
-  put(kFlowTypeKey, event.flowType);
-  put(kReasonKey, event.reason);
-  put(kTypeKey, event.type);
-  return object;
+  return json::encodeRecord(event);
 }
 
 CheckoutErrorEvent CheckoutErrorEventDecoder::fallbackEvent() {

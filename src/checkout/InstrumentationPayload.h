@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "common/DecodingError.h"
-#include "common/Expected.h"
+#include "vemba/Expected.h"
 
 namespace vemba::checkout {
 

@@ -194,8 +194,63 @@ std::optional<bool> optionalBool(const Json& object, std::string_view key, const
   return value == nullptr ? std::nullopt : std::optional(decodeBool(*value, path / key));
 }
 
-std::string dumpCompact(const Json& value) {
-  const std::string raw = value.dump(-1, ' ', false, Json::error_handler_t::strict);
+int decodeInt32(const Json& value, const JsonPath& path) {
+  const std::int64_t number = decodeInt(value, path);
+  if (number < std::numeric_limits<int>::min() || number > std::numeric_limits<int>::max()) {
+    fail(DecodingError::Kind::dataCorrupted, path,
+         "Parsed JSON number <" + value.dump() + "> does not fit in Int32.");
+  }
+  return static_cast<int>(number);
+}
+
+void failInvalidRawValue(std::string_view typeName, std::string_view raw, const JsonPath& path) {
+  fail(DecodingError::Kind::dataCorrupted, path,
+       "Cannot initialize " + std::string(typeName) + " from invalid String value " +
+           std::string(raw));
+}
+
+namespace {
+std::optional<std::size_t> indexOf(std::span<const std::string_view> names, std::string_view name) {
+  for (std::size_t index = 0; index < names.size(); ++index) {
+    if (names[index] == name) {
+      return index;
+    }
+  }
+  return std::nullopt;
+}
+}  // namespace
+
+std::size_t decodeCaseName(const Json& value, const JsonPath& path,
+                           std::span<const std::string_view> names, std::string_view typeName) {
+  const std::string& raw = decodeStringRef(value, path);
+  if (const std::optional<std::size_t> index = indexOf(names, raw)) {
+    return *index;
+  }
+  failInvalidRawValue(typeName, raw, path);
+}
+
+std::size_t decodeSingleCase(const Json& value, const JsonPath& path,
+                             std::span<const std::string_view> names, std::string_view typeName) {
+  requireObject(value, path);
+  if (const std::optional<std::size_t> index =
+          value.size() == 1 ? indexOf(names, value.begin().key()) : std::nullopt) {
+    return *index;
+  }
+  std::string expected;
+  for (const std::string_view name : names) {
+    expected += expected.empty() ? "\"" : ", \"";
+    expected.append(name).push_back('"');
+  }
+  fail(DecodingError::Kind::dataCorrupted, path,
+       "Expected an object with exactly one key, one of " + expected + ", for " +
+           std::string(typeName) + ".");
+}
+
+std::string dumpCompact(const Json& value, InvalidUtf8 invalid) {
+  const std::string raw =
+      value.dump(-1, ' ', false,
+                 invalid == InvalidUtf8::replace ? Json::error_handler_t::replace
+                                                 : Json::error_handler_t::strict);
   std::string out;
   out.reserve(raw.size() + 8);
   for (const char c : raw) {

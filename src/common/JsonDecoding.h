@@ -9,17 +9,19 @@
 // an Expected. Paths are built only when a failure is reported, never on the success path.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "common/DecodingError.h"
-#include "common/Expected.h"
+#include "vemba/Expected.h"
 
 namespace vemba::json {
 
@@ -79,6 +81,21 @@ const std::string& decodeStringRef(const Json& value, const JsonPath& path);
 bool decodeBool(const Json& value, const JsonPath& path);
 double decodeDouble(const Json& value, const JsonPath& path);
 std::int64_t decodeInt(const Json& value, const JsonPath& path);
+// As decodeInt, limited to the range of int.
+int decodeInt32(const Json& value, const JsonPath& path);
+
+// A string that names no case of `typeName` (an enumeration's raw value, a variant's case name):
+// dataCorrupted, "Cannot initialize <typeName> from invalid String value <raw>".
+[[noreturn]] void failInvalidRawValue(std::string_view typeName, std::string_view raw,
+                                      const JsonPath& path);
+// The index in `names` of the string `value`; any other string fails as above.
+std::size_t decodeCaseName(const Json& value, const JsonPath& path,
+                           std::span<const std::string_view> names, std::string_view typeName);
+// A tagged value written as an object with exactly one member, keyed by its case's name: the
+// index in `names` of that key. An object with more or fewer members fails (dataCorrupted), and
+// so does a key that names no case.
+std::size_t decodeSingleCase(const Json& value, const JsonPath& path,
+                             std::span<const std::string_view> names, std::string_view typeName);
 
 std::string requireString(const Json& object, std::string_view key, const JsonPath& path);
 std::optional<std::string> optionalString(const Json& object, std::string_view key,
@@ -128,8 +145,14 @@ auto decodeText(std::string_view text, Fn&& decode) {
   return decodeDocument(parseJson(text), std::forward<Fn>(decode));
 }
 
+// What dumpCompact does with a string that is not valid UTF-8.
+enum class InvalidUtf8 {
+  fail,     // throws Json::exception (type_error 316)
+  replace,  // writes each invalid sequence as U+FFFD
+};
+
 // Serialises compactly with every "/" escaped as "\/", the encoder's house style. A "/" can
 // only occur inside strings in JSON text, so escaping after dumping is exact.
-std::string dumpCompact(const Json& value);
+std::string dumpCompact(const Json& value, InvalidUtf8 invalid = InvalidUtf8::fail);
 
 }  // namespace vemba::json

@@ -16,10 +16,10 @@
 // optionals out.
 //
 // How a member's value is read and written is its type's Codec: strings, booleans, doubles,
-// signed 64-bit integers, arrays, maps of optional values and records with a table are built in.
-// A field may name another codec (field<MyCodec>(...)) for a rule of its own, and a record coded
-// in another translation unit is reached through a Codec specialisation made of its two functions
-// (FunctionCodec).
+// ints, signed 64-bit integers, arrays, maps of optional values and records with a table are built
+// in. A field may name another codec (field<MyCodec>(...)) for a rule of its own, and a record
+// coded in another translation unit is reached through a Codec specialisation made of its two
+// functions (FunctionCodec).
 #pragma once
 
 #include <cstdint>
@@ -74,6 +74,28 @@ struct Codec<std::int64_t> {
     return decodeInt(value, path);
   }
   static Json encode(std::int64_t value) { return value; }
+};
+
+// Fractions and values outside the range of int fail.
+template <>
+struct Codec<int> {
+  static int decode(const Json& value, const JsonPath& path) { return decodeInt32(value, path); }
+  static Json encode(int value) { return value; }
+};
+
+// An enumeration written as its raw string: Raw gives a case's string, From the case of a string
+// (absent for none). A string that names no case fails (failInvalidRawValue, with TypeName).
+template <typename E, std::string_view (*Raw)(E), std::optional<E> (*From)(std::string_view),
+          const std::string_view& TypeName>
+struct RawValueCodec {
+  static E decode(const Json& value, const JsonPath& path) {
+    const std::string& raw = decodeStringRef(value, path);
+    if (const std::optional<E> decoded = From(raw)) {
+      return *decoded;
+    }
+    failInvalidRawValue(TypeName, raw, path);
+  }
+  static Json encode(E value) { return std::string(Raw(value)); }
 };
 
 // A JSON array; elements in order, each with its own index in a failure's path.

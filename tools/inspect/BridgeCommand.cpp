@@ -53,7 +53,7 @@ Line eventJson(const WebEvent& event) {
           return errorEventJson("configurationError", value);
         } else if constexpr (std::is_same_v<T, WebEvent::CheckoutComplete>) {
           return Line{{"event", "checkoutComplete"},
-                      {"payload", Line(checkout::toJson(value.event))}};
+                      {"payload", Line(checkout::encodeCheckoutCompletedEvent(value.event))}};
         } else if constexpr (std::is_same_v<T, WebEvent::CheckoutModalToggled>) {
           return Line{{"event", "checkoutModalToggled"}, {"modalVisible", value.modalVisible}};
         } else if constexpr (std::is_same_v<T, WebEvent::WebPixels>) {

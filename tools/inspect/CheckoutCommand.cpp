@@ -169,8 +169,8 @@ class PrintingDelegate final : public DefaultsDelegate {
   using DefaultsDelegate::DefaultsDelegate;
 
   void checkoutDidComplete(const checkout::CheckoutCompletedEvent& event) override {
-    printLine(
-        Line{{"callback", "checkoutDidComplete"}, {"payload", Line(checkout::toJson(event))}});
+    printLine(Line{{"callback", "checkoutDidComplete"},
+                   {"payload", Line(checkout::encodeCheckoutCompletedEvent(event))}});
     session_.dismissLater();
   }
   void checkoutDidFail(const CheckoutError& error) override {

@@ -1,5 +1,5 @@
 // The JSON the inspector prints for the checkout's host-facing values: a CheckoutError and a
-// pixel event. One shape for every command that prints them.
+// pixel event, in the shapes vemba/checkout/EventJson.h gives hosts.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -12,9 +12,10 @@ namespace vemba::inspect {
 
 using Line = nlohmann::ordered_json;
 
-// {"case": …, "message": …, "code": …, "recoverable": …}
+// {"case": …, "code": …, "message": …, "recoverable": …}; an sdkError has "underlying" instead
+// of "message" and "code".
 Line checkoutErrorJson(const checkout::CheckoutError& error);
-// {"standardEvent": …} or {"customEvent": …} as the library encodes them; null when absent.
+// {"standardEvent": …} or {"customEvent": …}; null when absent.
 Line pixelJson(const std::optional<checkout::PixelEvent>& pixel);
 
 }  // namespace vemba::inspect

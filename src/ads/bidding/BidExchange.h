@@ -23,11 +23,11 @@
 
 #include "ads/bidding/AdAccess.h"
 #include "ads/bidding/BidRecords.h"
-#include "common/Expected.h"
 #include "platform/HttpClient.h"
 #include "platform/MainQueue.h"
 #include "platform/Services.h"
 #include "vemba/Error.h"
+#include "vemba/Expected.h"
 #include "vemba/Url.h"
 #include "vemba/ads/AdValue.h"
 

@@ -7,8 +7,8 @@
 
 #include "ads/bidding/BidRecords.h"
 #include "common/DecodingError.h"
-#include "common/Expected.h"
 #include "common/JsonDecoding.h"
+#include "vemba/Expected.h"
 
 namespace vemba::ads {
 

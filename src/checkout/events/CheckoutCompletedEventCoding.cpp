@@ -92,7 +92,7 @@ CheckoutCompletedEvent decodeCheckoutCompletedEvent(const json::Json& value,
   return json::decodeRecord<Event>(value, path);
 }
 
-json::Json toJson(const CheckoutCompletedEvent& event) {
+json::Json encodeCheckoutCompletedEvent(const CheckoutCompletedEvent& event) {
   return json::encodeRecord(event);
 }
 

@@ -11,6 +11,6 @@ namespace vemba::checkout {
 // Throws json::DecodingFailure.
 CheckoutCompletedEvent decodeCheckoutCompletedEvent(const json::Json& value,
                                                     const json::JsonPath& path);
-json::Json toJson(const CheckoutCompletedEvent& event);
+json::Json encodeCheckoutCompletedEvent(const CheckoutCompletedEvent& event);
 
 }  // namespace vemba::checkout

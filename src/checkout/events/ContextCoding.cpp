@@ -53,7 +53,7 @@ Context decodeContext(const json::Json& value, const json::JsonPath& path) {
   return json::decodeRecord<Context>(value, path);
 }
 
-json::Json toJson(const Context& context) {
+json::Json encodeContext(const Context& context) {
   return json::encodeRecord(context);
 }
 

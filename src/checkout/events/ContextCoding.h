@@ -10,11 +10,11 @@ namespace vemba::checkout {
 
 // Throws json::DecodingFailure.
 Context decodeContext(const json::Json& value, const json::JsonPath& path);
-json::Json toJson(const Context& context);
+json::Json encodeContext(const Context& context);
 
 }  // namespace vemba::checkout
 
 // A field that holds a Context, in any record, is coded by the two functions above.
 template <>
 struct vemba::json::Codec<vemba::checkout::Context>
-    : FunctionCodec<checkout::Context, checkout::decodeContext, checkout::toJson> {};
+    : FunctionCodec<checkout::Context, checkout::decodeContext, checkout::encodeContext> {};

@@ -1,5 +1,9 @@
 #include "checkout/events/PixelEventCoding.h"
 
+#include <array>
+#include <string_view>
+#include <variant>
+
 #include "checkout/events/ContextCoding.h"
 #include "checkout/events/StandardEventDataCoding.h"
 #include "common/JsonFields.h"
@@ -9,6 +13,13 @@ namespace vemba::checkout {
 using json::field;
 using json::fields;
 using json::Tag;
+
+namespace {
+// In the order of PixelEvent's alternatives.
+constexpr std::string_view kPixelEventTypeName = "PixelEvent";
+constexpr std::array<std::string_view, 2> kPixelEventCases = {"customEvent", "standardEvent"};
+static_assert(std::variant_size_v<PixelEvent> == kPixelEventCases.size());
+}  // namespace
 
 constexpr auto jsonFields(Tag<StandardEvent> /*record*/) {
   using R = StandardEvent;
@@ -31,7 +42,7 @@ StandardEvent decodeStandardEvent(const json::Json& value, const json::JsonPath&
   return json::decodeRecord<StandardEvent>(value, path);
 }
 
-json::Json toJson(const StandardEvent& event) {
+json::Json encodeStandardEvent(const StandardEvent& event) {
   return json::encodeRecord(event);
 }
 
@@ -39,7 +50,7 @@ CustomEvent decodeCustomEvent(const json::Json& value, const json::JsonPath& pat
   return json::decodeRecord<CustomEvent>(value, path);
 }
 
-json::Json toJson(const CustomEvent& event) {
+json::Json encodeCustomEvent(const CustomEvent& event) {
   return json::encodeRecord(event);
 }
 
@@ -47,8 +58,26 @@ CustomData decodeCustomData(const json::Json& value, const json::JsonPath& path)
   return json::decodeRecord<CustomData>(value, path);
 }
 
-json::Json toJson(const CustomData& data) {
+json::Json encodeCustomData(const CustomData& data) {
   return json::encodeRecord(data);
+}
+
+PixelEvent decodePixelEvent(const json::Json& value, const json::JsonPath& path) {
+  const std::size_t index =
+      json::decodeSingleCase(value, path, kPixelEventCases, kPixelEventTypeName);
+  const json::Json& event = value.begin().value();
+  const json::JsonPath eventPath = path / kPixelEventCases[index];
+  if (index == 0) {  // customEvent
+    return decodeCustomEvent(event, eventPath);
+  }
+  return decodeStandardEvent(event, eventPath);
+}
+
+json::Json encodePixelEvent(const PixelEvent& event) {
+  json::Json out = json::Json::object();
+  out[std::string(kPixelEventCases[event.index()])] =
+      std::visit([](const auto& value) { return json::encodeRecord(value); }, event);
+  return out;
 }
 
 }  // namespace vemba::checkout

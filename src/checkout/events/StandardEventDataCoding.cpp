@@ -174,7 +174,7 @@ StandardEventData decodeStandardEventData(const json::Json& value, const json::J
   return json::decodeRecord<StandardEventData>(value, path);
 }
 
-json::Json toJson(const StandardEventData& data) {
+json::Json encodeStandardEventData(const StandardEventData& data) {
   return json::encodeRecord(data);
 }
 
@@ -182,7 +182,7 @@ CartLine decodeCartLine(const json::Json& value, const json::JsonPath& path) {
   return json::decodeRecord<CartLine>(value, path);
 }
 
-json::Json toJson(const CartLine& line) {
+json::Json encodeCartLine(const CartLine& line) {
   return json::encodeRecord(line);
 }
 
@@ -191,7 +191,7 @@ PricingPercentageValue decodePricingPercentageValue(const json::Json& value,
   return json::decodeRecord<PricingPercentageValue>(value, path);
 }
 
-json::Json toJson(const PricingPercentageValue& value) {
+json::Json encodePricingPercentageValue(const PricingPercentageValue& value) {
   return json::encodeRecord(value);
 }
 

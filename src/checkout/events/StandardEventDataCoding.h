@@ -10,14 +10,14 @@ namespace vemba::checkout {
 
 // Each throws json::DecodingFailure.
 StandardEventData decodeStandardEventData(const json::Json& value, const json::JsonPath& path);
-json::Json toJson(const StandardEventData& data);
+json::Json encodeStandardEventData(const StandardEventData& data);
 
 // Records no other record refers to.
 CartLine decodeCartLine(const json::Json& value, const json::JsonPath& path);
-json::Json toJson(const CartLine& line);
+json::Json encodeCartLine(const CartLine& line);
 PricingPercentageValue decodePricingPercentageValue(const json::Json& value,
                                                     const json::JsonPath& path);
-json::Json toJson(const PricingPercentageValue& value);
+json::Json encodePricingPercentageValue(const PricingPercentageValue& value);
 
 }  // namespace vemba::checkout
 
@@ -25,4 +25,4 @@ json::Json toJson(const PricingPercentageValue& value);
 template <>
 struct vemba::json::Codec<vemba::checkout::StandardEventData>
     : FunctionCodec<checkout::StandardEventData, checkout::decodeStandardEventData,
-                    checkout::toJson> {};
+                    checkout::encodeStandardEventData> {};

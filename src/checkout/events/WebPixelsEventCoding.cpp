@@ -49,7 +49,7 @@ std::string decodeCustomDataText(const Json& value, const JsonPath& path) {
 
 constexpr auto jsonFields(json::Tag<WebPixelsEvent> /*record*/) {
   using BodyCodec =
-      json::FunctionCodec<WebPixelsEventBody, decodeWebPixelsEventBody, checkout::toJson>;
+      json::FunctionCodec<WebPixelsEventBody, decodeWebPixelsEventBody, encodeWebPixelsEventBody>;
   return fields(field("name", &WebPixelsEvent::name),
                 field<BodyCodec>("event", &WebPixelsEvent::event));
 }
@@ -73,7 +73,7 @@ WebPixelsEvent decodeWebPixelsEvent(const Json& value, const JsonPath& path) {
   return json::decodeRecord<WebPixelsEvent>(value, path);
 }
 
-Json toJson(const WebPixelsEventBody& body) {
+Json encodeWebPixelsEventBody(const WebPixelsEventBody& body) {
   Json out = Json::object();
   json::encodeFields(body, kBodyFields, out);
   if (body.customData) {
@@ -81,12 +81,12 @@ Json toJson(const WebPixelsEventBody& body) {
     out[std::string(kCustomData)] = parsed ? std::move(*parsed) : Json(*body.customData);
   }
   if (body.data) {
-    out[std::string(kData)] = toJson(*body.data);
+    out[std::string(kData)] = encodeStandardEventData(*body.data);
   }
   return out;
 }
 
-Json toJson(const WebPixelsEvent& event) {
+Json encodeWebPixelsEvent(const WebPixelsEvent& event) {
   return json::encodeRecord(event);
 }
 

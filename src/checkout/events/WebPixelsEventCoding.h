@@ -20,8 +20,8 @@ WebPixelsEvent decodeWebPixelsEvent(const json::Json& value, const json::JsonPat
 
 // "customData" is written as the JSON object its text holds (the shape decoding reads); text that
 // is not JSON is written as a string, which decoding then rejects.
-json::Json toJson(const WebPixelsEventBody& body);
-json::Json toJson(const WebPixelsEvent& event);
+json::Json encodeWebPixelsEventBody(const WebPixelsEventBody& body);
+json::Json encodeWebPixelsEvent(const WebPixelsEvent& event);
 
 // Moves context, id, name, timestamp and the typed data into a StandardEvent.
 StandardEvent standardEventFrom(WebPixelsEventBody&& body);

@@ -12,7 +12,7 @@
 #include <optional>
 
 #include "common/DecodingError.h"
-#include "common/Expected.h"
+#include "vemba/Expected.h"
 #include "vemba/checkout/events/PixelEvent.h"
 
 namespace vemba::checkout {

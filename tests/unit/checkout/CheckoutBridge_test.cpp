@@ -8,8 +8,10 @@
 
 #include "CheckoutTestSupport.h"
 #include "checkout/BridgeEnvelope.h"
+#include "checkout/CheckoutErrorEventDecoder.h"
 #include "checkout/ContractViolation.h"
 #include "checkout/OSLogger.h"
+#include "common/JsonDecoding.h"
 #include "platform/ScriptEvaluator.h"
 #include "platform/ScriptMessage.h"
 
@@ -69,6 +71,12 @@ TEST_F(CheckoutBridgeTest, MalformedErrorBodiesAreLoggedAndIgnored) {
               ElementsAre("error|[VembaCheckoutKit] (Error) - Error decoding \"error\" event - "
                           "Data corrupted at \"[0].group\": Cannot initialize CheckoutErrorGroup "
                           "from invalid String value Expired"));
+}
+
+TEST(CheckoutErrorEventTest, EveryKeyIsReadAndWrittenBack) {
+  const auto element = nlohmann::json::parse(
+      R"({"code":"c","flowType":"f","group":"expired","reason":"r","type":"t"})");
+  EXPECT_EQ(encodeCheckoutErrorEvent(decodeCheckoutErrorEvent(element, {})), element);
 }
 
 TEST_F(CheckoutBridgeTest, BlockingPixelAndUnsupportedNames) {

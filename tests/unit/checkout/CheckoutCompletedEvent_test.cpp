@@ -5,13 +5,13 @@
 #include <string>
 
 #include "CheckoutTestSupport.h"
-#include "checkout/events/CheckoutCompletedEventCoding.h"
 #include "checkout/events/CheckoutCompletedEventDecoder.h"
+#include "vemba/checkout/EventJson.h"
 
 namespace vemba::checkout {
 namespace {
 
-using json::Json;
+using Json = nlohmann::json;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
@@ -34,12 +34,14 @@ class CompletedEventDecoderTest : public testing::CheckoutTest {
   }
 };
 
-// Every key read is written back (a null payment detail as null); unknown keys are not.
+// Every key read is written back (a null payment detail as null), and read back; unknown keys are
+// not.
 TEST_F(CompletedEventDecoderTest, AFullSummaryIsReadWithoutLoggingAndWrittenBackKeyForKey) {
   Json summary = fullSummary();
   const CheckoutCompletedEvent event = decode(envelope(summary.dump()));
   summary.erase("unknownTopLevel");
-  EXPECT_EQ(toJson(event), summary);
+  EXPECT_EQ(Json::parse(toJson(event)), summary);
+  EXPECT_EQ(fromJson<CheckoutCompletedEvent>(toJson(event)).value(), event);
   EXPECT_TRUE(logLines().empty());
 }
 
@@ -68,7 +70,7 @@ TEST_F(CompletedEventDecoderTest, FailureLogsOnceAndYieldsTheEmptyEvent) {
   }
 }
 
-// Each edit applied to the full summary must discard the whole summary (or must not).
+// Each edit applied to the full summary must discard the whole summary (or fromJson fail), or not.
 TEST_F(CompletedEventDecoderTest, OneBadFieldAnywhereDiscardsTheWholeSummary) {
   struct Case {
     const char* pointer;  // JSON pointer into the summary
@@ -116,14 +118,19 @@ TEST_F(CompletedEventDecoderTest, OneBadFieldAnywhereDiscardsTheWholeSummary) {
     const CheckoutCompletedEvent event = decode(envelope(summary.dump()));
     EXPECT_EQ(event != empty, c.decodes) << c.pointer << " = " << c.value.dump();
     EXPECT_EQ(platform.log.lines.size(), c.decodes ? 0U : 1U) << c.pointer;
+    EXPECT_EQ(fromJson<CheckoutCompletedEvent>(summary.dump()).hasValue(), c.decodes) << c.pointer;
   }
 }
 
 TEST(CheckoutCompletedEventTest, EmptyEventEncodesFourEmptyPrices) {
-  EXPECT_EQ(toJson(createEmptyCheckoutCompletedEvent(std::nullopt)).dump(),
+  EXPECT_EQ(toJson(createEmptyCheckoutCompletedEvent(std::nullopt)),
             R"({"orderDetails":{"cart":{"lines":[],"price":{"shipping":{},"subtotal":{},)"
             R"("taxes":{},"total":{}},"token":""},"id":""}})");
   EXPECT_EQ(createEmptyCheckoutCompletedEvent("order-1").orderDetails.id, "order-1");
+  EXPECT_EQ(
+      fromJson<CheckoutCompletedEvent>("{}").error(),
+      (Error{"DecodingError", 4865,
+             R"(Key not found at "orderDetails": No value associated with key "orderDetails".)"}));
 }
 
 }  // namespace

@@ -1,12 +1,21 @@
 #include "checkout/CheckoutErrorMapping.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "CheckoutTestSupport.h"
 #include "checkout/OSLogger.h"
+#include "vemba/checkout/EventJson.h"
 
 namespace vemba::checkout {
 namespace {
+
+using ::testing::StartsWith;
+
+// An error a host may store (none counts) reads back from its public JSON as it was.
+bool readsBack(const std::optional<CheckoutError>& error) {
+  return !error || fromJson<CheckoutError>(toJson(*error)).value() == *error;
+}
 
 class CheckoutErrorMappingTest : public testing::CheckoutTest {
  protected:
@@ -54,6 +63,7 @@ TEST_F(CheckoutErrorMappingTest, PageErrorMessagesByGroup) {
     const auto event = CheckoutBridge::decode(testing::envelope("error", c.body));
     ASSERT_TRUE(event.hasValue());
     EXPECT_EQ(checkoutErrorForWebEvent(event.value()), c.expected);
+    EXPECT_TRUE(readsBack(c.expected));
     EXPECT_EQ(logLines(), c.log);
   }
 }
@@ -96,6 +106,39 @@ TEST_F(CheckoutErrorMappingTest, HttpStatusOfTheCheckoutDocument) {
     EXPECT_EQ(logLines(),
               c.log ? std::vector<std::string>{debugLine(c.log)} : std::vector<std::string>{})
         << c.status;
+  }
+}
+
+// The host-facing JSON of the cases the mappings above do not make, and of a nested code; what a
+// reading that fails says.
+TEST(CheckoutErrorJsonTest, CasesWrittenAndReadBack) {
+  const std::pair<CheckoutError, std::string> cases[] = {
+      {CheckoutError::sdkError(Error{"URLError", -1009, "offline/now"}, true),
+       R"({"case":"sdkError","recoverable":true,"underlying":{"code":-1009,)"
+       R"("description":"offline\/now","domain":"URLError"}})"},
+      {CheckoutError::configurationError("m", CheckoutErrorCode::invalidCart, false),
+       R"({"case":"configurationError","code":"invalid_cart","message":"m","recoverable":false})"},
+      {unavailable("Not Found", 404, false),
+       R"({"case":"checkoutUnavailable","code":{"httpError":404},"message":"Not Found",)"
+       R"("recoverable":false})"},
+  };
+  for (const auto& [error, text] : cases) {
+    EXPECT_EQ(toJson(error), text);
+    EXPECT_EQ(fromJson<CheckoutError>(text).value(), error) << text;
+  }
+  // Text that is not UTF-8 is written, with U+FFFD in place of each invalid byte, not thrown.
+  EXPECT_EQ(toJson(CheckoutError::checkoutExpired("a\xff", CheckoutErrorCode::unknown, false)),
+            std::string(R"({"case":"checkoutExpired","code":"unknown","message":"a)") + "\uFFFD" +
+                R"(","recoverable":false})");
+  const std::pair<const char*, const char*> failures[] = {
+      {R"({"case":"sdkerror"})", R"(Data corrupted at "case": Cannot initialize CheckoutError )"},
+      {R"({"case":"checkoutExpired","message":"m","code":"CART_EXPIRED"})",
+       R"(Data corrupted at "code": Cannot initialize CheckoutErrorCode from invalid String )"},
+      {R"({"case":"sdkError","underlying":{"domain":"d","code":2147483648}})",
+       R"(Data corrupted at "underlying.code": Parsed JSON number <2147483648> does not fit )"},
+  };
+  for (const auto& [text, description] : failures) {
+    EXPECT_THAT(fromJson<CheckoutError>(text).error().description, StartsWith(description));
   }
 }
 

@@ -1,7 +1,9 @@
-// A value or an error, for operations that fail with a typed error instead of throwing.
+// A value or an error, for operations that fail with a typed error instead of throwing (the
+// library's decoders, and vemba::checkout::fromJson for hosts). Value type, copyable when T and E
+// are; reading the alternative it does not hold (value() of a failure, error() of a value) throws
+// std::bad_variant_access.
 #pragma once
 
-#include <cassert>
 #include <utility>
 #include <variant>
 
