@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -15,20 +16,17 @@ namespace vemba::linux_platform {
 namespace {
 
 using platform::LogSeverity;
-using Fields = std::map<std::string, std::string>;
+using Record = std::map<std::string, std::string>;  // the fields, and the level under "level"
 
-// Every record's fields, with its level under the key "level".
-std::vector<Fields> gRecords;
+std::vector<Record> gRecords;
 
 GLogWriterOutput keep(GLogLevelFlags level, const GLogField* fields, gsize count, gpointer) {
-  Fields record{{"level", std::to_string(level & G_LOG_LEVEL_MASK)}};
-  for (gsize i = 0; i < count; ++i) {
-    const char* value = static_cast<const char*>(fields[i].value);
-    record[fields[i].key] = fields[i].length < 0
-                                ? std::string(value)
-                                : std::string(value, std::size_t(fields[i].length));
+  Record& record =
+      gRecords.emplace_back(Record{{"level", std::to_string(level & G_LOG_LEVEL_MASK)}});
+  for (const GLogField& field : std::span<const GLogField>(fields, count)) {
+    const char* value = static_cast<const char*>(field.value);
+    record[field.key] = field.length < 0 ? value : std::string(value, std::size_t(field.length));
   }
-  gRecords.push_back(std::move(record));
   return G_LOG_WRITER_HANDLED;
 }
 
@@ -38,14 +36,12 @@ TEST(GlibLogSinkTest, EachWriteIsOneRecordInItsHalfsDomainAtItsLevel) {
       (g_log_set_writer_func(keep, nullptr, nullptr), true);
   const std::string checkout(platform::kCheckoutLogSubsystem);
   const std::string library(platform::kLibraryLogSubsystem);
-  struct Case {
+  const struct {
     LogSeverity severity;
-    std::string subsystem;
-    std::string domain;
+    std::string subsystem, domain;
     GLogLevelFlags level;
     std::string priority;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {LogSeverity::debug, checkout, kCheckoutLogDomain, G_LOG_LEVEL_DEBUG, "7"},
       {LogSeverity::info, library, kLogDomain, G_LOG_LEVEL_INFO, "6"},
       {LogSeverity::error, checkout, kCheckoutLogDomain, G_LOG_LEVEL_WARNING, "4"},
@@ -55,11 +51,10 @@ TEST(GlibLogSinkTest, EachWriteIsOneRecordInItsHalfsDomainAtItsLevel) {
   };
   // Format directives and line breaks reach the writer as they are.
   const std::string text = "100% done %s %n %d%% \"q\"\nnext line";
-  GlibLogSink sink;
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     gRecords.clear();
-    sink.write(c.severity, c.subsystem, "category-" + c.priority, text);
-    EXPECT_EQ(gRecords, (std::vector<Fields>{{{"level", std::to_string(c.level)},
+    GlibLogSink().write(c.severity, c.subsystem, "category-" + c.priority, text);
+    EXPECT_EQ(gRecords, (std::vector<Record>{{{"level", std::to_string(c.level)},
                                               {"MESSAGE", text},
                                               {"GLIB_DOMAIN", c.domain},
                                               {"PRIORITY", c.priority},

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <iostream>
 #include <nlohmann/json.hpp>
 
 #include "CheckoutTestSupport.h"
@@ -143,13 +144,10 @@ TEST(BridgeEnvelopeTest, DeepNestingOutsideTheKeptMembersIsOnlyValidated) {
 }
 
 // Writes each line on standard error, where a death test can see it.
-class StderrEchoSink final : public platform::LogSink {
- public:
-  void write(platform::LogSeverity severity, std::string_view subsystem,
-             std::string_view /*category*/, std::string_view line) override {
-    std::fprintf(stderr, "%s %.*s %.*s\n", std::string(platform::severityName(severity)).c_str(),
-                 static_cast<int>(subsystem.size()), subsystem.data(),
-                 static_cast<int>(line.size()), line.data());
+struct StderrEchoSink final : platform::LogSink {
+  void write(platform::LogSeverity severity, std::string_view subsystem, std::string_view,
+             std::string_view line) override {
+    std::cerr << platform::severityName(severity) << ' ' << subsystem << ' ' << line << std::endl;
   }
 };
 
