@@ -1,8 +1,8 @@
 // The services of the Linux backend, chosen at link time.
 #include "CurlHttpClient.h"
+#include "GlibLogSink.h"
 #include "GlibMainQueue.h"
 #include "LinuxDevice.h"
-#include "StderrLogSink.h"
 #include "platform/Services.h"
 #include "ui/GtkApplication.h"
 #include "ui/GtkUi.h"
@@ -18,7 +18,7 @@ struct LinuxServices {
   SystemClock clock;
   LinuxDevice device;
   RandomUuidSource uuids;
-  StderrLogSink log;
+  GlibLogSink log;
   CurlHttpClient http;
   platform::Services services;
 

@@ -1,6 +1,6 @@
 // The bridge's own error. It never reaches the host: a message that cannot be decoded is
 // reported by the web view as a recoverable sdkError carrying this error, and an instrumentation
-// payload that cannot be encoded is only printed. Value type.
+// payload that cannot be encoded is only logged. Value type.
 #pragma once
 
 #include <optional>

@@ -1,8 +1,10 @@
 #include "checkout/ContractViolation.h"
 
 #include <atomic>
-#include <cstdio>
 #include <cstdlib>
+#include <string>
+
+#include "checkout/OSLogger.h"
 
 namespace vemba::checkout {
 namespace {
@@ -13,9 +15,9 @@ void contractViolation(std::string_view reason) {
   if (ContractViolationHook hook = gHook.load()) {
     hook(reason);
   }
-  std::fprintf(stderr, "%.*s%.*s\n", static_cast<int>(kContractViolationPrefix.size()),
-               kContractViolationPrefix.data(), static_cast<int>(reason.size()), reason.data());
-  std::fflush(stderr);
+  std::string line(kContractViolationPrefix);
+  line.append(reason);
+  OSLogger::writeUnfiltered(platform::LogSeverity::fault, line);
   std::abort();
 }
 

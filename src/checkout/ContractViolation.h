@@ -1,7 +1,9 @@
 // The one way the checkout core ends the process: when the checkout page breaks a promise of
 // its protocol that the kit relies on by design (an "error" message with no error in it, a
-// blocking-event message that is neither "true" nor "false"). The reason is printed to standard
-// error after kContractViolationPrefix, then the process aborts.
+// blocking-event message that is neither "true" nor "false"). The reason, after
+// kContractViolationPrefix, is written to the platform's log sink at fault severity whatever the
+// kit's log level (on Linux a critical record of GLib's log, which GLib's default writer prints
+// on standard error), then the process aborts.
 //
 // Tests and fuzzers may install a hook that is run first; a hook that wants the process to
 // continue must leave by throwing (e.g. ContractViolationForTesting). If it returns, the process

@@ -1,9 +1,9 @@
 #include "checkout/InstrumentationPayload.h"
 
-#include <cstdio>
 #include <nlohmann/json.hpp>
 
 #include "checkout/BridgeError.h"
+#include "checkout/OSLogger.h"
 #include "common/JsonDecoding.h"
 
 namespace vemba::checkout {
@@ -67,9 +67,8 @@ std::optional<std::string> toJson(const SdkToWebEvent<InstrumentationPayload>& e
   } catch (const json::Json::exception& failure) {
     const BridgeError error = BridgeError::unencodableInstrumentation(
         Error{kEncodingErrorDomain, failure.id, failure.what()});
-    std::printf("%.*s %s\n", static_cast<int>(kEncodeFailureLabel.size()),
-                kEncodeFailureLabel.data(), error.debugDescription().c_str());
-    std::fflush(stdout);
+    OSLogger::writeUnfiltered(platform::LogSeverity::error,
+                              std::string(kEncodeFailureLabel) + " " + error.debugDescription());
     return std::nullopt;
   }
 }

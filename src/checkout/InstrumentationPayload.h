@@ -40,8 +40,9 @@ struct SdkToWebEvent {
 nlohmann::json encodeInstrumentationPayload(const InstrumentationPayload& payload);
 nlohmann::json encodeSdkToWebEvent(const SdkToWebEvent<InstrumentationPayload>& event);
 
-// The JSON text of `event`, or absent when it cannot be encoded; the failure is then printed to
-// standard output as "toJson() unencodableInstrumentation(<error>)".
+// The JSON text of `event`, or absent when it cannot be encoded; the failure is then written to
+// the log sink at error severity, whatever the kit's log level, as
+// "toJson() unencodableInstrumentation(<error>)".
 std::optional<std::string> toJson(const SdkToWebEvent<InstrumentationPayload>& event);
 
 // Reads the text back (strict, unknown keys ignored).

@@ -102,9 +102,11 @@ void OSLogger::write(platform::LogSeverity severity, std::string_view message) c
     line.append("[").append(prefix_).append("] (");
   }
   line.append(tag).append(") - ").append(message);
+  writeUnfiltered(severity, line);
+}
 
-  platform::LogSink* sink = platform::services().log;
-  if (sink != nullptr) {
+void OSLogger::writeUnfiltered(platform::LogSeverity severity, std::string_view line) {
+  if (platform::LogSink* sink = platform::services().log) {
     sink->write(severity, kSubsystem, kCategory, line);
   }
 }

@@ -20,7 +20,7 @@ namespace vemba::checkout {
 class OSLogger {
  public:
   // The kit's reverse-DNS identifier and the category under which its lines are filed.
-  static constexpr std::string_view kSubsystem = "com.vemba.VembaCheckoutKit";
+  static constexpr std::string_view kSubsystem = platform::kCheckoutLogSubsystem;
   static constexpr std::string_view kCategory = "PointsOfInterest";
   static constexpr std::string_view kDefaultPrefix = "VembaCheckoutKit";
 
@@ -36,6 +36,11 @@ class OSLogger {
   // Tests only: forgets the shared instance so that the next shared() creates a fresh one.
   // No reference obtained from shared() before the reset may be used after it.
   static void resetSharedForTesting();
+
+  // Writes `line` as it is to the platform's log sink under the kit's subsystem and category,
+  // whatever any threshold says: for the few lines that must always be written (a contract
+  // violation, an event that cannot be encoded). Does nothing when the platform has no sink.
+  static void writeUnfiltered(platform::LogSeverity severity, std::string_view line);
 
   void debug(std::string_view message) const;
   void info(std::string_view message) const;

@@ -7,6 +7,12 @@ namespace vemba::platform {
 
 enum class LogSeverity { debug, info, error, fault };
 
+// The subsystems the library writes under: the checkout half's, and the library's own for the ad
+// half and the shared backend. A backend may file the two apart (the Linux one in two log
+// domains), so every writer names one of these.
+inline constexpr std::string_view kCheckoutLogSubsystem = "com.vemba.VembaCheckoutKit";
+inline constexpr std::string_view kLibraryLogSubsystem = "vemba";
+
 // "debug", "info", "error" or "fault".
 constexpr std::string_view severityName(LogSeverity severity) {
   switch (severity) {

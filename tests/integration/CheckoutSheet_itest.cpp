@@ -124,8 +124,10 @@ TEST_F(CheckoutSheetTest, A404DismissesWithoutRecovery) {
   const InspectorRun defaults =
       inspect({"--url", url("/checkout/status/500"), "--default-delegate", "--log-level", "error"});
   EXPECT_EQ(defaults.trace(), (Strings{"screen:presented", "screen:dismissed"}));
-  EXPECT_NE(defaults.errors.find("checkoutDidFail threw the CheckoutError it was given"),
-            std::string::npos);
+  EXPECT_NE(defaults.errors.find("warning [VembaCheckoutKit/PointsOfInterest] [VembaCheckoutKit] "
+                                 "(Error) - checkoutDidFail threw the CheckoutError it was given"),
+            std::string::npos)
+      << defaults.errors;
 }
 
 TEST_F(CheckoutSheetTest, LinksAreReportedAndStayOutOfTheSheet) {

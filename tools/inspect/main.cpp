@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "Commands.h"
+#include "LogWriter.h"
 
 namespace {
 
@@ -48,6 +49,7 @@ int main(int argc, char** argv) {
   if (argc < 2) {
     return usage();
   }
+  vemba::inspect::installLogWriter();
   const std::string_view name = argv[1];
   const vemba::inspect::Args args(argv + 2, argv + argc);
   for (const Subcommand& command : kSubcommands) {

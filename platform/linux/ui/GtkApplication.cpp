@@ -19,7 +19,6 @@ namespace vemba::linux_platform {
 
 namespace {
 
-constexpr std::string_view kLogSubsystem = "vemba";
 constexpr std::string_view kLogCategory = "application";
 constexpr std::string_view kRefusedLine = "not opening a URL whose scheme is not allowed: ";
 constexpr std::string_view kLaunchFailedLine = "no application opened ";
@@ -29,7 +28,7 @@ constexpr const char* kWatchedKey = "vemba-activation-watched";
 
 void log(platform::LogSeverity severity, const std::string& line) {
   if (platform::LogSink* sink = platform::services().log) {
-    sink->write(severity, kLogSubsystem, kLogCategory, line);
+    sink->write(severity, platform::kLibraryLogSubsystem, kLogCategory, line);
   }
 }
 

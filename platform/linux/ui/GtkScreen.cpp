@@ -497,7 +497,8 @@ bool GtkScreen::presentScreen(std::shared_ptr<platform::Screen> child, bool anim
   GtkWindow* target = window();
   if (target == nullptr) {
     if (platform::LogSink* sink = platform::services().log) {
-      sink->write(platform::LogSeverity::error, "vemba", "ui", kNoWindowLine);
+      sink->write(platform::LogSeverity::error, platform::kLibraryLogSubsystem, "ui",
+                  kNoWindowLine);
     }
     return false;
   }

@@ -18,7 +18,6 @@ namespace vemba::linux_platform {
 
 namespace {
 
-constexpr std::string_view kLogSubsystem = "vemba";
 constexpr std::string_view kLogCategory = "ui";
 constexpr std::string_view kNoDisplayLine =
     "GTK cannot be initialised (no display?): nothing will be shown";
@@ -29,7 +28,7 @@ using Attribute = platform::LayoutAnchor::Attribute;
 
 void log(platform::LogSeverity severity, std::string_view line) {
   if (platform::LogSink* sink = platform::services().log) {
-    sink->write(severity, kLogSubsystem, kLogCategory, line);
+    sink->write(severity, platform::kLibraryLogSubsystem, kLogCategory, line);
   }
 }
 

@@ -35,7 +35,6 @@ ads::AdFormat formatOf<VembaRewardedAd>() {
   return {ads::AdFormat::Kind::rewarded, log_message::kLoadingRewarded};
 }
 
-constexpr std::string_view kLogSubsystem = "vemba";
 constexpr std::string_view kLogCategory = "ads";
 constexpr std::string_view kAlreadyPresentingLine =
     "the screen to show the ad from already presents another screen; the ad is not shown and "
@@ -43,7 +42,7 @@ constexpr std::string_view kAlreadyPresentingLine =
 
 void logError(const std::string& line) {
   if (platform::LogSink* sink = platform::services().log) {
-    sink->write(platform::LogSeverity::error, kLogSubsystem, kLogCategory, line);
+    sink->write(platform::LogSeverity::error, platform::kLibraryLogSubsystem, kLogCategory, line);
   }
 }
 

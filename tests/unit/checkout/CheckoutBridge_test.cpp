@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <iostream>
 #include <nlohmann/json.hpp>
 
 #include "CheckoutTestSupport.h"
@@ -14,6 +15,7 @@
 #include "common/JsonDecoding.h"
 #include "platform/ScriptEvaluator.h"
 #include "platform/ScriptMessage.h"
+#include "platform/Services.h"
 
 namespace vemba::checkout {
 namespace {
@@ -149,22 +151,40 @@ TEST(BridgeEnvelopeTest, DeepNestingOutsideTheKeptMembersIsOnlyValidated) {
   EXPECT_EQ((*read)["body"], nlohmann::json::array());
 }
 
+// Writes each line on standard error, where a death test can see it.
+struct StderrEchoSink final : platform::LogSink {
+  void write(platform::LogSeverity severity, std::string_view subsystem, std::string_view,
+             std::string_view line) override {
+    std::cerr << platform::severityName(severity) << ' ' << subsystem << ' ' << line << std::endl;
+  }
+};
+
 using CheckoutBridgeDeathTest = CheckoutBridgeTest;
 
-TEST_F(CheckoutBridgeDeathTest, ContractViolationsEndTheProcess) {
+TEST_F(CheckoutBridgeDeathTest,
+       ContractViolationsAreLoggedAsFaultsWhateverTheLevelAndEndTheProcess) {
   const std::array<std::string, 3> cases[] = {
       {"error", "[]", ".*empty array"},
       {"checkoutBlockingEvent", "TRUE", ".*checkoutBlockingEvent"},
       {"checkoutBlockingEvent", "", ""},
       {"checkoutBlockingEvent", " true", ""}};
+  StderrEchoSink echo;
+  platform::Services echoing = platform.services();
+  echoing.log = &echo;
+  OSLogger::shared().setLogLevel(LogLevel::none);
   for (const auto& [name, body, reason] : cases) {
-    EXPECT_DEATH((void)CheckoutBridge::decode(envelope(name, body)),
-                 "vemba-checkout: contract violation: " + reason)
+    EXPECT_DEATH(
+        {
+          const platform::ScopedServices scope(echoing);
+          (void)CheckoutBridge::decode(envelope(name, body));
+        },
+        "fault com.vemba.VembaCheckoutKit vemba-checkout: contract violation: " + reason)
         << name << " " << body;
   }
   // A hook that returns does not prevent the end.
   EXPECT_DEATH(
       {
+        const platform::ScopedServices scope(echoing);
         const ScopedContractViolationHook hook([](std::string_view /*reason*/) {});
         (void)CheckoutBridge::decode(envelope("error", "[]"));
       },
@@ -233,16 +253,16 @@ TEST_F(CheckoutBridgeTest, InstrumentSendsTheEncodedPayloadIntactWhateverItsText
   }
 }
 
-TEST_F(CheckoutBridgeTest, UnencodableInstrumentationIsPrintedAndNotSent) {
+TEST_F(CheckoutBridgeTest, UnencodableInstrumentationIsLoggedWhateverTheLevelAndNotSent) {
   RecordingScriptEvaluator webView;
   const InstrumentationPayload payload{"bad \xFF name", 1, InstrumentationType::histogram, {}};
-  ::testing::internal::CaptureStdout();
+  OSLogger::shared().setLogLevel(LogLevel::none);
   CheckoutBridge::instrument(webView, payload);
-  const std::string printed = ::testing::internal::GetCapturedStdout();
   EXPECT_THAT(webView.scripts, IsEmpty());
-  EXPECT_THAT(printed, StartsWith("toJson() unencodableInstrumentation(EncodingError 316: "));
-  EXPECT_EQ(printed.back(), '\n');
-  EXPECT_THAT(platform.log.lines, IsEmpty());
+  ASSERT_EQ(platform.log.lines.size(), 1U);
+  EXPECT_THAT(logLines()[0],
+              StartsWith("error|toJson() unencodableInstrumentation(EncodingError 316: "));
+  EXPECT_EQ(platform.log.lines[0].subsystem, platform::kCheckoutLogSubsystem);
 }
 
 }  // namespace
