@@ -12,7 +12,7 @@
 #include "FakeWebView.h"
 #include "RecordingDelegate.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 namespace {
 
 constexpr const char* kPage = "https://127.0.0.1/creative.html";
@@ -117,4 +117,4 @@ TYPED_TEST(AdWebViewPreparationTest, AProcessWhoseUserInterfaceIsNotUpGetsNothin
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

@@ -8,7 +8,7 @@
 namespace vemba::checkout {
 namespace {
 
-class CheckoutErrorMappingTest : public testing::CheckoutTest {
+class CheckoutErrorMappingTest : public tests::CheckoutTest {
  protected:
   CheckoutErrorMappingTest() { OSLogger::shared().setLogLevel(LogLevel::all); }
 };
@@ -51,7 +51,7 @@ TEST_F(CheckoutErrorMappingTest, PageErrorMessagesByGroup) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.body);
     platform.log.lines.clear();
-    const auto event = CheckoutBridge::decode(testing::envelope("error", c.body));
+    const auto event = CheckoutBridge::decode(tests::envelope("error", c.body));
     ASSERT_TRUE(event.hasValue());
     EXPECT_EQ(checkoutErrorForWebEvent(event.value()), c.expected);
     EXPECT_EQ(logLines(), c.log);
