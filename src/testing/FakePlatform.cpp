@@ -168,9 +168,7 @@ std::optional<PresentedCheckout> FakePlatform::presentedCheckout() const {
   if (!sheet) {
     return std::nullopt;
   }
-  const auto& page =
-      dynamic_cast<checkout::CheckoutWebViewController&>(*sheet->childControllers().at(0));
-  std::string url = page.checkoutURL().absoluteString();
+  std::string url = sheetPage(*sheet).checkoutURL().absoluteString();
   return PresentedCheckout(std::make_shared<PresentedCheckout::State>(
       PresentedCheckout::State{std::move(sheet), std::move(url)}));
 }

@@ -18,8 +18,10 @@ namespace vemba::ads {
 class VembaWebViewController;
 }
 namespace vemba::checkout {
+class CheckoutViewController;
 class CheckoutViewControllerImpl;
-}
+class CheckoutWebViewController;
+}  // namespace vemba::checkout
 
 namespace vemba::testing {
 
@@ -56,6 +58,9 @@ FakePlatform::State& stateOf(FakePlatform& platform);
 inline fake::FakePlatform& backendOf(FakePlatform& platform) {
   return stateOf(platform).backend;
 }
+
+// The controller of the checkout page inside `sheet`.
+checkout::CheckoutWebViewController& sheetPage(const checkout::CheckoutViewController& sheet);
 
 // Plays one main-frame load of the web view's current URL, its document answered with `status`:
 // the navigation starts, the response is decided on and, unless it is cancelled (then the

@@ -37,11 +37,7 @@ platform::ScriptMessage::NonStringBody action(std::string_view name, std::string
 // The controller of the sheet's checkout page, while the sheet lives.
 std::shared_ptr<checkout::CheckoutWebViewController> pageOf(const PresentedCheckout::State& state) {
   const auto sheet = state.sheet.lock();
-  if (!sheet) {
-    return nullptr;
-  }
-  return std::dynamic_pointer_cast<checkout::CheckoutWebViewController>(
-      sheet->childControllers().at(0));
+  return sheet ? sheetPage(*sheet).shared_from_this() : nullptr;
 }
 
 fake::FakeWebView* webViewOf(const PresentedCheckout::State& state) {
@@ -144,6 +140,11 @@ void PresentedCheckout::pressClose() const {
   if (const auto page = pageOf(*state_)) {
     dynamic_cast<fake::FakeScreen&>(*page->screen()).pressRightBarButtonItem();
   }
+}
+
+checkout::CheckoutWebViewController& sheetPage(const checkout::CheckoutViewController& sheet) {
+  const auto& container = dynamic_cast<const checkout::CheckoutViewControllerImpl&>(sheet);
+  return dynamic_cast<checkout::CheckoutWebViewController&>(*container.childControllers().at(0));
 }
 
 void playPageLoad(fake::FakeWebView& webView, long status) {

@@ -102,8 +102,7 @@ class CheckoutScreenTest : public CheckoutTest {
   }
   // The checkout page controller inside a presented sheet.
   static CheckoutWebViewController& page(const std::shared_ptr<CheckoutViewController>& sheet) {
-    const auto& container = dynamic_cast<CheckoutViewControllerImpl&>(*sheet);
-    return dynamic_cast<CheckoutWebViewController&>(*container.childControllers().at(0));
+    return vemba::testing::sheetPage(*sheet);
   }
 
   static void loadPage(fake::FakeWebView& webView, long status = 200) {
