@@ -6,8 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/Screen.h"
-#include "platform/WebView.h"
+#include "Inspection.h"
 #include "vemba/Vemba.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutDelegate.h"
@@ -28,17 +27,6 @@ constexpr guint kDismissAfterCompleteMs = 2500;
 constexpr guint kDismissAfterCancelMs = 300;
 // How often the window looks for a loaded sheet over the shown ad.
 constexpr guint kWatchIntervalMs = 100;
-
-// Whether `ad` presents a sheet whose page has finished loading.
-bool sheetLoaded(const std::shared_ptr<platform::Screen>& ad) {
-  const std::shared_ptr<platform::Screen> sheet = ad->presentedScreen();
-  const std::shared_ptr<platform::Screen> page = sheet ? sheet->visibleScreen() : nullptr;
-  if (!page || !page->isViewLoaded() || page->view().subviews().empty()) {
-    return false;
-  }
-  const auto webView = std::dynamic_pointer_cast<platform::WebView>(page->view().subviews()[0]);
-  return webView && webView->url() && !webView->isLoading();
-}
 
 // The colours of the confetti particles (one small texture each).
 constexpr std::array<std::uint32_t, 5> kConfettiColours = {0xE8505BFF, 0xF9D56EFF, 0x14B1ABFF,
@@ -428,8 +416,8 @@ GtkWidget* DemoWindow::buildCheckoutPanel() {
   return box;
 }
 
-std::shared_ptr<platform::Screen> DemoWindow::screen() const {
-  return platform::Screen::of(screenForWindow(window_));
+std::shared_ptr<ScreenHandle> DemoWindow::screen() const {
+  return screenForWindow(window_);
 }
 
 std::string DemoWindow::adUnit() const {
@@ -529,11 +517,8 @@ void DemoWindow::dismissCheckout() {
 }
 
 void DemoWindow::dismissScreenOverAd() {
-  const std::shared_ptr<platform::Screen> ad = screen()->presentedScreen();
-  if (ad && ad->presentedScreen()) {
-    // Dismissing from the ad's screen takes away what it presents, not the ad.
-    ad->dismiss(/*animated=*/true, [this] { event("demo", "sheet over the ad dismissed"); });
-  }
+  inspection::dismissPresentedOver(inspection::presentedOver(screen()),
+                                   [this] { event("demo", "sheet over the ad dismissed"); });
 }
 
 void DemoWindow::watchScreenOverAd() {
@@ -541,11 +526,11 @@ void DemoWindow::watchScreenOverAd() {
       kWatchIntervalMs,
       [](gpointer data) -> gboolean {
         auto* self = static_cast<DemoWindow*>(data);
-        const std::shared_ptr<platform::Screen> ad = self->screen()->presentedScreen();
+        const std::shared_ptr<ScreenHandle> ad = inspection::presentedOver(self->screen());
         if (!ad) {
           return G_SOURCE_REMOVE;  // the ad is gone
         }
-        if (!sheetLoaded(ad)) {
+        if (!inspection::pageLoaded(inspection::presentedOver(ad))) {
           return G_SOURCE_CONTINUE;
         }
         self->event("demo", "sheet over the ad loaded");

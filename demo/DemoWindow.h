@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "EventLog.h"
+#include "vemba/ScreenHandle.h"
 #include "vemba/Url.h"
 
 namespace vemba {
@@ -93,7 +94,7 @@ class DemoWindow {
   void applyPrivacy();
   void applyConfetti(bool enabled);
   void applyPreloading(bool enabled);
-  std::shared_ptr<platform::Screen> screen() const;
+  std::shared_ptr<ScreenHandle> screen() const;
   std::string adUnit() const;
   std::string checkoutUrl() const;
 

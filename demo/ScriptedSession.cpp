@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "ui/WindowSnapshot.h"
+#include "Inspection.h"
 
 namespace vemba::demo {
 namespace {
@@ -229,7 +229,7 @@ void ScriptedSession::takeSnapshot(const std::string& name) {
   char file[64];
   std::snprintf(file, sizeof file, "%02d-%s.png", ++snapshots_, name.c_str());
   const std::string path = screenshotDir_ + "/" + file;
-  if (linux_platform::saveWindowPng(window_.window(), path)) {
+  if (inspection::saveWindowPng(window_.window(), path)) {
     window_.log().add("demo", "screenshot " + path);
   } else {
     fail("could not save " + path);

@@ -28,6 +28,8 @@ for preset in ci asan-ubsan tsan; do
     ctest --preset "$preset" -j "$jobs" --timeout 300
 done
 
+section "package"
+scripts/check-package.sh
 section "fuzz (${fuzz_seconds}s each)"
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j "$jobs"

@@ -8,3 +8,9 @@
 #else
 #define VEMBA_EXPORT
 #endif
+
+// The package's compile flags name its backend: a host built against both Vemba (the Linux
+// backend) and Vemba Testing (the fake one) would get two backends in one process.
+#if defined(VEMBA_BACKEND_LINUX) && defined(VEMBA_BACKEND_FAKE)
+#error "Vemba: link either vemba (Vemba::Vemba) or vemba-testing (Vemba::Testing), not both"
+#endif

@@ -1,7 +1,6 @@
 #include "checkout/CheckoutURL.h"
 
 #include <algorithm>
-#include <regex>
 #include <string>
 #include <string_view>
 
@@ -11,16 +10,17 @@ namespace vemba::checkout {
 namespace {
 
 constexpr std::string_view kMultipass = "multipass";
-constexpr const char* kConfirmationComponentPattern = "^(thank[_-]you)$";
+// A path component that is one of these, in any ASCII case, names the confirmation page.
+constexpr std::string_view kConfirmationComponents[] = {"thank_you", "thank-you"};
 constexpr std::string_view kAboutScheme = "about";
 constexpr std::string_view kAboutBlank = "about:blank";
 constexpr std::string_view kHttp = "http";
 constexpr std::string_view kHttps = "https";
 
-const std::regex& confirmationComponent() {
-  static const std::regex pattern(kConfirmationComponentPattern,
-                                  std::regex::ECMAScript | std::regex::icase);
-  return pattern;
+bool isConfirmationComponent(std::string_view component) {
+  return std::any_of(
+      std::begin(kConfirmationComponents), std::end(kConfirmationComponents),
+      [component](std::string_view name) { return equalsIgnoringAsciiCase(component, name); });
 }
 
 }  // namespace
@@ -31,9 +31,7 @@ bool CheckoutURL::isMultipassURL() const {
 
 bool CheckoutURL::isConfirmationPage() const {
   const std::vector<std::string> components = url.pathComponents();
-  return std::any_of(components.begin(), components.end(), [](const std::string& component) {
-    return std::regex_search(component, confirmationComponent());
-  });
+  return std::any_of(components.begin(), components.end(), isConfirmationComponent);
 }
 
 bool CheckoutURL::isBlank() const {

@@ -9,13 +9,13 @@
 #include "CheckoutJson.h"
 #include "Commands.h"
 #include "InspectHost.h"
+#include "Inspection.h"
 #include "Options.h"
 #include "checkout/CheckoutViewControllerImpl.h"
 #include "checkout/CheckoutWebView.h"
 #include "checkout/CheckoutWebViewController.h"
 #include "checkout/OSLogger.h"
 #include "checkout/events/CheckoutCompletedEventCoding.h"
-#include "platform/Screen.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutDelegate.h"
 
@@ -201,7 +201,7 @@ void printScreen(const char* state) {
 // snapshot once the page has loaded, and ends the run when the sheet has gone. True while the
 // watch should go on.
 bool watch(Session& session) {
-  const std::shared_ptr<platform::Screen> shown = session.host->screen()->presentedScreen();
+  const std::shared_ptr<ScreenHandle> shown = inspection::presentedOver(session.host->screen());
   const bool onScreen = shown != nullptr && shown == session.sheet->screen();
   if (!session.presented && onScreen) {
     session.presented = true;

@@ -6,10 +6,9 @@
 #include <cstdlib>
 #include <vector>
 
+#include "Inspection.h"
 #include "Options.h"
-#include "platform/Screen.h"
 #include "platform/Services.h"
-#include "ui/WindowSnapshot.h"
 #include "vemba/linux/Screens.h"
 #include "vemba/linux/WebViews.h"
 
@@ -32,7 +31,7 @@ struct Timer {
 struct InspectHost::State {
   GtkWindow* window = nullptr;
   GMainLoop* loop = nullptr;
-  std::shared_ptr<platform::Screen> screen;
+  std::shared_ptr<ScreenHandle> screen;
   bool quit = false;
   // Every source this host added, removed on destruction so that none outlives what it uses.
   std::vector<guint> sources;
@@ -73,7 +72,7 @@ std::unique_ptr<InspectHost> InspectHost::open(const std::string& title) {
   GtkWidget* placeholder = gtk_label_new("Host window");
   gtk_window_set_child(state->window, placeholder);
   gtk_window_present(state->window);
-  state->screen = platform::Screen::of(screenForWindow(state->window));
+  state->screen = screenForWindow(state->window);
   return std::unique_ptr<InspectHost>(new InspectHost(std::move(state)));
 }
 
@@ -81,12 +80,12 @@ InspectHost::InspectHost(std::unique_ptr<State> state) : state_(std::move(state)
 
 InspectHost::~InspectHost() = default;
 
-std::shared_ptr<platform::Screen> InspectHost::screen() const {
+std::shared_ptr<ScreenHandle> InspectHost::screen() const {
   return state_->screen;
 }
 
 bool InspectHost::snapshot(const std::string& path) const {
-  if (linux_platform::saveWindowPng(state_->window, path)) {
+  if (inspection::saveWindowPng(state_->window, path)) {
     return true;
   }
   std::fprintf(stderr, "vemba-inspect: could not save a snapshot to %s\n", path.c_str());

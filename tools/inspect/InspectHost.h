@@ -8,11 +8,8 @@
 #include <optional>
 #include <string>
 
+#include "vemba/ScreenHandle.h"
 #include "vemba/Url.h"
-
-namespace vemba::platform {
-class Screen;
-}
 
 namespace vemba::inspect {
 
@@ -31,7 +28,7 @@ class InspectHost {
   InspectHost& operator=(const InspectHost&) = delete;
 
   // The window's root screen, to present from.
-  std::shared_ptr<platform::Screen> screen() const;
+  std::shared_ptr<ScreenHandle> screen() const;
   // Saves a PNG of the window; false (after printing why) when it cannot.
   bool snapshot(const std::string& path) const;
   // Runs the main loop until quit() (or `seconds` pass: then false).

@@ -1,7 +1,6 @@
 // vemba-inspect show: loads an ad and shows it from a host window when it has loaded, as a host
 // would, printing one JSON line per host callback, per URL the ad opens outside the application,
 // and per appearance and departure of a checkout sheet over the ad.
-#include <gtk/gtk.h>
 
 #include <cstdio>
 #include <memory>
@@ -12,12 +11,9 @@
 #include "AdOptions.h"
 #include "Commands.h"
 #include "InspectHost.h"
+#include "Inspection.h"
 #include "Options.h"
 #include "ads/core/VembaLogger.h"
-#include "platform/Screen.h"
-#include "platform/View.h"
-#include "platform/WebView.h"
-#include "ui/GtkViewBase.h"
 #include "vemba/Vemba.h"
 
 namespace vemba::inspect {
@@ -46,15 +42,9 @@ struct ShowSession {
   bool checkoutShown = false;
   bool snapshotTaken = false;
 
-  // The ad's screen and its two views: the web view and the close button above it.
-  std::shared_ptr<platform::Screen> adScreen() const { return host->screen()->presentedScreen(); }
-  std::shared_ptr<platform::View> adSubview(std::size_t index) const {
-    const std::shared_ptr<platform::Screen> screen = adScreen();
-    if (!screen || !screen->isViewLoaded()) {
-      return nullptr;
-    }
-    const auto subviews = screen->view().subviews();
-    return index < subviews.size() ? subviews[index] : nullptr;
+  // The ad's screen: what the host window presents.
+  std::shared_ptr<ScreenHandle> adScreen() const {
+    return inspection::presentedOver(host->screen());
   }
 
   void print(const char* callback) { printLine(Line{{"callback", callback}}); }
@@ -63,12 +53,8 @@ struct ShowSession {
   void didShow() {
     print("adDidShow");
     if (options.closeAfter) {
-      host->after(*options.closeAfter, [this] {
-        // A real press of the close button, as a person's click delivers it.
-        if (const std::shared_ptr<platform::View> button = adSubview(1)) {
-          gtk_widget_activate(linux_platform::gtkWidgetOf(*button));
-        }
-      });
+      // A real press of the close button, as a person's click delivers it.
+      host->after(*options.closeAfter, [this] { inspection::pressCloseButton(adScreen()); });
     }
     host->every(kWatchIntervalSeconds, [this] { return watch(); });
   }
@@ -76,18 +62,17 @@ struct ShowSession {
   // Prints a checkout sheet's arrival and departure over the ad, and takes the snapshot once the
   // ad page has loaded. True while the ad's screen is up.
   bool watch() {
-    const std::shared_ptr<platform::Screen> screen = adScreen();
+    const std::shared_ptr<ScreenHandle> screen = adScreen();
     if (!screen) {
       return false;
     }
-    const bool checkout = screen->presentedScreen() != nullptr;
+    const bool checkout = inspection::presentedOver(screen) != nullptr;
     if (checkout != checkoutShown) {
       checkoutShown = checkout;
       printLine(Line{{"screen", "checkout"}, {"state", checkout ? "presented" : "dismissed"}});
     }
     if (options.screenshot && !snapshotTaken) {
-      const auto webView = std::dynamic_pointer_cast<platform::WebView>(adSubview(0));
-      if (webView && webView->url() && !webView->isLoading()) {
+      if (inspection::pageLoaded(screen)) {
         snapshotTaken = true;
         host->after(kSnapshotSettleSeconds, [this] { host->snapshot(*options.screenshot); });
       }

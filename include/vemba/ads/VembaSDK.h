@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "vemba/Version.h"
 #include "vemba/ads/VembaPrivacy.h"
 
 namespace vemba {
@@ -26,7 +27,7 @@ struct VembaConfiguration {
 class VembaSDK {
  public:
   static VembaSDK& shared();
-  static std::string version() { return "1.0.0"; }
+  static std::string version() { return VEMBA_VERSION_STRING; }
 
   // The key stored by the last initialize(); absent before the first one.
   std::optional<std::string> apiKey() const;

@@ -28,6 +28,7 @@ TEST(CheckoutURLTest, Kinds) {
       {"https://shop.example/thankyou", false, false, false, false},
       {"https://shop.example/thank__you", false, false, false, false},
       {"https://shop.example/thank_you.html", false, false, false, false},
+      {"https://shop.example/thank_you%0A", false, false, false, false},
       {"https://shop.example/account/login/multipass/tok", false, false, false, true},
       {"http://shop.example/", false, false, false, false},
       {"HTTPS://shop.example/", false, false, false, false},
