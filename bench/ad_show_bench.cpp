@@ -52,7 +52,7 @@ using vemba::bench::newBareView;
 using vemba::bench::printRow;
 
 using namespace std::chrono_literals;
-using vemba::testing::runMainLoopUntil;
+using vemba::tests::runMainLoopUntil;
 
 constexpr int kExchangePort = 18443;
 constexpr int kWarmupPairs = 3;
@@ -123,9 +123,9 @@ class Bench {
     auto delegate = std::make_shared<Delegate>();
     const std::shared_ptr<vemba::VembaInterstitialAd> ad = load(delegate);
     // A host shows an ad some time after it loaded: by then the web process readied for it runs.
-    require(runMainLoopUntil([] { return vemba::testing::webProcessesOf(getpid()) == 1; },
-                             kStepDeadline),
-            "no web process readied for the loaded ad");
+    require(
+        runMainLoopUntil([] { return vemba::tests::webProcessesOf(getpid()) == 1; }, kStepDeadline),
+        "no web process readied for the loaded ad");
     runMainLoopUntil([] { return false; }, kShowAfterLoad);
 
     const Clock::time_point start = Clock::now();
@@ -239,7 +239,7 @@ class Bench {
     const bool settled = runMainLoopUntil(
         [webProcessesKept] {
           return vemba::linux_platform::liveWebViewCount() == 0 &&
-                 vemba::testing::webProcessesOf(getpid()) == webProcessesKept;
+                 vemba::tests::webProcessesOf(getpid()) == webProcessesKept;
         },
         kSettleDeadline);
     unsettled_ += settled ? 0 : 1;
@@ -364,12 +364,12 @@ int main(int argc, char** argv) {
       // Read once the process has started and loaded its blank page, not while it is starting.
       runMainLoopUntil([] { return false; }, kWarmSettle);
       long warmProcessKiB = 0;
-      for (const pid_t pid : vemba::testing::webProcessIdsOf(getpid())) {
+      for (const pid_t pid : vemba::tests::webProcessIdsOf(getpid())) {
         warmProcessKiB += residentKiB(std::to_string(pid));
       }
       std::printf(
           "an ad waiting to be shown: %zu web process(es), VmRSS %ld KiB; this process %+ld KiB\n",
-          vemba::testing::webProcessesOf(getpid()), warmProcessKiB, residentKiB() - uiBeforeLoad);
+          vemba::tests::webProcessesOf(getpid()), warmProcessKiB, residentKiB() - uiBeforeLoad);
     }
     // The unshown ad is gone, but its readied web process is kept for the next ad's view, which
     // the first cycle below makes.
@@ -395,7 +395,7 @@ int main(int argc, char** argv) {
         "at the end: %zu web views alive, %zu screens alive (the window's own is one), "
         "%zu web processes\n",
         vemba::linux_platform::liveWebViewCount(), vemba::linux_platform::liveScreenCount(),
-        vemba::testing::webProcessesOf(getpid()));
+        vemba::tests::webProcessesOf(getpid()));
     std::printf("waits for views and web processes to go that ran out: %d\n", bench.unsettled());
   }
   gtk_window_destroy(window);

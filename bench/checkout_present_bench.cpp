@@ -48,7 +48,7 @@ using vemba::bench::LoadWatch;
 using vemba::bench::median;
 using vemba::bench::Millis;
 using vemba::bench::printRow;
-using vemba::testing::runMainLoopUntil;
+using vemba::tests::runMainLoopUntil;
 namespace checkout = vemba::checkout;
 
 constexpr int kWarmupRounds = 2;

@@ -12,7 +12,7 @@
 
 #include "LocalExchange.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 // `Port`: the exchange's port; 0 for any free one.
 template <int Port = 0, bool NeedsDisplay = true>
@@ -56,4 +56,4 @@ class ExchangeTest : public ::testing::Test {
   static inline exchange::LocalExchange* exchange_ = nullptr;
 };
 
-}  // namespace vemba::testing
+}  // namespace vemba::tests

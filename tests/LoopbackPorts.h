@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 // A socket bound to an ephemeral loopback port; `listening` decides whether connections queue
 // (and wait forever) or are refused. Bound either way, so no other process can take the port.
@@ -53,4 +53,4 @@ struct SilentPort : LoopbackPort {
   SilentPort() : LoopbackPort(true) {}
 };
 
-}  // namespace vemba::testing
+}  // namespace vemba::tests

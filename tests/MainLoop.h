@@ -7,7 +7,7 @@
 #include <chrono>
 #include <functional>
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 // Iterates the default main context until `done()` holds or `limit` passes; returns `done()`.
 inline bool runMainLoopUntil(const std::function<bool()>& done,
@@ -31,4 +31,4 @@ inline void runMainLoopFor(std::chrono::milliseconds span) {
   runMainLoopUntil([] { return false; }, span);
 }
 
-}  // namespace vemba::testing
+}  // namespace vemba::tests

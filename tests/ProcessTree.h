@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 // The kernel's name of WebKit's web process ("WebKitWebProcess", cut to 15 characters).
 inline constexpr const char* kWebProcessComm = "WebKitWebProces";
@@ -83,4 +83,4 @@ inline std::size_t webProcessesOf(pid_t root) {
   return webProcessIdsOf(root).size();
 }
 
-}  // namespace vemba::testing
+}  // namespace vemba::tests

@@ -9,6 +9,9 @@ namespace vemba::fake {
 
 void FakeHttpClient::dataTask(platform::HttpRequest request, platform::HttpCompletion completion) {
   tasks_.push_back(Task{std::move(request), std::move(completion), false});
+  if (onTask) {
+    onTask(tasks_.size() - 1);
+  }
 }
 
 const platform::HttpRequest& FakeHttpClient::request(std::size_t index) const {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,6 +35,9 @@ class FakeHttpClient final : public platform::HttpClient {
   void fail(std::size_t index, int urlErrorCode);
   // Answers the most recent task.
   void respondLast(long status, std::optional<std::string> body);
+
+  // Called with each new task's index once it is recorded (empty: nobody is told).
+  std::function<void(std::size_t index)> onTask;
 
  private:
   Task& unanswered(std::size_t index);

@@ -41,6 +41,8 @@ class FakeScreen final : public platform::Screen, public std::enable_shared_from
   void setDelegate(std::weak_ptr<platform::ScreenDelegate> delegate) override {
     delegate_ = std::move(delegate);
   }
+  // The controller that owns the screen, when it is still alive.
+  std::shared_ptr<platform::ScreenDelegate> delegate() const { return delegate_.lock(); }
   void setPresentationDelegate(std::weak_ptr<platform::PresentationDelegate> delegate) override {
     presentationDelegate_ = std::move(delegate);
   }

@@ -14,13 +14,6 @@
 namespace vemba::checkout {
 namespace {
 
-// The page's message vocabulary (exact, case-sensitive).
-constexpr std::string_view kCompletedMessage = "completed";
-constexpr std::string_view kErrorMessage = "error";
-constexpr std::string_view kBlockingMessage = "checkoutBlockingEvent";
-constexpr std::string_view kWebPixelsMessage = "webPixels";
-constexpr std::string_view kBlockingTrue = "true";
-constexpr std::string_view kBlockingFalse = "false";
 constexpr std::string_view kBlockingViolation =
     "the checkout page sent a \"checkoutBlockingEvent\" body that is neither \"true\" nor "
     "\"false\"";
@@ -56,15 +49,15 @@ WebEvent decodeErrorMessage(const json::Json& envelope) {
     case CheckoutErrorGroup::unsupported:
       break;
   }
-  return WebEvent{WebEvent::Unsupported{std::string(kErrorMessage)}};
+  return WebEvent{WebEvent::Unsupported{std::string(CheckoutBridge::kErrorMessage)}};
 }
 
 WebEvent decodeBlockingMessage(const json::Json& envelope) {
   const std::string_view text = requireEnvelopeString(envelope, kEnvelopeBodyKey);
-  if (text == kBlockingTrue) {
+  if (text == CheckoutBridge::kBlockingTrue) {
     return WebEvent{WebEvent::CheckoutModalToggled{true}};
   }
-  if (text == kBlockingFalse) {
+  if (text == CheckoutBridge::kBlockingFalse) {
     return WebEvent{WebEvent::CheckoutModalToggled{false}};
   }
   contractViolation(kBlockingViolation);
@@ -74,16 +67,16 @@ WebEvent decodeEnvelope(const json::Json& root, const json::JsonPath& path) {
   const json::Json& envelope = json::requireObject(root, path);
   const std::string_view name = requireEnvelopeString(envelope, kEnvelopeNameKey);
 
-  if (name == kCompletedMessage) {
+  if (name == CheckoutBridge::kCompletedMessage) {
     return WebEvent{WebEvent::CheckoutComplete{CheckoutCompletedEventDecoder::decode(envelope)}};
   }
-  if (name == kErrorMessage) {
+  if (name == CheckoutBridge::kErrorMessage) {
     return decodeErrorMessage(envelope);
   }
-  if (name == kBlockingMessage) {
+  if (name == CheckoutBridge::kBlockingMessage) {
     return decodeBlockingMessage(envelope);
   }
-  if (name == kWebPixelsMessage) {
+  if (name == CheckoutBridge::kWebPixelsMessage) {
     auto pixel = WebPixelsEventDecoder::decode(envelope);
     if (!pixel) {
       throw json::DecodingFailure(pixel.error());

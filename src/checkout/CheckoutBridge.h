@@ -57,6 +57,14 @@ class CheckoutBridge {
 
   // The channel the page posts to.
   static constexpr std::string_view kMessageHandlerName = "mobileCheckoutSdk";
+  // The messages the page sends (exact, case-sensitive).
+  static constexpr std::string_view kCompletedMessage = "completed";
+  static constexpr std::string_view kErrorMessage = "error";
+  static constexpr std::string_view kBlockingMessage = "checkoutBlockingEvent";
+  static constexpr std::string_view kWebPixelsMessage = "webPixels";
+  // The two bodies of kBlockingMessage: the page shows a dialog of its own, or no longer does.
+  static constexpr std::string_view kBlockingTrue = "true";
+  static constexpr std::string_view kBlockingFalse = "false";
   // The messages the kit sends.
   static constexpr std::string_view kPresentedMessage = "presented";
   static constexpr std::string_view kInstrumentationMessage = "instrumentation";

@@ -28,9 +28,9 @@ class GuiTest : public ::testing::Test {
 
   static bool runUntil(const std::function<bool()>& condition,
                        std::chrono::milliseconds limit = std::chrono::milliseconds(3000)) {
-    return testing::runMainLoopUntil(condition, limit);
+    return tests::runMainLoopUntil(condition, limit);
   }
-  static void runFor(std::chrono::milliseconds span) { testing::runMainLoopFor(span); }
+  static void runFor(std::chrono::milliseconds span) { tests::runMainLoopFor(span); }
 
   platform::Ui* ui = nullptr;
   GtkWindow* window = nullptr;

@@ -7,7 +7,7 @@
 #include "WebViewFactory.h"
 #include "vemba/linux/WebViews.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 std::string RecordingNavigationDelegate::typeText(platform::NavigationType type) {
   // The types' names, in their order of declaration.
@@ -64,4 +64,4 @@ platform::WebRequest requestFor(const std::string& url, std::chrono::millisecond
   return {*parsed, {}, platform::CachePolicy::useProtocolCachePolicy, timeout};
 }
 
-}  // namespace vemba::testing
+}  // namespace vemba::tests

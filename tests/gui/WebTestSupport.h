@@ -15,7 +15,7 @@
 #include "MainLoop.h"
 #include "platform/WebView.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 // True when GTK could open the display (the tests that need one skip otherwise).
 bool displayAvailable();
@@ -103,4 +103,4 @@ TestWebView makeWebView(std::optional<std::string> applicationName = std::nullop
 platform::WebRequest requestFor(const std::string& url,
                                 std::chrono::milliseconds timeout = std::chrono::seconds(20));
 
-}  // namespace vemba::testing
+}  // namespace vemba::tests

@@ -20,7 +20,7 @@
 #include "WindowSnapshot.h"
 #include "platform/UrlErrorCode.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 using exchange::LocalExchange;
 namespace {
@@ -278,4 +278,4 @@ TEST_F(WebViewTest, SurvivesAPageThatNeverStopsNavigating) {
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

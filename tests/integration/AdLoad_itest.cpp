@@ -18,7 +18,7 @@
 #include "unit/ads/RecordingDelegate.h"
 #include "vemba/Vemba.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 using exchange::LocalExchange;
 namespace {
@@ -123,4 +123,4 @@ TEST_F(AdLoadIntegrationTest, AdReleasedInFlightGetsNoCallback) {
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

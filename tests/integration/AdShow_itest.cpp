@@ -16,7 +16,7 @@
 #include "LocalExchange.h"
 #include "LoopbackPorts.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 namespace {
 
 using namespace std::chrono_literals;
@@ -211,4 +211,4 @@ INSTANTIATE_TEST_SUITE_P(Pages, AdShowHostilePageTest, ::testing::ValuesIn(kHost
                          [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

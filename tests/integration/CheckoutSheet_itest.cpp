@@ -13,7 +13,7 @@
 #include "InspectorRun.h"
 #include "LocalExchange.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 namespace {
 
 using namespace std::chrono_literals;
@@ -145,4 +145,4 @@ TEST_F(CheckoutSheetTest, LinksAreReportedAndStayOutOfTheSheet) {
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

@@ -16,7 +16,7 @@
 #include "LoopbackPorts.h"
 #include "platform/UrlErrorCode.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 using exchange::LocalExchange;
 namespace {
@@ -318,4 +318,4 @@ TEST_F(CurlHttpClientTest, DestructionAbandonsTasksInFlightWithoutRunningThem) {
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

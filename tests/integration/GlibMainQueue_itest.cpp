@@ -15,7 +15,7 @@
 #include "GlibMainQueue.h"
 #include "MainLoop.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 namespace {
 
 using linux_platform::GlibMainQueue;
@@ -199,4 +199,4 @@ TEST(GlibMainQueueTest, TheFakeQueueDispatchesAsTheRealOneDoes) {
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

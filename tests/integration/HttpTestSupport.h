@@ -14,7 +14,7 @@
 
 #include "platform/HttpClient.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 struct Outcome {
   platform::HttpResult result;
@@ -63,4 +63,4 @@ inline const platform::TransportError* transportError(const Outcome& outcome) {
   return std::get_if<platform::TransportError>(&outcome.result);
 }
 
-}  // namespace vemba::testing
+}  // namespace vemba::tests

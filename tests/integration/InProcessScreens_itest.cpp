@@ -46,7 +46,7 @@ extern "C" const char* __asan_default_options() {
 }
 #endif
 
-namespace vemba::testing {
+namespace vemba::tests {
 namespace {
 
 using namespace std::chrono_literals;
@@ -510,4 +510,4 @@ TEST_F(InProcessScreensTest, TheHostMayReplaceItsContentOrCloseItsWindowMeanwhil
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

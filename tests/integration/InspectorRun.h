@@ -19,7 +19,7 @@
 #include <string>
 #include <vector>
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 struct InspectorRun {
   int exitCode = -1;  // -1 when it had to be killed
@@ -143,4 +143,4 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
   return run;
 }
 
-}  // namespace vemba::testing
+}  // namespace vemba::tests

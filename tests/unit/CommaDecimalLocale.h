@@ -27,7 +27,7 @@ extern "C" __attribute__((used)) inline const char* __lsan_default_suppressions(
 }
 #endif
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 class CommaDecimalLocale {
  public:
@@ -64,4 +64,4 @@ class CommaDecimalLocale {
   CommaDecimalLocale& operator=(const CommaDecimalLocale&) = delete;
 };
 
-}  // namespace vemba::testing
+}  // namespace vemba::tests

@@ -1,5 +1,6 @@
-// Base of the unit test fixtures: a fake platform installed for the test, its main queue driven in
-// virtual time, and the URL literal helper.
+// Base of the unit test fixtures: the public testing API's FakePlatform installed for the test
+// (which also resets the library's process-wide state before and after it), the fake backend
+// beneath it, its main queue driven in virtual time, and the URL literal helper.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,10 +8,11 @@
 #include <chrono>
 #include <string_view>
 
-#include "FakePlatform.h"
+#include "FakePlatformAccess.h"
 #include "vemba/Url.h"
+#include "vemba/testing/FakePlatform.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 inline Url url(std::string_view text) {
   return Url::parse(text).value();
@@ -19,16 +21,11 @@ inline Url url(std::string_view text) {
 class FakePlatformTest : public ::testing::Test {
  protected:
   // Runs everything due now, including work posted while running.
-  void drain() {
-    while (platform.mainQueue.runUntilIdle() > 0) {
-    }
-  }
-  void advance(std::chrono::milliseconds delta) {
-    platform.mainQueue.advance(delta);
-    drain();
-  }
+  void drain() { fakePlatform.runUntilIdle(); }
+  void advance(std::chrono::milliseconds delta) { fakePlatform.advance(delta); }
 
-  fake::InstalledFakePlatform platform;
+  vemba::testing::FakePlatform fakePlatform;
+  fake::FakePlatform& platform = vemba::testing::backendOf(fakePlatform);
 };
 
-}  // namespace vemba::testing
+}  // namespace vemba::tests

@@ -31,14 +31,6 @@ constexpr std::string_view kReceivedMessage = "vemba received message: ";
 constexpr std::string_view kOpeningUrlMessage = "Opening URL in Safari: ";
 constexpr std::string_view kPresentingCheckoutMessage = "Presenting Checkout Sheet for URL: ";
 
-// The page's vocabulary: bare strings for close and click, dictionary actions for the rest.
-constexpr std::string_view kCloseMessage = "close";
-constexpr std::string_view kClickMessage = "click";
-constexpr std::string_view kActionKey = "action";
-constexpr std::string_view kUrlKey = "url";
-constexpr std::string_view kOpenUrlAction = "openURL";
-constexpr std::string_view kOpenCheckoutAction = "openCheckout";
-
 // The close button, drawn over the web view from the first frame.
 constexpr std::string_view kCloseTitle = "\u2715";
 constexpr double kCloseCornerRadius = 15.0;

@@ -43,6 +43,13 @@ class VembaWebViewController final : public platform::ScreenDelegate,
  public:
   // The channel the ad page posts to.
   static constexpr std::string_view kMessageHandlerName = "vemba";
+  // The page's vocabulary: bare strings for close and click, dictionary actions for the rest.
+  static constexpr std::string_view kCloseMessage = "close";
+  static constexpr std::string_view kClickMessage = "click";
+  static constexpr std::string_view kActionKey = "action";
+  static constexpr std::string_view kUrlKey = "url";
+  static constexpr std::string_view kOpenUrlAction = "openURL";
+  static constexpr std::string_view kOpenCheckoutAction = "openCheckout";
   // Retries of a failed load for the controller's whole life.
   static constexpr int maxRetries = 1;
 

@@ -10,8 +10,9 @@
 #include "AdTestSupport.h"
 #include "RecordingDelegate.h"
 #include "ads/bidding/BidRecordsJson.h"
+#include "ads/core/UserAgentFetcher.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 namespace {
 
 template <typename Ad>
@@ -139,4 +140,4 @@ TYPED_TEST(AdLoadTest, AdNotOwnedBySharedPtrStopsBeforeTheRequest) {
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

@@ -16,7 +16,7 @@
 #include "ads/formats/VembaWebViewController.h"
 #include "platform/UrlErrorCode.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 namespace {
 
 using namespace std::chrono_literals;
@@ -262,4 +262,4 @@ TEST_F(TopScreenTest, KeyWindowComesFromTheFirstActiveWindowSceneElseTheWindowLi
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

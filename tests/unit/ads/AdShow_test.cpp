@@ -5,7 +5,6 @@
 #include <chrono>
 #include <memory>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "AdTestSupport.h"
@@ -15,10 +14,11 @@
 #include "RecordingDelegate.h"
 #include "unit/CommaDecimalLocale.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 namespace {
 
 using namespace std::chrono_literals;
+using vemba::testing::kTransitionTime;
 
 constexpr const char* kPage = "https://127.0.0.1/creative.html";
 constexpr const char* kBilling = "https://127.0.0.1/v1/billing?bid=7";
@@ -29,14 +29,12 @@ class AdShowTest : public AdTest {
   void SetUp() override {
     ad = Ad::create("unit-7");
     ad->setDelegate(delegate);
-    host = platform.ui.createScreen();
   }
 
   // Loads the ad with a bid for kPage billed at kBilling.
   void load() {
+    fakePlatform.respondToBid(vemba::testing::bidResponse(kPage, kBilling));
     ad->load();
-    platform.http.respondLast(200,
-                              bidResponse(kPage, R"(,"burl":")" + std::string(kBilling) + "\""));
     drain();
     delegate->calls.clear();
   }
@@ -44,31 +42,15 @@ class AdShowTest : public AdTest {
   void loadAndShow() {
     load();
     ad->show(host);
-    advance(fake::kTransitionDuration);
+    advance(kTransitionTime);
   }
-  std::size_t billingHits() const {
-    std::size_t hits = 0;
-    for (std::size_t i = 0; i < platform.http.taskCount(); ++i) {
-      hits += platform.http.request(i).url == kBilling ? 1U : 0U;
-    }
-    return hits;
-  }
+  vemba::testing::PresentedAd shown() { return fakePlatform.presentedAd().value(); }
+  std::size_t billingHits() const { return fakePlatform.billingPixels().size(); }
   // The ad's screen as presented from the host, with its loaded web view.
   fake::FakeScreen& adScreen() { return dynamic_cast<fake::FakeScreen&>(*host->presentedScreen()); }
-  platform::View& subview(std::size_t i) {
-    return *dynamic_cast<fake::FakeViewState&>(adScreen().view()).subviewList.at(i);
-  }
-  fake::FakeWebView& adWebView() { return dynamic_cast<fake::FakeWebView&>(subview(0)); }
-  fake::FakeButton& closeButton() { return dynamic_cast<fake::FakeButton&>(subview(1)); }
-  static void pageSays(fake::FakeWebView& page,
-                       std::variant<std::string, platform::ScriptMessage::NonStringBody> body) {
-    dynamic_cast<fake::FakeUserContentController&>(page.userContentController())
-        .post("vemba", std::move(body));
-  }
-  void pageSays(std::string body) { pageSays(adWebView(), std::move(body)); }
-  void pageOpensCheckout() {
-    pageSays(adWebView(), platform::ScriptMessage::NonStringBody{
-                              R"({"action":"openCheckout","url":"https://shop.test/c/1"})"});
+  fake::FakeWebView& adWebView() {
+    return dynamic_cast<fake::FakeWebView&>(
+        *fake::FakeViewState::of(adScreen().view()).subviewList.at(0));
   }
   std::vector<std::string> closeSequence() const {
     if constexpr (std::is_same_v<Ad, VembaRewardedAd>) {
@@ -80,7 +62,7 @@ class AdShowTest : public AdTest {
 
   std::shared_ptr<Ad> ad;
   std::shared_ptr<RecordingDelegate> delegate = std::make_shared<RecordingDelegate>();
-  std::shared_ptr<platform::Screen> host;
+  const std::shared_ptr<platform::Screen> host = platform::Screen::of(fakePlatform.hostScreen());
 };
 
 using Formats = ::testing::Types<VembaInterstitialAd, VembaRewardedAd>;
@@ -105,6 +87,7 @@ TYPED_TEST(AdShowTest, AShowThatPresentsNothingSaysWhy) {
   failsWith(VembaShowErrorCode::notReady, this->host, false);  // before any load
 
   this->load();
+  this->platform.application.windowList.clear();
   failsWith(VembaShowErrorCode::noScreen, nullptr, true);  // no key window to find a screen in
   // A screen that already presents another would refuse: the bid is kept, with an error line.
   this->host->presentScreen(this->platform.ui.createScreen(), false, {});
@@ -136,7 +119,7 @@ TYPED_TEST(AdShowTest, ALoadedAdExpiresAfterItsLifetimeUnshown) {
   this->load();
   this->advance(59'999ms);
   this->ad->show(this->host);
-  this->advance(fake::kTransitionDuration + 1s);
+  this->advance(kTransitionTime + 1s);
   EXPECT_EQ(this->delegate->names(), std::vector<std::string>{"adDidShow"});
 
   this->load();
@@ -167,7 +150,7 @@ TYPED_TEST(AdShowTest, PresentsFullScreenThenShowsThenBillsAndRecordsTheImpressi
   EXPECT_TRUE(this->delegate->calls.empty());
   EXPECT_EQ(this->billingHits(), 0U);
 
-  this->advance(fake::kTransitionDuration);
+  this->advance(kTransitionTime);
   EXPECT_EQ(this->delegate->names(), std::vector<std::string>{"adDidShow"});
   EXPECT_EQ(this->billingHits(), 1U);
   EXPECT_EQ(this->delegate->optionalCalls,
@@ -193,9 +176,9 @@ TYPED_TEST(AdShowTest, CloseButtonPageCloseAndEscapeDismissThenReport) {
     this->delegate->calls.clear();
 
     if (closer == "page") {
-      this->pageSays("close");
+      this->shown().postClose();
     } else if (closer == "button") {
-      this->closeButton().tap();
+      this->shown().pressClose();
     } else {
       EXPECT_TRUE(this->adScreen().pressEscape());
     }
@@ -204,7 +187,7 @@ TYPED_TEST(AdShowTest, CloseButtonPageCloseAndEscapeDismissThenReport) {
     immediate.pop_back();
     EXPECT_EQ(this->delegate->names(), immediate);
     EXPECT_NE(this->host->presentedScreen(), nullptr);
-    this->advance(fake::kTransitionDuration);
+    this->advance(kTransitionTime);
     EXPECT_EQ(this->delegate->names(), this->closeSequence());
     EXPECT_EQ(this->host->presentedScreen(), nullptr);
   }
@@ -217,29 +200,29 @@ TYPED_TEST(AdShowTest, OnePresentationHasOneCloseHoweverManyArrive) {
     SCOPED_TRACE(show);
     this->loadAndShow();
     const std::weak_ptr<platform::Screen> adScreen = this->host->presentedScreen();
-    const std::shared_ptr<fake::FakeWebView> page = this->adWebView().shared_from_this();
+    auto page = this->shown();
     this->delegate->calls.clear();
-    const auto burst = [this] {
+    const auto burst = [this, &page] {
       for (int i = 0; i < 1000; ++i) {
-        this->pageSays("close");
+        page.postClose();
       }
-      this->closeButton().tap();
-      this->advance(fake::kTransitionDuration);
+      page.pressClose();
+      this->advance(kTransitionTime);
     };
     if (show == 3) {
-      this->pageOpensCheckout();
-      this->advance(fake::kTransitionDuration);
-      ASSERT_NE(this->adScreen().presentedScreen(), nullptr);
+      page.postOpenCheckout("https://shop.test/c/1");
+      this->advance(kTransitionTime);
+      ASSERT_TRUE(this->fakePlatform.presentedCheckout());
       burst();
-      EXPECT_EQ(this->adScreen().presentedScreen(), nullptr);
+      EXPECT_FALSE(this->fakePlatform.presentedCheckout());
       EXPECT_TRUE(this->delegate->calls.empty());
     }
 
     // A burst from the page and the button, all before the dismissal has finished.
     burst();
     // The page outlives the screen for a moment: its last words reach nobody.
-    this->pageSays(*page, "close");
-    this->advance(fake::kTransitionDuration);
+    page.postClose();
+    this->advance(kTransitionTime);
 
     EXPECT_EQ(this->delegate->names(), this->closeSequence());
     EXPECT_TRUE(adScreen.expired());  // the screen, and the controller that owns it, are gone
@@ -252,9 +235,9 @@ TYPED_TEST(AdShowTest, AnAdReleasedWhileShownTellsNobody) {
   std::weak_ptr<TypeParam> weak = this->ad;
   this->ad.reset();
   EXPECT_TRUE(weak.expired());
-  this->advance(fake::kTransitionDuration);
-  this->closeButton().tap();
-  this->advance(fake::kTransitionDuration);
+  this->advance(kTransitionTime);
+  this->shown().pressClose();
+  this->advance(kTransitionTime);
   EXPECT_TRUE(this->delegate->calls.empty());
   EXPECT_NE(this->host->presentedScreen(), nullptr);  // nobody is left to dismiss it
 }
@@ -262,9 +245,9 @@ TYPED_TEST(AdShowTest, AnAdReleasedWhileShownTellsNobody) {
 TYPED_TEST(AdShowTest, WhatADelegateThrowsStopsInsideTheLibrary) {
   this->delegate->throws = true;
   this->loadAndShow();
-  this->pageSays("click");
-  this->closeButton().tap();
-  this->advance(fake::kTransitionDuration);
+  this->shown().postClick();
+  this->shown().pressClose();
+  this->advance(kTransitionTime);
   std::vector<std::string> expected{"adDidShow", "adDidClick"};
   const std::vector<std::string> close = this->closeSequence();
   expected.insert(expected.end(), close.begin(), close.end());
@@ -300,4 +283,4 @@ TEST_F(AdTest, AHostSubclassesReadersAreTheOnesTheLoadAndShowPathsCall) {
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

@@ -1,5 +1,5 @@
-// Shared fixture of the ad half's unit tests: a fake platform installed for the test, the
-// process-wide singletons reset, and every VembaLogger message recorded.
+// Shared fixture of the ad half's unit tests: a fake platform installed for the test (with the
+// process-wide singletons reset) and every VembaLogger message recorded.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,26 +7,18 @@
 #include <string>
 #include <vector>
 
-#include "ads/core/UserAgentFetcher.h"
 #include "ads/core/VembaLogger.h"
-#include "ads/core/VembaSDKForTesting.h"
 #include "unit/FakePlatformTest.h"
 #include "vemba/ads/VembaSDK.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 class AdTest : public FakePlatformTest {
  protected:
   AdTest() {
-    ads::resetVembaSdkForTesting();
-    UserAgentFetcher::shared().resetForTesting();
     VembaLogger::setDevelopmentSink([this](std::string_view line) { logs.emplace_back(line); });
   }
-  ~AdTest() override {
-    VembaLogger::setDevelopmentSink(nullptr);
-    ads::resetVembaSdkForTesting();
-    UserAgentFetcher::shared().resetForTesting();
-  }
+  ~AdTest() override { VembaLogger::setDevelopmentSink(nullptr); }
 
   std::vector<std::string> logs;
 };
@@ -43,4 +35,4 @@ inline std::string bidResponse(const std::string& adm, const std::string& extraB
          "}]}]}";
 }
 
-}  // namespace vemba::testing
+}  // namespace vemba::tests

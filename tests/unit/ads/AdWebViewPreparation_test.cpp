@@ -12,7 +12,7 @@
 #include "FakeWebView.h"
 #include "RecordingDelegate.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 namespace {
 
 constexpr const char* kPage = "https://127.0.0.1/creative.html";
@@ -37,9 +37,8 @@ class AdWebViewPreparationTest : public AdTest {
  protected:
   // One exchange answered: a usable bid, or a server error.
   void answer(const std::shared_ptr<Ad>& ad, bool usable) {
+    fakePlatform.respondToBid(usable ? 200 : 500, usable ? bidResponse(kPage) : "");
     ad->load();
-    platform.http.respondLast(usable ? 200 : 500,
-                              usable ? std::optional(bidResponse(kPage)) : std::nullopt);
     drain();
   }
   int hints() const { return platform.ui.prepareWebViewCalls; }
@@ -70,13 +69,12 @@ TYPED_TEST(AdWebViewPreparationTest, AskedOnceAReadyAdIsKnownAndBeforeItsHostHea
 }
 
 TYPED_TEST(AdWebViewPreparationTest, TheAdScreensWebViewConsumesItAndAnotherReadyAdAsksAgain) {
-  auto host = this->platform.ui.createScreen();
   auto first = TypeParam::create("u"), second = TypeParam::create("v");
   this->answer(first, /*usable=*/true);
   this->answer(second, /*usable=*/true);
   ASSERT_EQ(this->hints(), 1);
 
-  first->show(host);
+  first->show(this->fakePlatform.hostScreen());
   ASSERT_EQ(this->platform.ui.webViews.size(), 1U);
   EXPECT_TRUE(this->platform.ui.webViews[0].lock()->configuration.usesPreparedWebView);
   EXPECT_EQ(this->hints(), 2);  // for `second`, asked only once the first view was made
@@ -117,4 +115,4 @@ TYPED_TEST(AdWebViewPreparationTest, AProcessWhoseUserInterfaceIsNotUpGetsNothin
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

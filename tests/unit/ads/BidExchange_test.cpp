@@ -11,7 +11,7 @@
 #include "ads/bidding/BidRecordsJson.h"
 #include "platform/UrlErrorCode.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 namespace {
 
 class BidExchangeTest : public AdTest {
@@ -313,4 +313,4 @@ TEST_F(BidExchangeTest, UnencodableRequestFailsWithEncodingFailed) {
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

@@ -11,7 +11,7 @@
 #include "vemba/ads/VembaInterstitialAd.h"
 #include "vemba/ads/VembaRewardedAd.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 
 class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaRewardedAdDelegate {
  public:
@@ -93,4 +93,4 @@ class RecordingDelegate : public VembaInterstitialAdDelegate, public VembaReward
   }
 };
 
-}  // namespace vemba::testing
+}  // namespace vemba::tests

@@ -3,9 +3,10 @@
 
 #include "AdTestSupport.h"
 #include "ads/core/DeviceDescription.h"
+#include "ads/core/UserAgentFetcher.h"
 #include "vemba/ads/VembaError.h"
 
-namespace vemba::testing {
+namespace vemba::tests {
 namespace {
 
 using SdkEntryTest = AdTest;
@@ -86,4 +87,4 @@ TEST_F(SdkEntryTest, ErrorCodesKeepTheirPlaces) {
 }
 
 }  // namespace
-}  // namespace vemba::testing
+}  // namespace vemba::tests

@@ -21,10 +21,10 @@ namespace vemba::checkout {
 namespace {
 
 using ::testing::ElementsAre;
-using testing::envelope;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
+using tests::envelope;
 using WebEvent = CheckoutBridge::WebEvent;
 
 platform::ScriptMessage stringMessage(std::string text) {
@@ -47,7 +47,7 @@ WebEvent unsupported(std::string name) {
   return WebEvent{WebEvent::Unsupported{std::move(name)}};
 }
 
-class CheckoutBridgeTest : public testing::CheckoutTest {};
+class CheckoutBridgeTest : public tests::CheckoutTest {};
 
 TEST_F(CheckoutBridgeTest, MalformedErrorBodiesAreLoggedAndIgnored) {
   const std::vector<std::string> texts = {

@@ -22,12 +22,11 @@ Json envelope(std::string_view body) {
 // A complete summary using every field once, and a key the model does not know: the bridge
 // fuzzer's seed of the whole message (after its mode byte).
 Json fullSummary() {
-  const std::string seed =
-      testing::corpusFile("checkout_bridge_fuzzer/completed_message_every_key");
+  const std::string seed = tests::corpusFile("checkout_bridge_fuzzer/completed_message_every_key");
   return Json::parse(Json::parse(seed.substr(1))["body"].get<std::string>());
 }
 
-class CompletedEventDecoderTest : public testing::CheckoutTest {
+class CompletedEventDecoderTest : public tests::CheckoutTest {
  protected:
   static CheckoutCompletedEvent decode(const Json& message) {
     return CheckoutCompletedEventDecoder::decode(message);

@@ -17,7 +17,7 @@ bool readsBack(const std::optional<CheckoutError>& error) {
   return !error || fromJson<CheckoutError>(toJson(*error)).value() == *error;
 }
 
-class CheckoutErrorMappingTest : public testing::CheckoutTest {
+class CheckoutErrorMappingTest : public tests::CheckoutTest {
  protected:
   CheckoutErrorMappingTest() { OSLogger::shared().setLogLevel(LogLevel::all); }
 };
@@ -60,7 +60,7 @@ TEST_F(CheckoutErrorMappingTest, PageErrorMessagesByGroup) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.body);
     platform.log.lines.clear();
-    const auto event = CheckoutBridge::decode(testing::envelope("error", c.body));
+    const auto event = CheckoutBridge::decode(tests::envelope("error", c.body));
     ASSERT_TRUE(event.hasValue());
     EXPECT_EQ(checkoutErrorForWebEvent(event.value()), c.expected);
     EXPECT_TRUE(readsBack(c.expected));

@@ -9,12 +9,11 @@ namespace vemba::checkout {
 namespace {
 
 using std::chrono::milliseconds;
-using testing::dispatched;
-using testing::envelope;
-using testing::RecordingDelegate;
-using testing::url;
+using tests::dispatched;
+using tests::RecordingDelegate;
+using tests::url;
 
-class CheckoutPresentationTest : public testing::CheckoutScreenTest {
+class CheckoutPresentationTest : public tests::CheckoutScreenTest {
  protected:
   static fake::FakeScreen& fakeScreen(const std::shared_ptr<ScreenHandle>& screen) {
     return dynamic_cast<fake::FakeScreen&>(*screen);
@@ -141,7 +140,7 @@ TEST_F(CheckoutPresentationTest, ClosingCancelsAndKeepsOnlyAPageTheHostPreloaded
     if (c.byGesture) {  // an Escape the page left unhandled
       EXPECT_TRUE(fakeScreen(sheet->screen()).pressEscape());
     } else {
-      EXPECT_TRUE(fakeScreen(page(sheet).screen()).pressRightBarButtonItem());
+      fakePlatform.presentedCheckout()->pressClose();
       // The close control leaves dismissing to the host.
       EXPECT_EQ(hostScreen()->presentedScreen(), sheet->screen());
       sheet->dismiss(false);
@@ -161,21 +160,20 @@ TEST_F(CheckoutPresentationTest, PageEventsReachTheHost) {
   const auto sheet = show(delegate);
   fake::FakeWebView& webView = pageView(sheet);
   const auto& container = fakeScreen(sheet->screen());
+  auto shown = fakePlatform.presentedCheckout().value();
 
-  webView.postMessage("mobileCheckoutSdk", envelope("checkoutBlockingEvent", "true"));
+  shown.postModalToggled(true);
   // While the page shows a dialog of its own, the user's gesture leaves the sheet alone.
   EXPECT_TRUE(fakeScreen(sheet->screen()).pressEscape());
   EXPECT_FALSE(fakeScreen(sheet->screen()).userDismiss());
-  webView.postMessage("mobileCheckoutSdk", envelope("checkoutBlockingEvent", "false"));
+  shown.postModalToggled(false);
   EXPECT_EQ(container.barHiddenCalls,
             (std::vector<fake::FakeScreen::BarHiddenCall>{{true, true}, {false, true}}));
 
   webView.decidePolicyForNavigationAction(
       {url("mailto:help@shop.example"), platform::NavigationType::linkActivated, true});
-  webView.postMessage("mobileCheckoutSdk", envelope("webPixels", testing::pixelBody("standard")));
-  webView.postMessage("mobileCheckoutSdk",
-                      envelope("completed", R"({"orderDetails":{"id":"9","cart":{"token":"t",)"
-                                            R"("lines":[],"price":{}}}})"));
+  shown.postWebPixel(tests::pixelBody("standard"));
+  shown.postCompleted("9");
   EXPECT_EQ(delegate->calls,
             (std::vector<std::string>{"link:mailto:help@shop.example", "pixel", "complete:9"}));
   EXPECT_EQ(hostScreen()->presentedScreen(), sheet->screen());  // the host dismisses
@@ -197,7 +195,7 @@ TEST_F(CheckoutPresentationTest, DefaultDelegateOpensOnlyOpenableLinksAndItsThro
     webView.decidePolicyForNavigationAction({url(link), platform::NavigationType::other, true});
   }
   EXPECT_EQ(platform.application.canOpenQueries.size(), 2U);
-  EXPECT_EQ(platform.application.opened, std::vector<Url>{url("mailto:help@shop.example")});
+  EXPECT_EQ(fakePlatform.openedUrls(), std::vector<std::string>{"mailto:help@shop.example"});
 
   // The default checkoutDidFail throws the error back into the kit, which stops it there: no
   // recovery (a 500 would be recovered from), the sheet goes, and the log names the callback.
@@ -237,14 +235,14 @@ TEST_F(CheckoutPresentationTest, ASheetsCallbacksTakeEffectWhenSetAfterItsContro
   EXPECT_FALSE(wrapper.expired());
   hostScreen()->presentScreen(platform::Screen::of(controller->screen()), true, {});
   drain();
-  EXPECT_TRUE(fakeScreen(page(controller).screen()).pressRightBarButtonItem());
+  fakePlatform.presentedCheckout()->pressClose();
   EXPECT_EQ(calls, std::vector<std::string>{"cancel"});
 
   // Without onLinkClick a link opens outside the application.
   pageView(controller)
       .decidePolicyForNavigationAction(
           {url("https://help.example/?open_externally=1"), platform::NavigationType::other, true});
-  EXPECT_EQ(platform.application.opened, std::vector<Url>{url("https://help.example/")});
+  EXPECT_EQ(fakePlatform.openedUrls(), std::vector<std::string>{"https://help.example/"});
 }
 
 TEST_F(CheckoutPresentationTest, EachPresentationOfASheetIsAFreshOne) {

@@ -8,14 +8,14 @@
 namespace vemba::checkout {
 namespace {
 
-using testing::RecordingDelegate;
-using testing::url;
+using tests::RecordingDelegate;
+using tests::url;
 
-class CheckoutRecoveryTest : public testing::CheckoutScreenTest {
+class CheckoutRecoveryTest : public tests::CheckoutScreenTest {
  protected:
   bool sheetGoneAfterTransition() {
-    advance(fake::kTransitionDuration);
-    return hostScreen()->presentedScreen() == nullptr;
+    advance(vemba::testing::kTransitionTime);
+    return !fakePlatform.presentedCheckout();
   }
 
   std::shared_ptr<RecordingDelegate> delegate = std::make_shared<RecordingDelegate>();
@@ -107,9 +107,7 @@ TEST_F(CheckoutRecoveryTest, AnErrorFromThePageDropsAndDisconnectsTheCachedPage)
   const auto sheet = show(delegate);
   const auto shown = page(sheet).checkoutView();
   ASSERT_EQ(obtain(), shown);
-  fakeOf(*shown).postMessage(
-      "mobileCheckoutSdk",
-      testing::envelope("error", R"([{"group":"expired","code":"cart_expired"}])"));
+  fakePlatform.presentedCheckout()->postError("expired", "cart_expired");
   EXPECT_EQ(delegate->calls, (std::vector<std::string>{"fail:3", "shouldRecover"}));
   EXPECT_FALSE(hasBridge(*shown));
   EXPECT_NE(obtain(), shown);

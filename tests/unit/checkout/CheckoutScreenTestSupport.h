@@ -20,7 +20,7 @@
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutDelegate.h"
 
-namespace vemba::checkout::testing {
+namespace vemba::checkout::tests {
 
 // A "webPixels" body whose event has `type` ("standard" gives an event, an unknown type none).
 inline std::string pixelBody(std::string_view type) {
@@ -102,32 +102,14 @@ class CheckoutScreenTest : public CheckoutTest {
   }
   // The checkout page controller inside a presented sheet.
   static CheckoutWebViewController& page(const std::shared_ptr<CheckoutViewController>& sheet) {
-    const auto& container = dynamic_cast<CheckoutViewControllerImpl&>(*sheet);
-    return dynamic_cast<CheckoutWebViewController&>(*container.childControllers().at(0));
+    return vemba::testing::sheetPage(*sheet);
   }
 
-  // Plays one main-frame load of the view's current URL answered with `status`.
   static void loadPage(fake::FakeWebView& webView, long status = 200) {
-    // The kit may release the view on the way (a failure swaps it for a recovery view).
-    const std::shared_ptr<fake::FakeWebView> keep = webView.shared_from_this();
-    webView.startProvisionalNavigation();
-    if (webView.decidePolicyForNavigationResponse({webView.url(), status, true}) ==
-        platform::NavigationResponsePolicy::cancel) {
-      webView.failProvisionalNavigation({std::string(platform::kWebKitErrorDomain),
-                                         platform::WebKitErrorCode::frameLoadInterrupted,
-                                         std::nullopt});
-      return;
-    }
-    webView.changeEstimatedProgress(0.5);
-    webView.changeEstimatedProgress(1.0);
-    webView.finishNavigation();
+    vemba::testing::playPageLoad(webView, status);
   }
-
   std::shared_ptr<platform::Screen> hostScreen() {
-    if (!host_) {
-      host_ = platform.ui.createScreen();
-    }
-    return host_;
+    return platform::Screen::of(fakePlatform.hostScreen());
   }
 
   // Presents a sheet for `target` (the test's checkout by default) from the host screen and
@@ -154,9 +136,6 @@ class CheckoutScreenTest : public CheckoutTest {
   }
 
   const Url checkout = url("https://shop.example/checkouts/c1");
-
- private:
-  std::shared_ptr<platform::Screen> host_;
 };
 
-}  // namespace vemba::checkout::testing
+}  // namespace vemba::checkout::tests

@@ -1,5 +1,5 @@
-// Shared fixture of the checkout core's unit tests: a fake platform installed for the test and
-// the checkout singletons reset before and after it.
+// Shared fixture of the checkout core's unit tests: a fake platform installed for the test (with
+// the checkout singletons reset before and after it) and helpers for the page's messages.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,12 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "checkout/GlobalsForTesting.h"
 #include "unit/FakePlatformTest.h"
 
-namespace vemba::checkout::testing {
+namespace vemba::checkout::tests {
 
-using vemba::testing::url;
+using vemba::tests::url;
 
 // The page's message envelope, {"name": name, "body": body}, as the page posts it.
 inline std::string envelope(std::string_view name, const nlohmann::json& body) {
@@ -29,11 +28,8 @@ inline std::string corpusFile(const std::string& name) {
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-class CheckoutTest : public vemba::testing::FakePlatformTest {
+class CheckoutTest : public vemba::tests::FakePlatformTest {
  protected:
-  CheckoutTest() { resetGlobalsForTesting(); }
-  ~CheckoutTest() override { resetGlobalsForTesting(); }
-
   // The log lines written so far, as "<severity>|<line>".
   std::vector<std::string> logLines() const {
     std::vector<std::string> out;
@@ -44,4 +40,4 @@ class CheckoutTest : public vemba::testing::FakePlatformTest {
   }
 };
 
-}  // namespace vemba::checkout::testing
+}  // namespace vemba::checkout::tests

@@ -8,7 +8,7 @@
 namespace vemba::checkout {
 namespace {
 
-using vemba::testing::url;
+using vemba::tests::url;
 
 struct KindCase {
   const char* url;

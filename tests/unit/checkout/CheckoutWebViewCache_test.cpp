@@ -11,10 +11,10 @@ namespace vemba::checkout {
 namespace {
 
 using std::chrono::milliseconds;
-using testing::url;
+using tests::url;
 constexpr auto kAccelerated = MetaData::EntryPoint::acceleratedCheckouts;
 
-using CheckoutWebViewCacheTest = testing::CheckoutScreenTest;
+using CheckoutWebViewCacheTest = tests::CheckoutScreenTest;
 
 TEST_F(CheckoutWebViewCacheTest, AnEntryServesItsKeyForStrictlyLessThanFiveMinutes) {
   const auto first = obtain();
@@ -80,7 +80,7 @@ TEST_F(CheckoutWebViewCacheTest, EveryInvalidationPointEmptiesTheCacheAndClearsT
       {"completion by the bridge",
        [](CheckoutWebView& view) {
          fakeOf(view).postMessage("mobileCheckoutSdk",
-                                  testing::envelope("completed", R"({"orderDetails":{}})"));
+                                  tests::envelope("completed", R"({"orderDetails":{}})"));
        },
        false},
   };

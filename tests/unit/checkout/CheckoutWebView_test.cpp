@@ -12,9 +12,9 @@ namespace vemba::checkout {
 namespace {
 
 using std::chrono::milliseconds;
-using testing::dispatched;
-using testing::envelope;
-using testing::url;
+using tests::dispatched;
+using tests::envelope;
+using tests::url;
 using Policy = platform::NavigationActionPolicy;
 using ResponsePolicy = platform::NavigationResponsePolicy;
 
@@ -25,7 +25,7 @@ class RecordingLogger : public Logger {
   std::vector<std::string> lines;
 };
 
-class CheckoutWebViewTest : public testing::CheckoutScreenTest {
+class CheckoutWebViewTest : public tests::CheckoutScreenTest {
  protected:
   std::shared_ptr<CheckoutWebView> make(bool recovery = false) {
     auto view = CheckoutWebView::forCheckout(checkout, recovery, std::nullopt);
@@ -44,8 +44,7 @@ class CheckoutWebViewTest : public testing::CheckoutScreenTest {
     return out;
   }
 
-  std::shared_ptr<testing::RecordingDelegate> delegate =
-      std::make_shared<testing::RecordingDelegate>();
+  std::shared_ptr<tests::RecordingDelegate> delegate = std::make_shared<tests::RecordingDelegate>();
 };
 
 TEST_F(CheckoutWebViewTest, StandardAndRecoveryViewsAreBuiltDifferently) {
@@ -189,7 +188,7 @@ TEST_F(CheckoutWebViewTest, OnlyAnErrorStatusOfTheCheckoutDocumentFailsTheLoad) 
 }
 
 TEST_F(CheckoutWebViewTest, LoadTimeIsMeasuredOnlyFromAProvisionalStart) {
-  const vemba::testing::CommaDecimalLocale comma;  // the numbers keep their point
+  const vemba::tests::CommaDecimalLocale comma;  // the numbers keep their point
   auto logger = std::make_shared<RecordingLogger>();
   configure([&](Configuration& c) { c.logger = logger; });
   const auto view = make();
@@ -269,7 +268,7 @@ TEST_F(CheckoutWebViewTest, BridgeMessagesBecomeDelegateCalls) {
        {"fail:3:final"},
        true},
       {envelope("checkoutBlockingEvent", "true"), {"modal:shown"}, true},
-      {envelope("webPixels", testing::pixelBody("standard")), {"pixel"}, true},
+      {envelope("webPixels", tests::pixelBody("standard")), {"pixel"}, true},
       {"{not json", {"fail:0:recoverable"}, true},
   };
   for (const Case& c : cases) {

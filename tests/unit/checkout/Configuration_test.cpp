@@ -8,7 +8,7 @@
 namespace vemba::checkout {
 namespace {
 
-class ConfigurationTest : public testing::CheckoutTest {};
+class ConfigurationTest : public tests::CheckoutTest {};
 
 TEST_F(ConfigurationTest, TitleIsTheHostsLocalisedStringReadOnceOnFirstUse) {
   platform.device.localizedStrings = {{"checkout_sheet_title", "Kasse"}};

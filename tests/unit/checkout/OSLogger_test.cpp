@@ -5,6 +5,7 @@
 
 #include "CheckoutTestSupport.h"
 #include "checkout/ConfigurationStore.h"
+#include "checkout/GlobalsForTesting.h"
 #include "vemba/checkout/LogLevel.h"
 
 namespace vemba::checkout {
@@ -13,7 +14,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class OSLoggerTest : public testing::CheckoutTest {};
+class OSLoggerTest : public tests::CheckoutTest {};
 
 struct EmissionCase {
   LogLevel threshold;

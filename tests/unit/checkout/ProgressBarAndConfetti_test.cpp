@@ -12,7 +12,7 @@ namespace {
 using std::chrono::milliseconds;
 using Call = fake::FakeProgressBar::ProgressCall;
 
-class ProgressBarTest : public testing::CheckoutScreenTest {
+class ProgressBarTest : public tests::CheckoutScreenTest {
  protected:
   std::shared_ptr<ProgressBarView> bar = ProgressBarView::create(platform.ui);
   fake::FakeProgressBar& line = dynamic_cast<fake::FakeProgressBar&>(bar->progressBar());
@@ -62,7 +62,7 @@ TEST_F(ProgressBarTest, TheTintIsTakenOnceWhenTheBarIsMade) {
   EXPECT_EQ(tintedLine.tintColor, kFirst);
 }
 
-class ConfettiTest : public testing::CheckoutScreenTest {
+class ConfettiTest : public tests::CheckoutScreenTest {
  protected:
   ConfettiTest() { view->setFrame({{10.0, 20.0}, {300.0, 600.0}}); }
 

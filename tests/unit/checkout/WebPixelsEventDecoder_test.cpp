@@ -187,7 +187,7 @@ std::optional<Json> writtenBack(std::string_view text, Decode decode, Encode enc
 TEST(PixelRecordsTest, EncodingWritesBackEveryKeyRead) {
   // The bridge fuzzer's seed of the whole message (after its mode byte).
   const Json message =
-      Json::parse(testing::corpusFile("checkout_bridge_fuzzer/pixel_message_every_key").substr(1));
+      Json::parse(tests::corpusFile("checkout_bridge_fuzzer/pixel_message_every_key").substr(1));
   Json standard = Json::parse(message["body"].get<std::string>())["event"];
   const auto decoded = WebPixelsEventDecoder::decode(message);
   ASSERT_TRUE(decoded && decoded->has_value());
