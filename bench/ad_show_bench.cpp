@@ -115,7 +115,9 @@ struct Timing {
 class Bench {
  public:
   Bench(GtkWindow* window, std::string pageUri)
-      : window_(window), screen_(vemba::screenForWindow(window)), pageUri_(std::move(pageUri)) {}
+      : window_(window),
+        screen_(vemba::platform::Screen::of(vemba::screenForWindow(window))),
+        pageUri_(std::move(pageUri)) {}
 
   // One interstitial loaded, shown from the window until its page has loaded and adDidShow has
   // come (timed from show()), then closed with its close button until adDidDismiss.

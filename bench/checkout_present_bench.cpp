@@ -145,11 +145,12 @@ class Bench {
     });
     bool ended = false;
     double endedWall = 0;
-    vemba::topScreenForWindow(window_)->presentScreen(sheet->screen(), animated, [&] {
-      ended = true;
-      endedWall = wallMillisNow();
-      timing.toPresentationEnd = Millis(Clock::now() - start).count();
-    });
+    vemba::platform::Screen::of(vemba::topScreenForWindow(window_))
+        ->presentScreen(vemba::platform::Screen::of(sheet->screen()), animated, [&] {
+          ended = true;
+          endedWall = wallMillisNow();
+          timing.toPresentationEnd = Millis(Clock::now() - start).count();
+        });
     require(
         runMainLoopUntil([&] { return ended && frame.seen() && (preloaded || watch.finished()); },
                          kStepDeadline),

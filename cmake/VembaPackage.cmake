@@ -36,7 +36,8 @@ endfunction()
 
 vemba_package_library(vemba_package Vemba linux $<TARGET_OBJECTS:vemba_platform_linux>)
 target_link_libraries(vemba_package PRIVATE PkgConfig::VEMBA_LINUX_DEPS)
-vemba_package_library(vemba_testing_package Testing fake $<TARGET_OBJECTS:vemba_platform_fake>)
+vemba_package_library(vemba_testing_package Testing fake $<TARGET_OBJECTS:vemba_platform_fake>
+                      $<TARGET_OBJECTS:vemba_testing_support>)
 set_target_properties(vemba_package PROPERTIES OUTPUT_NAME vemba)
 set_target_properties(vemba_testing_package PROPERTIES OUTPUT_NAME vemba-testing)
 

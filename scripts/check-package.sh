@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # The package as a host meets it: a shared Release build installed into a prefix with a space in
 # its name, every public header compiled alone against it, the example host built with
-# find_package(Vemba) and with pkg-config only and run against the local exchange, then the
-# Debian package made, installed with apt-get and removed again (when this user may).
+# find_package(Vemba) and with pkg-config only and run against the local exchange, the example
+# host's unit tests built against Vemba::Testing and run, then the Debian package made,
+# installed with apt-get and removed again (when this user may).
 #
 #   scripts/check-package.sh [BUILD_DIR]      # default build/package
 set -euo pipefail
@@ -78,6 +79,11 @@ for host in "$work/host-cmake/linux-host" "$work/host-pkg-config"; do
   done
 done
 
+step "a host's own unit tests against the installed Vemba::Testing"
+cmake -S examples/host-tests -B "$work/host-tests" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake --build "$work/host-tests" >/dev/null
+"$work/host-tests/host-tests" --gtest_brief=1
+
 step "the Debian package"
 (cd "$build" && cpack -G DEB >/dev/null)
 deb=$(ls "$root/$build"/vemba_*.deb)
@@ -91,7 +97,7 @@ if [[ $(id -u) -ne 0 ]]; then
 fi
 if [[ ${sudo_cmd[0]:-} == false ]]; then
   echo "not root and no sudo: the package's install and removal are not checked"
-elif dpkg-query -W vemba >/dev/null 2>&1; then
+elif dpkg-query -W -f='${Status}' vemba 2>/dev/null | grep -q 'ok installed'; then
   echo "a vemba package is installed already: its install and removal are not checked"
 else
   DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq "$deb" >/dev/null
@@ -99,7 +105,7 @@ else
   status=0
   vemba-inspect >"$work/usage.txt" 2>&1 || status=$?
   [[ $status -eq 2 ]] && grep -q '^usage: vemba-inspect' "$work/usage.txt"
-  DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get remove -y -qq vemba >/dev/null
+  DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get purge -y -qq vemba >/dev/null
   if PKG_CONFIG_PATH="" pkg-config --exists vemba || command -v vemba-inspect >/dev/null; then
     echo "the package left files behind"
     exit 1
