@@ -106,6 +106,7 @@ else
   vemba-inspect >"$work/usage.txt" 2>&1 || status=$?
   [[ $status -eq 2 ]] && grep -q '^usage: vemba-inspect' "$work/usage.txt"
   DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get purge -y -qq vemba >/dev/null
+  hash -r  # forget where vemba-inspect was found
   if PKG_CONFIG_PATH="" pkg-config --exists vemba || command -v vemba-inspect >/dev/null; then
     echo "the package left files behind"
     exit 1
