@@ -5,9 +5,11 @@
 #include <ostream>
 #include <string>
 
+#include "vemba/Export.h"
+
 namespace vemba {
 
-struct Error {
+struct VEMBA_EXPORT Error {
   std::string domain;  // "VembaError", "URLError" or "DecodingError"
   int code = 0;
   std::string description;

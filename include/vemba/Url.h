@@ -11,9 +11,11 @@
 #include <utility>
 #include <vector>
 
+#include "vemba/Export.h"
+
 namespace vemba {
 
-class Url {
+class VEMBA_EXPORT Url {
  public:
   struct QueryItem {
     std::string name;

@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <string>
 
+#include "vemba/Export.h"
+
 namespace vemba {
 
-struct AdValue {
+struct VEMBA_EXPORT AdValue {
   // The bid's price read as a CPM: one impression earns price × 1000 micros of the currency,
   // rounded to the nearest micro.
   std::int64_t valueMicros = 0;

@@ -13,6 +13,7 @@
 #include <string>
 
 #include "vemba/Error.h"
+#include "vemba/Export.h"
 #include "vemba/ScreenHandle.h"
 #include "vemba/ads/VembaShowError.h"
 
@@ -27,7 +28,7 @@ class VembaWebViewController;
 class VembaWebViewControllerDelegate;
 }  // namespace ads
 template <typename Self, typename Delegate>
-class FullScreenAd : public std::enable_shared_from_this<Self> {
+class VEMBA_EXPORT FullScreenAd : public std::enable_shared_from_this<Self> {
  public:
   virtual ~FullScreenAd();
 

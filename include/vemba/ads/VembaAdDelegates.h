@@ -4,6 +4,7 @@
 #pragma once
 
 #include "vemba/Error.h"
+#include "vemba/Export.h"
 #include "vemba/ads/AdValue.h"
 #include "vemba/ads/VembaReward.h"
 #include "vemba/ads/VembaShowError.h"
@@ -13,7 +14,7 @@ namespace vemba {
 class VembaInterstitialAd;
 class VembaRewardedAd;
 
-class VembaInterstitialAdDelegate {
+class VEMBA_EXPORT VembaInterstitialAdDelegate {
  public:
   virtual ~VembaInterstitialAdDelegate() = default;
   // A usable bid was received; isReady() has just become true.
@@ -36,7 +37,7 @@ class VembaInterstitialAdDelegate {
   virtual void adDidExpire(VembaInterstitialAd& /*ad*/) {}
 };
 
-class VembaRewardedAdDelegate {
+class VEMBA_EXPORT VembaRewardedAdDelegate {
  public:
   virtual ~VembaRewardedAdDelegate() = default;
   virtual void adDidLoad(VembaRewardedAd& ad) = 0;

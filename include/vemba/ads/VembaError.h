@@ -7,10 +7,11 @@
 #include <variant>
 
 #include "vemba/Error.h"
+#include "vemba/Export.h"
 
 namespace vemba {
 
-class VembaError {
+class VEMBA_EXPORT VembaError {
  public:
   struct InternalError {
     std::string message;

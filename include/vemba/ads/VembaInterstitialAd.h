@@ -4,12 +4,14 @@
 #include <memory>
 #include <string>
 
+#include "vemba/Export.h"
 #include "vemba/ads/FullScreenAd.h"
 #include "vemba/ads/VembaAdDelegates.h"
 
 namespace vemba {
 
-class VembaInterstitialAd : public FullScreenAd<VembaInterstitialAd, VembaInterstitialAdDelegate> {
+class VEMBA_EXPORT VembaInterstitialAd
+    : public FullScreenAd<VembaInterstitialAd, VembaInterstitialAdDelegate> {
  public:
   explicit VembaInterstitialAd(std::string adUnitId);
   static std::shared_ptr<VembaInterstitialAd> create(std::string adUnitId);

@@ -8,9 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "vemba/Export.h"
+
 namespace vemba {
 
-struct VembaPrivacy {
+struct VEMBA_EXPORT VembaPrivacy {
   std::optional<bool> gdprApplies{};  // regs.gdpr: 1 when the GDPR applies, 0 when it does not
   std::optional<std::string> tcfConsent{};  // user.consent: the IAB TCF consent string
   std::optional<std::string> gpp{};         // regs.gpp: the IAB Global Privacy Platform string

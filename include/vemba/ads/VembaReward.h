@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <string>
 
+#include "vemba/Export.h"
+
 namespace vemba {
 
-class VembaReward {
+class VEMBA_EXPORT VembaReward {
  public:
   // Amount 1, type "reward": the only reward the library hands out. Created once on first use.
   static const VembaReward& standard();

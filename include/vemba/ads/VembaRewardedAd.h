@@ -4,12 +4,13 @@
 #include <memory>
 #include <string>
 
+#include "vemba/Export.h"
 #include "vemba/ads/FullScreenAd.h"
 #include "vemba/ads/VembaAdDelegates.h"
 
 namespace vemba {
 
-class VembaRewardedAd : public FullScreenAd<VembaRewardedAd, VembaRewardedAdDelegate> {
+class VEMBA_EXPORT VembaRewardedAd : public FullScreenAd<VembaRewardedAd, VembaRewardedAdDelegate> {
  public:
   explicit VembaRewardedAd(std::string adUnitId);
   static std::shared_ptr<VembaRewardedAd> create(std::string adUnitId);

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "vemba/Export.h"
 #include "vemba/Version.h"
 #include "vemba/ads/VembaPrivacy.h"
 
@@ -12,7 +13,7 @@ namespace vemba {
 
 // A plain value built by the host. `isDebugMode` is stored for interface compatibility and has
 // no behaviour.
-struct VembaConfiguration {
+struct VEMBA_EXPORT VembaConfiguration {
   VembaConfiguration(std::string key, bool debugMode)
       : apiKey(std::move(key)), isDebugMode(debugMode) {}
   std::string apiKey;
@@ -24,7 +25,7 @@ struct VembaConfiguration {
 
 // Created lazily and thread-safely on first access, never destroyed. initialize() belongs on
 // the main thread at start-up; apiKey() may be read from any thread.
-class VembaSDK {
+class VEMBA_EXPORT VembaSDK {
  public:
   static VembaSDK& shared();
   static std::string version() { return VEMBA_VERSION_STRING; }

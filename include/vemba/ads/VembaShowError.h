@@ -3,6 +3,7 @@
 #pragma once
 
 #include "vemba/Error.h"
+#include "vemba/Export.h"
 
 namespace vemba {
 
@@ -16,6 +17,6 @@ enum class VembaShowErrorCode {
 inline constexpr const char* kVembaShowErrorDomain = "VembaShowError";
 
 // The error of `code`, with a sentence a developer can read.
-Error showError(VembaShowErrorCode code);
+VEMBA_EXPORT Error showError(VembaShowErrorCode code);
 
 }  // namespace vemba

@@ -9,6 +9,7 @@
 // the call, and dismisses the sheet; a checkoutDidFail that throws leaves no recovery attempt.
 #pragma once
 
+#include "vemba/Export.h"
 #include "vemba/Url.h"
 #include "vemba/checkout/CheckoutError.h"
 #include "vemba/checkout/events/CheckoutCompletedEvent.h"
@@ -16,7 +17,7 @@
 
 namespace vemba::checkout {
 
-class CheckoutDelegate {
+class VEMBA_EXPORT CheckoutDelegate {
  public:
   virtual ~CheckoutDelegate() = default;
 

@@ -9,11 +9,12 @@
 
 #include <functional>
 
+#include "vemba/Export.h"
 #include "vemba/checkout/CheckoutDelegate.h"
 
 namespace vemba::checkout {
 
-class CheckoutDelegateWrapper final : public CheckoutDelegate {
+class VEMBA_EXPORT CheckoutDelegateWrapper final : public CheckoutDelegate {
  public:
   std::function<void(const CheckoutCompletedEvent&)> onComplete;
   std::function<void()> onCancel;

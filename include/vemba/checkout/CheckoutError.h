@@ -7,11 +7,12 @@
 #include <variant>
 
 #include "vemba/Error.h"
+#include "vemba/Export.h"
 #include "vemba/checkout/CheckoutErrorCode.h"
 
 namespace vemba::checkout {
 
-class CheckoutError {
+class VEMBA_EXPORT CheckoutError {
  public:
   // A failure inside the kit or the platform (decoding, navigation).
   struct SdkError {

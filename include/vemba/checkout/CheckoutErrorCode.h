@@ -9,6 +9,8 @@
 #include <string_view>
 #include <variant>
 
+#include "vemba/Export.h"
+
 namespace vemba::checkout {
 
 enum class CheckoutErrorCode {
@@ -24,17 +26,17 @@ inline constexpr std::array<CheckoutErrorCode, 5> kAllCheckoutErrorCodes = {
     CheckoutErrorCode::cartCompleted, CheckoutErrorCode::invalidCart, CheckoutErrorCode::unknown};
 
 // The raw value, e.g. "cart_expired".
-std::string_view rawValue(CheckoutErrorCode code);
+VEMBA_EXPORT std::string_view rawValue(CheckoutErrorCode code);
 // The case name, e.g. "cartExpired" (used in log lines).
-std::string_view caseName(CheckoutErrorCode code);
+VEMBA_EXPORT std::string_view caseName(CheckoutErrorCode code);
 // The code whose raw value is exactly `raw`, else absent.
-std::optional<CheckoutErrorCode> checkoutErrorCodeFromRawValue(std::string_view raw);
+VEMBA_EXPORT std::optional<CheckoutErrorCode> checkoutErrorCodeFromRawValue(std::string_view raw);
 // Never fails: the matching code, or `unknown` for an absent or unmatched string.
-CheckoutErrorCode checkoutErrorCodeFrom(const std::optional<std::string>& code);
+VEMBA_EXPORT CheckoutErrorCode checkoutErrorCodeFrom(const std::optional<std::string>& code);
 
 // Why a checkout is unavailable: a code sent by the checkout page, or the HTTP status of the
 // checkout document.
-class CheckoutUnavailable {
+class VEMBA_EXPORT CheckoutUnavailable {
  public:
   struct ClientError {
     CheckoutErrorCode code = CheckoutErrorCode::unknown;

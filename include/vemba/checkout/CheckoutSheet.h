@@ -18,6 +18,7 @@
 #include <functional>
 #include <memory>
 
+#include "vemba/Export.h"
 #include "vemba/ScreenHandle.h"
 #include "vemba/Url.h"
 #include "vemba/checkout/CheckoutConfigurable.h"
@@ -26,7 +27,7 @@
 
 namespace vemba::checkout {
 
-class CheckoutSheet : public CheckoutConfigurable<CheckoutSheet> {
+class VEMBA_EXPORT CheckoutSheet : public CheckoutConfigurable<CheckoutSheet> {
  public:
   explicit CheckoutSheet(Url checkout);
 

@@ -9,11 +9,12 @@
 #include <functional>
 #include <memory>
 
+#include "vemba/Export.h"
 #include "vemba/ScreenHandle.h"
 
 namespace vemba::checkout {
 
-class CheckoutViewController {
+class VEMBA_EXPORT CheckoutViewController {
  public:
   virtual ~CheckoutViewController() = default;
 

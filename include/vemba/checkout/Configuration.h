@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "vemba/Export.h"
 #include "vemba/checkout/LogLevel.h"
 #include "vemba/checkout/Logger.h"
 #include "vemba/checkout/MetaData.h"
@@ -25,7 +26,7 @@ using Color = ::vemba::platform::Color;
 // The default tint and spinner colour.
 inline constexpr Color kDefaultTintColor = Color::rgba(0.09, 0.45, 0.69, 1.0);
 
-struct Configuration {
+struct VEMBA_EXPORT Configuration {
   // The celebration shown when a checkout completes.
   struct Confetti {
     bool enabled = false;
@@ -64,6 +65,6 @@ struct Configuration {
 };
 
 // A copy of the global record (created with the defaults on first use).
-Configuration configuration();
+VEMBA_EXPORT Configuration configuration();
 
 }  // namespace vemba::checkout

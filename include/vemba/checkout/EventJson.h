@@ -51,6 +51,7 @@
 
 #include "vemba/Error.h"
 #include "vemba/Expected.h"
+#include "vemba/Export.h"
 #include "vemba/checkout/CheckoutError.h"
 #include "vemba/checkout/CheckoutErrorCode.h"
 #include "vemba/checkout/events/CheckoutCompletedEvent.h"
@@ -60,15 +61,15 @@
 
 namespace vemba::checkout {
 
-std::string toJson(const CheckoutCompletedEvent& event);
+VEMBA_EXPORT std::string toJson(const CheckoutCompletedEvent& event);
 // A StandardEvent or CustomEvent passed here is written as the PixelEvent it makes.
-std::string toJson(const PixelEvent& event);
-std::string toJson(const Context& context);
-std::string toJson(const StandardEventData& data);
-std::string toJson(const CustomData& data);
-std::string toJson(const CheckoutError& error);
-std::string toJson(CheckoutErrorCode code);
-std::string toJson(const CheckoutUnavailable& code);
+VEMBA_EXPORT std::string toJson(const PixelEvent& event);
+VEMBA_EXPORT std::string toJson(const Context& context);
+VEMBA_EXPORT std::string toJson(const StandardEventData& data);
+VEMBA_EXPORT std::string toJson(const CustomData& data);
+VEMBA_EXPORT std::string toJson(const CheckoutError& error);
+VEMBA_EXPORT std::string toJson(CheckoutErrorCode code);
+VEMBA_EXPORT std::string toJson(const CheckoutUnavailable& code);
 
 // The types fromJson reads.
 template <typename T>
@@ -83,20 +84,22 @@ template <typename T>
 requires kHasEventJson<T> Expected<T, Error> fromJson(std::string_view text);
 
 template <>
-Expected<CheckoutCompletedEvent, Error> fromJson<CheckoutCompletedEvent>(std::string_view text);
+VEMBA_EXPORT Expected<CheckoutCompletedEvent, Error> fromJson<CheckoutCompletedEvent>(
+    std::string_view text);
 template <>
-Expected<PixelEvent, Error> fromJson<PixelEvent>(std::string_view text);
+VEMBA_EXPORT Expected<PixelEvent, Error> fromJson<PixelEvent>(std::string_view text);
 template <>
-Expected<Context, Error> fromJson<Context>(std::string_view text);
+VEMBA_EXPORT Expected<Context, Error> fromJson<Context>(std::string_view text);
 template <>
-Expected<StandardEventData, Error> fromJson<StandardEventData>(std::string_view text);
+VEMBA_EXPORT Expected<StandardEventData, Error> fromJson<StandardEventData>(std::string_view text);
 template <>
-Expected<CustomData, Error> fromJson<CustomData>(std::string_view text);
+VEMBA_EXPORT Expected<CustomData, Error> fromJson<CustomData>(std::string_view text);
 template <>
-Expected<CheckoutError, Error> fromJson<CheckoutError>(std::string_view text);
+VEMBA_EXPORT Expected<CheckoutError, Error> fromJson<CheckoutError>(std::string_view text);
 template <>
-Expected<CheckoutErrorCode, Error> fromJson<CheckoutErrorCode>(std::string_view text);
+VEMBA_EXPORT Expected<CheckoutErrorCode, Error> fromJson<CheckoutErrorCode>(std::string_view text);
 template <>
-Expected<CheckoutUnavailable, Error> fromJson<CheckoutUnavailable>(std::string_view text);
+VEMBA_EXPORT Expected<CheckoutUnavailable, Error> fromJson<CheckoutUnavailable>(
+    std::string_view text);
 
 }  // namespace vemba::checkout

@@ -9,6 +9,8 @@
 #include <optional>
 #include <string_view>
 
+#include "vemba/Export.h"
+
 namespace vemba::checkout {
 
 enum class LogLevel { all, debug, error, none };
@@ -17,8 +19,8 @@ inline constexpr std::array<LogLevel, 4> kAllLogLevels = {LogLevel::all, LogLeve
                                                           LogLevel::error, LogLevel::none};
 
 // "all", "debug", "error" or "none".
-std::string_view rawValue(LogLevel level);
+VEMBA_EXPORT std::string_view rawValue(LogLevel level);
 // The level whose raw value is exactly `raw` (case-sensitive), else absent.
-std::optional<LogLevel> logLevelFrom(std::string_view raw);
+VEMBA_EXPORT std::optional<LogLevel> logLevelFrom(std::string_view raw);
 
 }  // namespace vemba::checkout

@@ -5,10 +5,12 @@
 
 #include <string>
 
+#include "vemba/Export.h"
+
 namespace vemba::checkout {
 
 // Contract: called on the main thread; implementations must not throw.
-class Logger {
+class VEMBA_EXPORT Logger {
  public:
   virtual ~Logger() = default;
   virtual void log(const std::string& message) = 0;
@@ -16,7 +18,7 @@ class Logger {
 };
 
 // The default logger: both operations do nothing.
-class NoOpLogger final : public Logger {
+class VEMBA_EXPORT NoOpLogger final : public Logger {
  public:
   void log(const std::string& /*message*/) override {}
   void clearLogs() override {}

@@ -5,13 +5,15 @@
 #include <optional>
 #include <string_view>
 
+#include "vemba/Export.h"
+
 namespace vemba::checkout {
 
 // The kit's version.
 inline constexpr std::string_view version = "3.4.0";
 
 // A namespace-like holder: no instances.
-struct MetaData {
+struct VEMBA_EXPORT MetaData {
   MetaData() = delete;
 
   static constexpr std::string_view schemaVersion = "8.1";
@@ -26,15 +28,15 @@ struct MetaData {
 enum class Platform { reactNative };
 
 // "AcceleratedCheckouts".
-std::string_view rawValue(MetaData::EntryPoint entryPoint);
+VEMBA_EXPORT std::string_view rawValue(MetaData::EntryPoint entryPoint);
 // "iOS" or "ReactNative".
-std::string_view rawValue(MetaData::Platform platform);
+VEMBA_EXPORT std::string_view rawValue(MetaData::Platform platform);
 // "ReactNative".
-std::string_view rawValue(Platform platform);
+VEMBA_EXPORT std::string_view rawValue(Platform platform);
 
 // Exact, case-sensitive matches of the raw values; absent for anything else.
-std::optional<MetaData::EntryPoint> entryPointFrom(std::string_view raw);
-std::optional<MetaData::Platform> metaDataPlatformFrom(std::string_view raw);
-std::optional<Platform> platformFrom(std::string_view raw);
+VEMBA_EXPORT std::optional<MetaData::EntryPoint> entryPointFrom(std::string_view raw);
+VEMBA_EXPORT std::optional<MetaData::Platform> metaDataPlatformFrom(std::string_view raw);
+VEMBA_EXPORT std::optional<Platform> platformFrom(std::string_view raw);
 
 }  // namespace vemba::checkout

@@ -6,12 +6,13 @@
 #include <string>
 #include <string_view>
 
+#include "vemba/Export.h"
 #include "vemba/checkout/MetaData.h"
 
 namespace vemba::checkout {
 
 // A namespace-like holder: no instances.
-struct UserAgent {
+struct VEMBA_EXPORT UserAgent {
   UserAgent() = delete;
 
   // Also the type of the configuration's colour scheme. Note `web` is "web_default".
@@ -28,8 +29,8 @@ struct UserAgent {
 };
 
 // "light", "dark", "automatic" or "web_default".
-std::string_view rawValue(UserAgent::ColorScheme colorScheme);
+VEMBA_EXPORT std::string_view rawValue(UserAgent::ColorScheme colorScheme);
 // Exact, case-sensitive match of a raw value; absent for anything else.
-std::optional<UserAgent::ColorScheme> colorSchemeFrom(std::string_view raw);
+VEMBA_EXPORT std::optional<UserAgent::ColorScheme> colorSchemeFrom(std::string_view raw);
 
 }  // namespace vemba::checkout

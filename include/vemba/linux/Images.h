@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "vemba/Export.h"
 #include "vemba/platform/Image.h"
 
 using GdkTexture = struct _GdkTexture;
@@ -12,8 +13,8 @@ using GdkTexture = struct _GdkTexture;
 namespace vemba {
 
 // An image sharing `texture` (a reference is taken); no image for a null texture.
-platform::Image imageFromTexture(GdkTexture* texture);
+VEMBA_EXPORT platform::Image imageFromTexture(GdkTexture* texture);
 // The image in the PNG (or any format GDK reads) at `path`; no image when it cannot be read.
-platform::Image imageFromPngFile(const std::string& path);
+VEMBA_EXPORT platform::Image imageFromPngFile(const std::string& path);
 
 }  // namespace vemba

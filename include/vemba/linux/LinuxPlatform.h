@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "vemba/Export.h"
+
 namespace vemba {
 
 // The host application's identity as bid requests report it.
@@ -14,10 +16,11 @@ namespace vemba {
 // - `shortVersion`: the application's short version ("2.3"). Calling this function gives the
 //   application an information dictionary, holding the identifier and the short version
 //   (each when present); before the first call there is no dictionary at all.
-void setBundleInfo(std::optional<std::string> identifier, std::optional<std::string> shortVersion);
+VEMBA_EXPORT void setBundleInfo(std::optional<std::string> identifier,
+                                std::optional<std::string> shortVersion);
 
 // Forgets what setBundleInfo() set: no dictionary, identifier from the GApplication only.
-void clearBundleInfo();
+VEMBA_EXPORT void clearBundleInfo();
 
 // The library logs through GLib's structured log, so a host's g_log_set_writer_func() receives
 // every record, and GLib's default writer prints them as it prints any GNOME library's: debug and

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "vemba/Export.h"
 #include "vemba/ScreenHandle.h"
 
 using GtkWindow = struct _GtkWindow;
@@ -19,12 +20,12 @@ namespace vemba {
 // as the window. A screen presents one screen at a time, so while something is presented over
 // the window, show and present from topScreenForWindow() instead. Null for a null window. Main
 // thread only; GTK must be initialised.
-std::shared_ptr<ScreenHandle> screenForWindow(GtkWindow* window);
+VEMBA_EXPORT std::shared_ptr<ScreenHandle> screenForWindow(GtkWindow* window);
 
 // The top screen of `window`: the last of the screens presented over it, or its root screen when
 // nothing is. Showing an ad or presenting a checkout from it puts the new screen on top. Null
 // for a null window. Main thread only; GTK must be initialised.
-std::shared_ptr<ScreenHandle> topScreenForWindow(GtkWindow* window);
+VEMBA_EXPORT std::shared_ptr<ScreenHandle> topScreenForWindow(GtkWindow* window);
 
 // Receives each URL the library opens outside the application (an ad's "openURL", a checkout
 // link the host's delegate leaves to the library): every URL that parses, whatever its scheme,
@@ -34,6 +35,6 @@ using UrlOpener = std::function<void(const std::string& url)>;
 // Replaces the opener; an empty one restores the default, which opens only http, https, mailto
 // and tel URLs, with the desktop's handler, without blocking (a log line for anything else).
 // Thread-safe; takes effect for the next URL.
-void setUrlOpener(UrlOpener opener);
+VEMBA_EXPORT void setUrlOpener(UrlOpener opener);
 
 }  // namespace vemba

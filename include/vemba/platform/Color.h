@@ -3,9 +3,11 @@
 // dark appearance). Value type; thread-safe to copy.
 #pragma once
 
+#include "vemba/Export.h"
+
 namespace vemba::platform {
 
-struct Color {
+struct VEMBA_EXPORT Color {
   enum class Kind {
     rgba,              // the components below
     systemBackground,  // the platform's system background colour; components unused

@@ -6,9 +6,11 @@
 #include <memory>
 #include <utility>
 
+#include "vemba/Export.h"
+
 namespace vemba::platform {
 
-class Image {
+class VEMBA_EXPORT Image {
  public:
   // The backend's image object derives from this.
   class Native {

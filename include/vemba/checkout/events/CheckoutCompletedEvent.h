@@ -8,9 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "vemba/Export.h"
+
 namespace vemba::checkout {
 
-struct CheckoutCompletedEvent {
+struct VEMBA_EXPORT CheckoutCompletedEvent {
   // A postal address: the billing address and delivery locations.
   struct Address {
     std::optional<std::string> address1;
@@ -116,6 +118,7 @@ struct CheckoutCompletedEvent {
 // The event handed on when the summary cannot be read: `id` (or "" when absent) as the order id,
 // no lines, an empty token, and a price whose shipping, subtotal, taxes and total are present but
 // empty (they encode as four empty objects); every other optional is absent.
-CheckoutCompletedEvent createEmptyCheckoutCompletedEvent(const std::optional<std::string>& id);
+VEMBA_EXPORT CheckoutCompletedEvent
+createEmptyCheckoutCompletedEvent(const std::optional<std::string>& id);
 
 }  // namespace vemba::checkout

@@ -7,11 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "vemba/Export.h"
+
 namespace vemba::checkout {
 
 // An address split into its parts as a browser reports it. `port` is text (possibly empty), and
 // the scheme part is `locationProtocol`, carried under the JSON key "protocol".
-struct Location {
+struct VEMBA_EXPORT Location {
   std::optional<std::string> hash;
   std::optional<std::string> host;
   std::optional<std::string> hostname;
@@ -24,13 +26,13 @@ struct Location {
   bool operator==(const Location&) const = default;
 };
 
-struct Screen {
+struct VEMBA_EXPORT Screen {
   std::optional<double> height;
   std::optional<double> width;
   bool operator==(const Screen&) const = default;
 };
 
-struct WebPixelsDocument {
+struct VEMBA_EXPORT WebPixelsDocument {
   std::optional<std::string> characterSet;
   std::optional<Location> location;
   std::optional<std::string> referrer;
@@ -38,7 +40,7 @@ struct WebPixelsDocument {
   bool operator==(const WebPixelsDocument&) const = default;
 };
 
-struct WebPixelsNavigator {
+struct VEMBA_EXPORT WebPixelsNavigator {
   std::optional<bool> cookieEnabled;
   std::optional<std::string> language;
   std::optional<std::vector<std::string>> languages;  // in order of preference
@@ -46,7 +48,7 @@ struct WebPixelsNavigator {
   bool operator==(const WebPixelsNavigator&) const = default;
 };
 
-struct WebPixelsWindow {
+struct VEMBA_EXPORT WebPixelsWindow {
   std::optional<double> innerHeight;
   std::optional<double> innerWidth;
   std::optional<Location> location;
@@ -63,7 +65,7 @@ struct WebPixelsWindow {
   bool operator==(const WebPixelsWindow&) const = default;
 };
 
-struct Context {
+struct VEMBA_EXPORT Context {
   std::optional<WebPixelsDocument> document;
   std::optional<WebPixelsNavigator> navigator;
   std::optional<WebPixelsWindow> window;

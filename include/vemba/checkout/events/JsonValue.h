@@ -12,6 +12,8 @@
 #include <variant>
 #include <vector>
 
+#include "vemba/Export.h"
+
 namespace vemba::checkout {
 
 class JsonValue;
@@ -20,7 +22,7 @@ class JsonValue;
 using JsonObject = std::map<std::string, JsonValue>;
 using JsonArray = std::vector<JsonValue>;
 
-class JsonValue {
+class VEMBA_EXPORT JsonValue {
  public:
   // Alternatives in the order a free-form object member is tried when read.
   using Storage = std::variant<bool, std::string, std::int64_t, double, JsonObject, JsonArray>;

@@ -7,12 +7,13 @@
 #include <string>
 #include <variant>
 
+#include "vemba/Export.h"
 #include "vemba/checkout/events/Context.h"
 #include "vemba/checkout/events/StandardEventData.h"
 
 namespace vemba::checkout {
 
-struct StandardEvent {
+struct VEMBA_EXPORT StandardEvent {
   std::optional<Context> context;
   std::optional<std::string> id;
   std::optional<std::string> name;
@@ -22,7 +23,7 @@ struct StandardEvent {
   bool operator==(const StandardEvent&) const = default;
 };
 
-struct CustomEvent {
+struct VEMBA_EXPORT CustomEvent {
   std::optional<Context> context;
   // Compact JSON text of the merchant's custom-data object, for the host to parse. Nulls the
   // page sent are not in it; key order is the kit's, not the page's.
@@ -37,7 +38,7 @@ struct CustomEvent {
 using PixelEvent = std::variant<CustomEvent, StandardEvent>;
 
 // A named record that carries nothing.
-struct CustomData {
+struct VEMBA_EXPORT CustomData {
   bool operator==(const CustomData&) const = default;
 };
 

@@ -7,30 +7,32 @@
 #include <string>
 #include <vector>
 
+#include "vemba/Export.h"
+
 namespace vemba::checkout {
 
 // The money record of pixel data (not the completed event's Money).
-struct MoneyV2 {
+struct VEMBA_EXPORT MoneyV2 {
   std::optional<double> amount;
   std::optional<std::string> currencyCode;
   bool operator==(const MoneyV2&) const = default;
 };
 
 // A custom cart attribute.
-struct Attribute {
+struct VEMBA_EXPORT Attribute {
   std::optional<std::string> key;
   std::optional<std::string> value;
   bool operator==(const Attribute&) const = default;
 };
 
 // A line item property.
-struct Property {
+struct VEMBA_EXPORT Property {
   std::optional<std::string> key;
   std::optional<std::string> value;
   bool operator==(const Property&) const = default;
 };
 
-struct MailingAddress {
+struct VEMBA_EXPORT MailingAddress {
   std::optional<std::string> address1;
   std::optional<std::string> address2;
   std::optional<std::string> city;
@@ -45,7 +47,7 @@ struct MailingAddress {
   bool operator==(const MailingAddress&) const = default;
 };
 
-struct DeliveryOption {
+struct VEMBA_EXPORT DeliveryOption {
   std::optional<MoneyV2> cost;
   std::optional<MoneyV2> costAfterDiscounts;
   std::optional<std::string> description;
@@ -55,13 +57,13 @@ struct DeliveryOption {
   bool operator==(const DeliveryOption&) const = default;
 };
 
-struct Delivery {
+struct VEMBA_EXPORT Delivery {
   std::optional<std::vector<DeliveryOption>> selectedDeliveryOptions;
   bool operator==(const Delivery&) const = default;
 };
 
 // A discount's value: an amount of money or a percentage, both in one record.
-struct Value {
+struct VEMBA_EXPORT Value {
   std::optional<double> amount;
   std::optional<std::string> currencyCode;
   std::optional<double> percentage;
@@ -69,12 +71,12 @@ struct Value {
 };
 
 // A percentage on its own; no other record refers to it.
-struct PricingPercentageValue {
+struct VEMBA_EXPORT PricingPercentageValue {
   std::optional<double> percentage;
   bool operator==(const PricingPercentageValue&) const = default;
 };
 
-struct DiscountApplication {
+struct VEMBA_EXPORT DiscountApplication {
   std::optional<std::string> allocationMethod;
   std::optional<std::string> targetSelection;
   std::optional<std::string> targetType;
@@ -84,18 +86,18 @@ struct DiscountApplication {
   bool operator==(const DiscountApplication&) const = default;
 };
 
-struct DiscountAllocation {
+struct VEMBA_EXPORT DiscountAllocation {
   std::optional<MoneyV2> amount;
   std::optional<DiscountApplication> discountApplication;
   bool operator==(const DiscountAllocation&) const = default;
 };
 
-struct Image {
+struct VEMBA_EXPORT Image {
   std::optional<std::string> src;
   bool operator==(const Image&) const = default;
 };
 
-struct Product {
+struct VEMBA_EXPORT Product {
   std::optional<std::string> id;
   std::optional<std::string> title;
   std::optional<std::string> type;
@@ -105,7 +107,7 @@ struct Product {
   bool operator==(const Product&) const = default;
 };
 
-struct ProductVariant {
+struct VEMBA_EXPORT ProductVariant {
   std::optional<std::string> id;
   std::optional<Image> image;
   std::optional<MoneyV2> price;
@@ -116,18 +118,18 @@ struct ProductVariant {
   bool operator==(const ProductVariant&) const = default;
 };
 
-struct SellingPlan {
+struct VEMBA_EXPORT SellingPlan {
   std::optional<std::string> id;
   std::optional<std::string> name;
   bool operator==(const SellingPlan&) const = default;
 };
 
-struct SellingPlanAllocation {
+struct VEMBA_EXPORT SellingPlanAllocation {
   std::optional<SellingPlan> sellingPlan;
   bool operator==(const SellingPlanAllocation&) const = default;
 };
 
-struct CheckoutLineItem {
+struct VEMBA_EXPORT CheckoutLineItem {
   std::optional<std::vector<DiscountAllocation>> discountAllocations;
   std::optional<MoneyV2> finalLinePrice;
   std::optional<std::string> id;
@@ -139,73 +141,73 @@ struct CheckoutLineItem {
   bool operator==(const CheckoutLineItem&) const = default;
 };
 
-struct CartLineCost {
+struct VEMBA_EXPORT CartLineCost {
   std::optional<MoneyV2> totalAmount;
   bool operator==(const CartLineCost&) const = default;
 };
 
 // A cart line as pixel data (not the completed event's cart line).
-struct CartLine {
+struct VEMBA_EXPORT CartLine {
   std::optional<CartLineCost> cost;
   std::optional<ProductVariant> merchandise;
   std::optional<double> quantity;
   bool operator==(const CartLine&) const = default;
 };
 
-struct Country {
+struct VEMBA_EXPORT Country {
   std::optional<std::string> isoCode;
   bool operator==(const Country&) const = default;
 };
 
-struct Language {
+struct VEMBA_EXPORT Language {
   std::optional<std::string> isoCode;
   bool operator==(const Language&) const = default;
 };
 
-struct Market {
+struct VEMBA_EXPORT Market {
   std::optional<std::string> handle;
   std::optional<std::string> id;
   bool operator==(const Market&) const = default;
 };
 
-struct Localization {
+struct VEMBA_EXPORT Localization {
   std::optional<Country> country;
   std::optional<Language> language;
   std::optional<Market> market;
   bool operator==(const Localization&) const = default;
 };
 
-struct OrderCustomer {
+struct VEMBA_EXPORT OrderCustomer {
   std::optional<std::string> id;
   std::optional<bool> isFirstOrder;
   bool operator==(const OrderCustomer&) const = default;
 };
 
-struct Order {
+struct VEMBA_EXPORT Order {
   std::optional<OrderCustomer> customer;
   std::optional<std::string> id;
   bool operator==(const Order&) const = default;
 };
 
-struct ShippingRate {
+struct VEMBA_EXPORT ShippingRate {
   std::optional<MoneyV2> price;
   bool operator==(const ShippingRate&) const = default;
 };
 
-struct TransactionPaymentMethod {
+struct VEMBA_EXPORT TransactionPaymentMethod {
   std::optional<std::string> name;
   std::optional<std::string> type;
   bool operator==(const TransactionPaymentMethod&) const = default;
 };
 
-struct Transaction {
+struct VEMBA_EXPORT Transaction {
   std::optional<MoneyV2> amount;
   std::optional<std::string> gateway;
   std::optional<TransactionPaymentMethod> paymentMethod;
   bool operator==(const Transaction&) const = default;
 };
 
-struct Checkout {
+struct VEMBA_EXPORT Checkout {
   std::optional<std::vector<Attribute>> attributes;
   std::optional<MailingAddress> billingAddress;
   std::optional<bool> buyerAcceptsEmailMarketing;
@@ -230,7 +232,7 @@ struct Checkout {
   bool operator==(const Checkout&) const = default;
 };
 
-struct StandardEventData {
+struct VEMBA_EXPORT StandardEventData {
   std::optional<Checkout> checkout;
   bool operator==(const StandardEventData&) const = default;
 };
