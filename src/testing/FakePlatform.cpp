@@ -1,10 +1,10 @@
 #include "vemba/testing/FakePlatform.h"
 
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "FakePlatformAccess.h"
 #include "ads/bidding/BidExchange.h"
+#include "ads/bidding/BidRecordsJson.h"
 #include "ads/core/UserAgentFetcher.h"
 #include "ads/core/VembaSDKForTesting.h"
 #include "ads/formats/VembaWebViewController.h"
@@ -174,13 +174,20 @@ std::optional<PresentedCheckout> FakePlatform::presentedCheckout() const {
 }
 
 std::string bidResponse(std::string_view adPageUrl, std::string_view billingUrl) {
-  nlohmann::json bid{{"impid", kImpressionId}, {"price", kPrice}, {"adm", adPageUrl}};
+  ads::Bid bid;
+  bid.impid = kImpressionId;
+  bid.price = kPrice;
+  bid.adm = std::string(adPageUrl);
   if (!billingUrl.empty()) {
-    bid["burl"] = billingUrl;
+    bid.burl = std::string(billingUrl);
   }
-  return nlohmann::json{
-      {"id", kResponseId}, {"bidid", kBidId}, {"cur", kCurrency}, {"seatbid", {{{"bid", {bid}}}}}}
-      .dump();
+  ads::BidResponse response;
+  response.id = kResponseId;
+  response.bidid = std::string(kBidId);
+  response.cur = std::string(kCurrency);
+  response.seatbid = std::vector<ads::SeatBid>{ads::SeatBid{{std::move(bid)}}};
+  // The library's own coder, so the answer has the shape the library reads.
+  return ads::encode(response).dump();
 }
 
 }  // namespace vemba::testing

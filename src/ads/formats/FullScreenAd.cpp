@@ -178,6 +178,8 @@ void FullScreenAd<Self, Delegate>::show(std::shared_ptr<ScreenHandle> handle) {
     failToShow(VembaShowErrorCode::noScreen);
     return;
   }
+  // Valued now, from the bid being shown: a load during the transition replaces the exchange's.
+  Expected<AdValue, std::string> value = exchange_->impressionValue();
   // Spent before presenting, so a second show cannot present the same bid twice.
   exchange_->spend();
   if (!screenListener_) {
@@ -188,7 +190,8 @@ void FullScreenAd<Self, Delegate>::show(std::shared_ptr<ScreenHandle> handle) {
   controller->screen()->setModalPresentationStyle(platform::ModalPresentationStyle::fullScreen);
   controller->load(*page);  // parked until the screen's view loads
   const bool presenting = from->presentScreen(
-      controller->screen(), /*animated=*/true, [weakAd = this->weak_from_this()] {
+      controller->screen(), /*animated=*/true,
+      [weakAd = this->weak_from_this(), value = std::move(value)] {
         const std::shared_ptr<Self> ad = weakAd.lock();
         if (!ad) {
           return;
@@ -198,9 +201,7 @@ void FullScreenAd<Self, Delegate>::show(std::shared_ptr<ScreenHandle> handle) {
         }
         // Billed only once the ad is on screen, with or without a delegate; the impression is
         // recorded with the bill.
-        const ads::BidExchange& exchange = ads::AdAccess::exchange(*ad);
-        exchange.fireBillingPixel();
-        const Expected<AdValue, std::string> value = exchange.impressionValue();
+        ads::AdAccess::exchange(*ad).fireBillingPixel();
         if (!value) {
           logError(value.error());
         } else if (const std::shared_ptr<Delegate> listener = ad->delegate()) {
