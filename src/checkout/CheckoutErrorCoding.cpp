@@ -87,14 +87,12 @@ CheckoutUnavailable decodeCheckoutUnavailable(const Json& value, const JsonPath&
 }
 
 Json encodeCheckoutUnavailable(const CheckoutUnavailable& code) {
-  Json out = Json::object();
-  Json& payload = out[std::string(kUnavailableCases[code.value().index()])];
+  const std::string_view caseName = kUnavailableCases[code.value().index()];
   if (const auto* client = std::get_if<CheckoutUnavailable::ClientError>(&code.value())) {
-    payload = CodeCodec::encode(client->code);
-  } else {
-    payload = std::get<CheckoutUnavailable::HttpError>(code.value()).statusCode;
+    return json::encodeSingleCase(caseName, CodeCodec::encode(client->code));
   }
-  return out;
+  return json::encodeSingleCase(caseName,
+                                std::get<CheckoutUnavailable::HttpError>(code.value()).statusCode);
 }
 
 CheckoutError decodeCheckoutError(const Json& value, const JsonPath& path) {

@@ -246,6 +246,12 @@ std::size_t decodeSingleCase(const Json& value, const JsonPath& path,
            std::string(typeName) + ".");
 }
 
+Json encodeSingleCase(std::string_view caseName, Json payload) {
+  Json out = Json::object();
+  out[std::string(caseName)] = std::move(payload);
+  return out;
+}
+
 std::string dumpCompact(const Json& value, InvalidUtf8 invalid) {
   const std::string raw =
       value.dump(-1, ' ', false,

@@ -96,6 +96,8 @@ std::size_t decodeCaseName(const Json& value, const JsonPath& path,
 // so does a key that names no case.
 std::size_t decodeSingleCase(const Json& value, const JsonPath& path,
                              std::span<const std::string_view> names, std::string_view typeName);
+// The same shape written: {caseName: payload}.
+Json encodeSingleCase(std::string_view caseName, Json payload);
 
 std::string requireString(const Json& object, std::string_view key, const JsonPath& path);
 std::optional<std::string> optionalString(const Json& object, std::string_view key,

@@ -74,10 +74,9 @@ PixelEvent decodePixelEvent(const json::Json& value, const json::JsonPath& path)
 }
 
 json::Json encodePixelEvent(const PixelEvent& event) {
-  json::Json out = json::Json::object();
-  out[std::string(kPixelEventCases[event.index()])] =
-      std::visit([](const auto& value) { return json::encodeRecord(value); }, event);
-  return out;
+  return json::encodeSingleCase(
+      kPixelEventCases[event.index()],
+      std::visit([](const auto& value) { return json::encodeRecord(value); }, event));
 }
 
 }  // namespace vemba::checkout
