@@ -14,11 +14,13 @@
 // - ThreadSanitizer: GLib's mutexes and bit locks are futex-based in these uninstrumented
 //   libraries, so TSan cannot see the ordering of GLib's and fontconfig's own worker threads
 //   (GTask pool, GDBus, font loading) against the main thread.
-extern "C" const char* __lsan_default_suppressions();
+// The hooks keep default visibility: the sanitizer runtime looks them up dynamically, and the
+// build hides every other symbol.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {
   return "leak:libfontconfig.so\n";
 }
-extern "C" const char* __tsan_default_suppressions();
+extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions();
 extern "C" const char* __tsan_default_suppressions() {
   return "race:libglib-2.0.so\nrace:libgobject-2.0.so\nrace:libfontconfig.so\n";
 }

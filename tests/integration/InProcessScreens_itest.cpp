@@ -39,8 +39,9 @@
 #if defined(VEMBA_CYCLES_UNDER_SANITIZERS)
 // Under AddressSanitizer, leak checking is off: each run that starts GTK leaks a few bytes from a
 // GL driver module unloaded before the check, which no suppression can name. What this test looks
-// for is counted below instead.
-extern "C" const char* __asan_default_options();
+// for is counted below instead. The hook keeps default visibility: the runtime looks it up
+// dynamically, and the build hides every other symbol.
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
 extern "C" const char* __asan_default_options() {
   return "detect_leaks=0";
 }
