@@ -7,10 +7,8 @@
 
 #include "AdOptions.h"
 #include "Commands.h"
+#include "Inspection.h"
 #include "Options.h"
-#include "ads/bidding/BidExchange.h"
-#include "ads/bidding/BidRecordsJson.h"
-#include "ads/core/UserAgentFetcher.h"
 #include "vemba/Vemba.h"
 
 namespace vemba::inspect {
@@ -64,17 +62,6 @@ class PrintingDelegate : public VembaInterstitialAdDelegate, public VembaRewarde
   }
   GMainLoop* loop_;
 };
-
-// The request a load of this ad would send, built by the same exchange code.
-ads::BidRequest requestFor(const AdOptions& options, const std::string& userAgent) {
-  const ads::AdFormat format{options.format == Format::interstitial
-                                 ? ads::AdFormat::Kind::interstitial
-                                 : ads::AdFormat::Kind::rewarded,
-                             ""};
-  ads::BidExchange exchange(format, options.adUnitId);
-  exchange.setBidFloor(options.bidFloor);
-  return exchange.createBidRequest(userAgent, exchange.bidFloor());
-}
 
 }  // namespace
 
@@ -146,12 +133,12 @@ int runRequest(const Args& args) {
     return kExitUsage;
   }
   VembaSDK::shared().setPrivacy(ad->privacy);
-  std::string userAgent;
-  UserAgentFetcher::shared().fetch([&](const std::string& ua) { userAgent = ua; });
-  const auto body = ads::encodeBidRequestText(requestFor(*ad, userAgent));
+  // The request a load of this ad would send, built by the same exchange code.
+  const auto body =
+      inspection::bidRequestBody(ad->format == Format::rewarded, ad->adUnitId, ad->bidFloor);
   if (!body) {
     std::fprintf(stderr, "vemba-inspect: the request cannot be encoded: %s\n",
-                 body.error().reason.c_str());
+                 body.error().c_str());
     return 1;
   }
   printLine(*body);
@@ -166,7 +153,7 @@ int runUserAgent(const Args& args) {
     std::fprintf(stderr, "vemba-inspect: unknown option '%s'\n", args.front().c_str());
     return kExitUsage;
   }
-  UserAgentFetcher::shared().fetch([](const std::string& ua) { printLine(ua); });
+  printLine(inspection::adUserAgent());
   return 0;
 }
 

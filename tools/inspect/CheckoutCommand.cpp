@@ -11,11 +11,6 @@
 #include "InspectHost.h"
 #include "Inspection.h"
 #include "Options.h"
-#include "checkout/CheckoutViewControllerImpl.h"
-#include "checkout/CheckoutWebView.h"
-#include "checkout/CheckoutWebViewController.h"
-#include "checkout/OSLogger.h"
-#include "checkout/events/CheckoutCompletedEventCoding.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutDelegate.h"
 
@@ -120,20 +115,6 @@ struct Session {
   bool dismissing = false;
   bool snapshotTaken = false;
 
-  // The sheet's page controller (the first of its screens).
-  std::shared_ptr<checkout::CheckoutWebViewController> pageController() const {
-    const auto impl = std::dynamic_pointer_cast<checkout::CheckoutViewControllerImpl>(sheet);
-    if (!impl) {
-      return nullptr;
-    }
-    for (const auto& child : impl->childControllers()) {
-      if (auto page = std::dynamic_pointer_cast<checkout::CheckoutWebViewController>(child)) {
-        return page;
-      }
-    }
-    return nullptr;
-  }
-
   // Like a typical host, dismisses the sheet a moment after it completed or was cancelled.
   void dismissLater() {
     if (dismissing) {
@@ -169,8 +150,7 @@ class PrintingDelegate final : public DefaultsDelegate {
   using DefaultsDelegate::DefaultsDelegate;
 
   void checkoutDidComplete(const checkout::CheckoutCompletedEvent& event) override {
-    printLine(Line{{"callback", "checkoutDidComplete"},
-                   {"payload", Line(checkout::encodeCheckoutCompletedEvent(event))}});
+    printLine(Line{{"callback", "checkoutDidComplete"}, {"payload", completedJson(event)}});
     session_.dismissLater();
   }
   void checkoutDidFail(const CheckoutError& error) override {
@@ -207,12 +187,8 @@ bool watch(Session& session) {
     session.presented = true;
     printScreen("presented");
     if (session.options.closeAfter) {
-      session.host->after(*session.options.closeAfter, [&session] {
-        if (const auto page = session.pageController()) {
-          // What pressing the sheet's close control runs.
-          page->closeBarButtonItem().action();
-        }
-      });
+      session.host->after(*session.options.closeAfter,
+                          [&session] { inspection::pressCloseItem(*session.sheet); });
     }
   }
   if (session.presented && !onScreen) {
@@ -221,8 +197,7 @@ bool watch(Session& session) {
     return false;
   }
   if (session.options.screenshot && !session.snapshotTaken) {
-    const auto page = session.pageController();
-    if (page && page->checkoutView()->checkoutDidLoad()) {
+    if (inspection::checkoutLoaded(session.sheet.get())) {
       session.snapshotTaken = true;
       session.host->after(kSnapshotSettleSeconds,
                           [&session] { session.host->snapshot(*session.options.screenshot); });
@@ -236,8 +211,7 @@ bool preloadAndWait(Session& session) {
   checkout::preload(session.options.url);
   bool finished = false;
   session.host->every(kWatchIntervalSeconds, [&session, &finished] {
-    const auto view = checkout::CheckoutWebView::cachedView();
-    finished = view != nullptr && view->checkoutDidLoad();
+    finished = inspection::checkoutLoaded(nullptr);
     if (finished) {
       session.host->quit();
     }

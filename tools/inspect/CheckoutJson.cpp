@@ -1,16 +1,27 @@
 #include "CheckoutJson.h"
 
-#include "checkout/CheckoutErrorCoding.h"
-#include "checkout/events/PixelEventCoding.h"
+#include "vemba/checkout/EventJson.h"
 
 namespace vemba::inspect {
+namespace {
 
-Line checkoutErrorJson(const checkout::CheckoutError& error) {
-  return Line(checkout::encodeCheckoutError(error));
+template <typename Value>
+Line lineOf(const Value& value) {
+  return Line::parse(checkout::toJson(value));
 }
 
-Line pixelJson(const std::optional<checkout::PixelEvent>& pixel) {
-  return pixel ? Line(checkout::encodePixelEvent(*pixel)) : Line(nullptr);
+}  // namespace
+
+Line checkoutErrorJson(const checkout::CheckoutError& error) {
+  return lineOf(error);
+}
+
+Line pixelJson(const checkout::PixelEvent& pixel) {
+  return lineOf(pixel);
+}
+
+Line completedJson(const checkout::CheckoutCompletedEvent& event) {
+  return lineOf(event);
 }
 
 }  // namespace vemba::inspect

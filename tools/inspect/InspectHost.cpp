@@ -8,7 +8,6 @@
 
 #include "Inspection.h"
 #include "Options.h"
-#include "platform/Services.h"
 #include "vemba/linux/Screens.h"
 #include "vemba/linux/WebViews.h"
 
@@ -57,7 +56,7 @@ std::unique_ptr<InspectHost> InspectHost::open(const std::string& title) {
   setenv("GTK_A11Y", "none", 0);
   // Nothing an inspected page stores may outlive the run.
   setEphemeralWebViews(true);
-  if (platform::ui() == nullptr) {
+  if (!inspection::displayAvailable()) {
     std::fputs(
         "vemba-inspect: no display to show a window on (set DISPLAY, or run under "
         "xvfb-run -a)\n",

@@ -13,7 +13,6 @@
 #include "InspectHost.h"
 #include "Inspection.h"
 #include "Options.h"
-#include "ads/core/VembaLogger.h"
 #include "vemba/Vemba.h"
 
 namespace vemba::inspect {
@@ -200,7 +199,7 @@ int runShow(const Args& args) {
   }
   printOpenedUrls();
   // The library's own log lines (load, retries, messages from the page) go to standard error.
-  VembaLogger::setDevelopmentSink([](std::string_view line) {
+  inspection::setAdLogSink([](std::string_view line) {
     std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
   });
   if (session.options.apiKey) {

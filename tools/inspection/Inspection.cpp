@@ -2,7 +2,11 @@
 
 #include <gtk/gtk.h>
 
+#include "checkout/CheckoutViewControllerImpl.h"
+#include "checkout/CheckoutWebView.h"
+#include "checkout/CheckoutWebViewController.h"
 #include "platform/Screen.h"
+#include "platform/Services.h"
 #include "platform/View.h"
 #include "platform/WebView.h"
 #include "ui/GtkViewBase.h"
@@ -22,6 +26,21 @@ std::vector<std::shared_ptr<platform::View>> contentOf(
     return {};
   }
   return screen->view().subviews();
+}
+
+// The sheet's page controller (the first of its screens).
+std::shared_ptr<checkout::CheckoutWebViewController> pageControllerOf(
+    const checkout::CheckoutViewController& sheet) {
+  const auto* impl = dynamic_cast<const checkout::CheckoutViewControllerImpl*>(&sheet);
+  if (impl == nullptr) {
+    return nullptr;
+  }
+  for (const auto& child : impl->childControllers()) {
+    if (auto page = std::dynamic_pointer_cast<checkout::CheckoutWebViewController>(child)) {
+      return page;
+    }
+  }
+  return nullptr;
 }
 
 }  // namespace
@@ -58,8 +77,31 @@ bool pressCloseButton(const std::shared_ptr<ScreenHandle>& screen) {
   return true;
 }
 
+bool pressCloseItem(const checkout::CheckoutViewController& sheet) {
+  const auto page = pageControllerOf(sheet);
+  if (!page) {
+    return false;
+  }
+  page->closeBarButtonItem().action();
+  return true;
+}
+
+bool checkoutLoaded(const checkout::CheckoutViewController* sheet) {
+  std::shared_ptr<checkout::CheckoutWebView> view;
+  if (sheet == nullptr) {
+    view = checkout::CheckoutWebView::cachedView();
+  } else if (const auto page = pageControllerOf(*sheet)) {
+    view = page->checkoutView();
+  }
+  return view && view->checkoutDidLoad();
+}
+
 bool saveWindowPng(GtkWindow* window, const std::string& path) {
   return linux_platform::saveWindowPng(window, path);
+}
+
+bool displayAvailable() {
+  return platform::ui() != nullptr;
 }
 
 }  // namespace vemba::inspection
