@@ -149,16 +149,22 @@ TYPED_TEST(AdShowTest, PresentsFullScreenThenShowsThenBillsAndRecordsTheImpressi
   EXPECT_TRUE(webView.muted);
   EXPECT_TRUE(this->delegate->calls.empty());
   EXPECT_EQ(this->billingHits(), 0U);
+  // A load whose bid arrives during the transition does not change what the shown one earned.
+  this->fakePlatform.respondToBid(
+      R"({"id":"r2","cur":"EUR","seatbid":[{"bid":[{"id":"b2","impid":"1","price":9.25,)"
+      R"("adm":"https://127.0.0.1/next.html"}]}]})");
+  this->ad->load();
+  this->drain();
 
   this->advance(kTransitionTime);
-  EXPECT_EQ(this->delegate->names(), std::vector<std::string>{"adDidShow"});
+  EXPECT_EQ(this->delegate->names(), (std::vector<std::string>{"adDidLoad", "adDidShow"}));
   EXPECT_EQ(this->billingHits(), 1U);
   EXPECT_EQ(this->delegate->optionalCalls,
             std::vector<std::string>{"impression:1500:USD:estimated"});
   VembaSDK::shared().setApplicationMuted(false);  // the page on screen follows
   EXPECT_FALSE(webView.muted);
 
-  this->ad->show(this->host);  // the bid is spent
+  this->ad->show(this->host);  // the screen is taken: the new bid is kept
   EXPECT_EQ(this->platform.ui.webViews.size(), 1U);
   EXPECT_EQ(this->billingHits(), 1U);
 }
