@@ -31,15 +31,14 @@ class CheckoutSheetTest : public ExchangeTest<> {
     return exchange_->origin() + pathAndQuery;
   }
   // A checkout run of vemba-inspect with `args`, which must end with exit status 0.
-  static InspectorRun inspect(Strings args,
-                              const std::function<void(const nlohmann::json&)>& onLine = {}) {
+  static InspectorRun inspect(Strings args) {
     args.insert(args.begin(), "checkout");
     // The kit's own debug lines go to the run's standard error: shown when a run fails.
     args.insert(args.end(), {"--timeout", "40", "--linger", "0.2"});
     if (std::find(args.begin(), args.end(), "--log-level") == args.end()) {
       args.insert(args.end(), {"--log-level", "debug"});
     }
-    InspectorRun run = runInspector(VEMBA_INSPECT_BINARY, args, 60s, onLine);
+    InspectorRun run = runInspector(VEMBA_INSPECT_BINARY, args, 60s);
     EXPECT_EQ(run.exitCode, 0) << run.errors.substr(run.errors.size() -
                                                     std::min<std::size_t>(run.errors.size(), 6000))
                                << "\nheard: " << ::testing::PrintToString(run.trace())

@@ -13,7 +13,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -56,10 +55,8 @@ struct InspectorRun {
 };
 
 // Runs `binary` with `args`; kills it (by its PID) when it has not exited after `limit`.
-// `onLine` (may be empty) sees each line as it arrives, while the child runs.
 inline InspectorRun runInspector(const std::string& binary, const std::vector<std::string>& args,
-                                 std::chrono::seconds limit,
-                                 const std::function<void(const nlohmann::json&)>& onLine = {}) {
+                                 std::chrono::seconds limit) {
   InspectorRun run;
   int out[2];
   if (pipe(out) != 0) {
@@ -121,9 +118,6 @@ inline InspectorRun runInspector(const std::string& binary, const std::vector<st
                                 buffer.begin() + static_cast<std::ptrdiff_t>(end), nullptr, false);
       start = end + 1;
       if (!line.is_discarded()) {
-        if (onLine) {
-          onLine(line);
-        }
         run.lines.push_back(std::move(line));
       }
     }
