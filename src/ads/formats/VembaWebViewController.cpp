@@ -1,7 +1,6 @@
 #include "ads/formats/VembaWebViewController.h"
 
 #include <chrono>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -10,6 +9,7 @@
 #include "ads/core/VembaLogger.h"
 #include "ads/formats/AdWebViewPreparation.h"
 #include "checkout/MessageHandler.h"
+#include "common/JsonDecoding.h"
 #include "platform/Application.h"
 #include "platform/MainQueue.h"
 #include "platform/Services.h"
@@ -235,12 +235,13 @@ void VembaWebViewController::userContentControllerDidReceive(
 }
 
 void VembaWebViewController::handleDictionaryMessage(const std::string& jsonText) {
-  const nlohmann::json body = nlohmann::json::parse(jsonText, nullptr, /*allow_exceptions=*/false);
+  const std::optional<json::Json> parsed = json::parseJson(jsonText);
   // Numbers, arrays, null and empty dictionaries are ignored, as is a missing or non-string
   // action.
-  if (!body.is_object() || body.empty()) {
+  if (!parsed || !parsed->is_object() || parsed->empty()) {
     return;
   }
+  const json::Json& body = *parsed;
   const auto action = body.find(kActionKey);
   if (action == body.end() || !action->is_string()) {
     return;
