@@ -18,6 +18,8 @@
 #include "LocalExchange.h"
 #include "WebTestSupport.h"
 #include "WindowSnapshot.h"
+#include "checkout/CheckoutBridge.h"
+#include "checkout/InstrumentationPayload.h"
 #include "platform/UrlErrorCode.h"
 
 namespace vemba::tests {
@@ -227,6 +229,58 @@ TEST_F(WebViewTest, CarriesScriptMessagesBothWays) {
       probe->messages[0].body,
       (std::variant<std::string, platform::ScriptMessage::NonStringBody>(std::string("threw"))));
   EXPECT_TRUE(handler->messages.empty());
+}
+
+// What the kit evaluates in a page carries its values as the same values, whatever their text:
+// the page's dispatcher receives each hostile payload intact, and nothing else runs.
+TEST_F(WebViewTest, KitMessagesReachThePageIntactWhateverTheirValues) {
+  TestWebView made = makeWebView();
+  auto received = std::make_shared<RecordingMessageHandler>();
+  made.controller->add(received, "probe");
+  ASSERT_TRUE(made.loadAndWait(requestFor(pageUrl())));
+  made.view->evaluateJavaScript(
+      "window.MobileCheckoutSdk = {dispatchMessage: function (name, body) {"
+      "  window.webkit.messageHandlers.probe.postMessage(name + ' ' + JSON.stringify(body)); }};"
+      "window.injected = function () { window.webkit.messageHandlers.probe.postMessage('ran'); };");
+  const std::string lineSeparator = "\xE2\x80\xA8";
+  const std::string paragraphSeparator = "\xE2\x80\xA9";
+  const std::string mebibyte(std::size_t{1} << 20, 'm');
+  const checkout::InstrumentationPayload payloads[] = {
+      {"say \"hi\" it's", -1, checkout::InstrumentationType::histogram, {{"path", "C:\\kit\\"}}},
+      {"</script><script>injected()</script>",
+       0,
+       checkout::InstrumentationType::histogram,
+       {{"q'\"\\", "');injected();//"}, {"\"});injected();//", "`${injected()}`"}}},
+      {"a" + lineSeparator + "b" + paragraphSeparator + "c",
+       1,
+       checkout::InstrumentationType::histogram,
+       {{std::string("nul\0inside", 10), lineSeparator + "');injected();//"}}},
+      {mebibyte, 2, checkout::InstrumentationType::histogram, {{"big", mebibyte}}},
+  };
+  const auto& messages = received->messages;
+  for (const checkout::InstrumentationPayload& payload : payloads) {
+    SCOPED_TRACE(payload.name.substr(0, 40));
+    const std::size_t before = messages.size();
+    checkout::CheckoutBridge::instrument(*made.view, payload);
+    ASSERT_TRUE(runMainLoopUntil([&] { return messages.size() > before; }));
+    const std::string* text = std::get_if<std::string>(&messages[before].body);
+    ASSERT_NE(text, nullptr);
+    const std::string head = "instrumentation ";
+    ASSERT_EQ(text->substr(0, head.size()), head);
+    const auto decoded = checkout::decodeInstrumentationSdkToWebEvent(text->substr(head.size()));
+    ASSERT_TRUE(decoded.hasValue()) << text->substr(0, 200);
+    EXPECT_EQ(decoded->detail, payload);
+  }
+  // A value that is not UTF-8 (a lone surrogate's bytes) is never sent, so it cannot break out.
+  checkout::CheckoutBridge::instrument(
+      *made.view, {"lone \xED\xA0\x80", 3, checkout::InstrumentationType::histogram, {}});
+  made.view->evaluateJavaScript("window.webkit.messageHandlers.probe.postMessage('end');");
+  ASSERT_TRUE(runMainLoopUntil([&] { return messages.size() > std::size(payloads); }));
+  // One message per payload, then 'end': nothing else was sent, and no injected call ran.
+  EXPECT_EQ(messages.size(), std::size(payloads) + 1);
+  EXPECT_EQ(
+      messages.back().body,
+      (std::variant<std::string, platform::ScriptMessage::NonStringBody>(std::string("end"))));
 }
 
 TEST_F(WebViewTest, ADelegateMayDropTheViewInItsCallback) {

@@ -226,33 +226,6 @@ TEST_F(CheckoutBridgeTest, SendMessageScriptText) {
                            ls + "\"u\":\"\\\\\"}"));
 }
 
-TEST_F(CheckoutBridgeTest, InstrumentSendsTheEncodedPayloadIntactWhateverItsText) {
-  // Quotes and backslashes in the kit's own values must reach the page as the same values: the
-  // body is inserted unescaped, so the JSON text alone has to keep the script well formed.
-  // (A plain payload's way to the page is checked with the load time, on the web view.)
-  const InstrumentationPayload payloads[] = {
-      {"say \"hi\"", -1, InstrumentationType::histogram, {{"path", "C:\\kit\\"}}},
-      {"it's", 0, InstrumentationType::histogram, {{"q'\"\\", "');alert(1);//"}}},
-  };
-  for (const InstrumentationPayload& payload : payloads) {
-    RecordingScriptEvaluator webView;
-    CheckoutBridge::asProtocol().instrument(webView, payload);
-    ASSERT_EQ(webView.scripts.size(), 1U) << payload.name;
-    const std::string& script = webView.scripts[0];
-    const std::string head = "dispatchMessage('instrumentation', ";
-    const std::size_t start = script.find(head);
-    ASSERT_NE(start, std::string::npos);
-    const std::size_t bodyStart = start + head.size();
-    const std::size_t bodyEnd = script.find(");\n", bodyStart);
-    const std::string body = script.substr(bodyStart, bodyEnd - bodyStart);
-    // The whole script is the two fixed halves around that one argument, twice.
-    EXPECT_EQ(script, expectedScript("'instrumentation', " + body)) << payload.name;
-    const auto decoded = decodeInstrumentationSdkToWebEvent(body);
-    ASSERT_TRUE(decoded.hasValue()) << body;
-    EXPECT_EQ(decoded->detail, payload) << body;
-  }
-}
-
 TEST_F(CheckoutBridgeTest, UnencodableInstrumentationIsLoggedWhateverTheLevelAndNotSent) {
   RecordingScriptEvaluator webView;
   const InstrumentationPayload payload{"bad \xFF name", 1, InstrumentationType::histogram, {}};
