@@ -1,12 +1,14 @@
 // The fixture of the suites that talk to the local exchange: one exchange for the whole suite,
 // trusted by the library's HTTP client and web views through SSL_CERT_FILE. With `NeedsDisplay`
-// every test skips when there is no display. An exchange that failed to start (the suite set-up
-// reports why) fails every test instead of passing as a skip.
+// every test skips when there is no display. An exchange that failed to start fails every test
+// with the reason (a failure in the suite's set-up would skip them, and ctest counts a skip as no
+// failure).
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -25,7 +27,12 @@ class ExchangeTest : public ::testing::Test {
     }
     exchange::LocalExchange::Options options;
     options.port = Port;
-    exchange_ = new exchange::LocalExchange(options);
+    try {
+      exchange_ = new exchange::LocalExchange(options);
+    } catch (const std::exception& failure) {
+      startFailure_ = failure.what();
+      return;
+    }
     setenv("SSL_CERT_FILE", exchange_->caFile().c_str(), 1);
   }
   static void TearDownTestSuite() {
@@ -36,7 +43,7 @@ class ExchangeTest : public ::testing::Test {
     if (!runnable()) {
       GTEST_SKIP() << "needs a display (the test command runs under xvfb-run)";
     }
-    ASSERT_NE(exchange_, nullptr);
+    ASSERT_NE(exchange_, nullptr) << startFailure_;
     exchange_->clearLog();
   }
 
@@ -54,6 +61,7 @@ class ExchangeTest : public ::testing::Test {
   }
 
   static inline exchange::LocalExchange* exchange_ = nullptr;
+  static inline std::string startFailure_;  // why exchange_ is null
 };
 
 }  // namespace vemba::tests
