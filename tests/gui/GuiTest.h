@@ -26,8 +26,10 @@ class GuiTest : public ::testing::Test {
   void SetUp() override;
   void TearDown() override;
 
+  // Runs the main loop until `condition` holds: false after `limit`, a bound generous enough for
+  // a sanitizer build on a loaded machine (a met condition returns at once).
   static bool runUntil(const std::function<bool()>& condition,
-                       std::chrono::milliseconds limit = std::chrono::milliseconds(3000)) {
+                       std::chrono::milliseconds limit = std::chrono::milliseconds(10000)) {
     return tests::runMainLoopUntil(condition, limit);
   }
   static void runFor(std::chrono::milliseconds span) { tests::runMainLoopFor(span); }
