@@ -75,6 +75,13 @@ gboolean onScroll(GtkEventControllerScroll* /*controller*/, double /*dx*/, doubl
   return driver ? driver->scrolled() : FALSE;
 }
 
+void onWebProcessTerminated(WebKitWebView* /*view*/, WebKitWebProcessTerminationReason reason,
+                            gpointer data) {
+  if (const std::shared_ptr<WebViewDriver> driver = lockDriver(data)) {
+    driver->webProcessTerminated(reason);
+  }
+}
+
 gboolean onTimeout(gpointer data) {
   if (const std::shared_ptr<WebViewDriver> driver = lockDriver(data)) {
     driver->timeoutFired();
@@ -116,6 +123,17 @@ platform::NavigationType navigationTypeOf(WebKitNavigationType type) {
       return platform::NavigationType::formResubmitted;
     default:
       return platform::NavigationType::other;
+  }
+}
+
+platform::WebProcessTermination terminationOf(WebKitWebProcessTerminationReason reason) {
+  switch (reason) {
+    case WEBKIT_WEB_PROCESS_EXCEEDED_MEMORY_LIMIT:
+      return platform::WebProcessTermination::exceededMemoryLimit;
+    case WEBKIT_WEB_PROCESS_TERMINATED_BY_API:
+      return platform::WebProcessTermination::terminatedByApi;
+    default:
+      return platform::WebProcessTermination::crashed;
   }
 }
 
@@ -225,6 +243,7 @@ void WebViewDriver::attach(std::weak_ptr<platform::WebView> owner) {
   connect("load-failed-with-tls-errors", G_CALLBACK(onLoadFailedWithTlsErrors));
   connect("notify::uri", G_CALLBACK(onUriChanged));
   connect("notify::estimated-load-progress", G_CALLBACK(onProgressChanged));
+  connect("web-process-terminated", G_CALLBACK(onWebProcessTerminated));
 
   // Wheel and touchpad scrolling stop here, before the page sees them, while scrolling is off.
   scrollBlocker_ = gtk_event_controller_scroll_new(GTK_EVENT_CONTROLLER_SCROLL_BOTH_AXES);
@@ -299,6 +318,16 @@ void WebViewDriver::timeoutFired() {
   execute(machine_.feed(navigation::TimeoutFired{}));
 }
 
+void WebViewDriver::webProcessTerminated(WebKitWebProcessTerminationReason reason) {
+  if (!owner_.lock()) {
+    return;
+  }
+  // The page is gone: until a new one commits, the view has nothing to draw but its own colour.
+  pageCommitted_ = false;
+  applyBackground();
+  execute(machine_.feed(navigation::Terminated{terminationOf(reason)}));
+}
+
 bool WebViewDriver::execute(const std::vector<navigation::Effect>& effects,
                             WebKitPolicyDecision* decision, const Ask& ask,
                             GTlsCertificate* certificate, const std::string& host) {
@@ -361,6 +390,11 @@ bool WebViewDriver::execute(const std::vector<navigation::Effect>& effects,
         break;
       case Kind::releaseWarmView:
         releaseWarmView();
+        break;
+      case Kind::reportTerminated:
+        if (owner && delegate) {
+          delegate->webContentProcessDidTerminate(*owner, *effect.termination);
+        }
         break;
     }
   }

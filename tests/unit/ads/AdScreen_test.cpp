@@ -164,6 +164,56 @@ TEST_F(AdScreenTest, TheOneRetryReloadsTheCurrentUrlElseTheParkedOneAndIsNeverRe
   EXPECT_EQ(other.loads[1].url, adPage);
 }
 
+// A page whose process died is loaded once more, on the next turn; the network retry is a budget
+// of its own, and neither spends the other. Nobody is told of a death.
+TEST_F(AdScreenTest, ADeadPageIsReloadedOnceAndTheRetryIsABudgetOfItsOwn) {
+  enum Step { dies, diesOverMemory, dropsNetwork };
+  struct Case {
+    const char* name;
+    std::vector<Step> steps;
+    std::size_t loads;
+    int retries;
+    int reloads;
+  };
+  const Case cases[] = {
+      {"dies", {dies}, 2, 0, 1},
+      {"dies twice", {dies, diesOverMemory}, 2, 0, 1},
+      {"dies, then the reload loses the network", {dies, dropsNetwork}, 3, 1, 1},
+      {"loses the network, then the retry dies", {dropsNetwork, dies}, 3, 1, 1},
+      {"both budgets spent", {dropsNetwork, dies, dropsNetwork, dies}, 3, 1, 1},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    logs.clear();
+    auto controller = shownController();
+    fake::FakeWebView& webView = webViewOf(*controller);
+    for (const Step step : c.steps) {
+      const std::size_t before = webView.loads.size();
+      if (step == dropsNetwork) {
+        webView.failProvisionalNavigation({"d", -1009, std::nullopt});
+        advance(1s);
+      } else {
+        webView.terminateWebContentProcess(
+            step == dies ? platform::WebProcessTermination::crashed
+                         : platform::WebProcessTermination::exceededMemoryLimit);
+        EXPECT_EQ(webView.loads.size(), before);  // never from inside the engine's report
+        drain();
+      }
+    }
+    EXPECT_EQ(webView.loads.size(), c.loads);
+    for (const platform::WebRequest& load : webView.loads) {
+      EXPECT_EQ(load.url, adPage);
+      EXPECT_EQ(load.timeout, 10s);
+    }
+    EXPECT_EQ(controller->retryCount(), c.retries);
+    EXPECT_EQ(controller->processReloadCount(), c.reloads);
+    EXPECT_EQ(countLog("WebView content process terminated: The web content process "),
+              static_cast<std::size_t>(std::count(c.steps.begin(), c.steps.end(), dies) +
+                                       std::count(c.steps.begin(), c.steps.end(), diesOverMemory)));
+    EXPECT_TRUE(delegate->calls.empty());
+  }
+}
+
 // The controller hears only its own channel, and logs whatever arrives. What the page may say on
 // it is checked through the ads it shows (AdShow_test) and end to end, with everything it may
 // not say, by AdShow_itest.

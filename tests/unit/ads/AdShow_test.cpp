@@ -170,12 +170,21 @@ TYPED_TEST(AdShowTest, BillsWithoutADelegateToo) {
 }
 
 TYPED_TEST(AdShowTest, CloseButtonPageCloseAndEscapeDismissThenReport) {
-  for (const std::string closer : {"button", "page", "escape"}) {
+  for (const std::string closer : {"button", "page", "escape", "button after two deaths"}) {
     SCOPED_TRACE(closer);
     this->loadAndShow();
     this->delegate->calls.clear();
 
-    if (closer == "page") {
+    if (closer == "button after two deaths") {
+      // The page's process dies, its reload's too: nobody hears of it, the screen stays.
+      for (int death = 0; death < 2; ++death) {
+        this->adWebView().terminateWebContentProcess();
+        this->drain();
+      }
+      EXPECT_EQ(this->adWebView().loads.size(), 2U);
+      EXPECT_TRUE(this->delegate->calls.empty());
+      this->shown().pressClose();
+    } else if (closer == "page") {
       this->shown().postClose();
     } else if (closer == "button") {
       this->shown().pressClose();

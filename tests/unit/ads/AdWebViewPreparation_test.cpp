@@ -1,7 +1,8 @@
 // When the ad path asks the platform to ready a web view for the next ad screen, and to release
 // it: readied once an ad is ready and before its host hears of it, never for a failed load, once
 // for any number of ready ads, again after an ad screen's web view consumed it while another ad
-// is still ready; released when the last ready ad stops being ready without a show.
+// is still ready; released when the last ready ad stops being ready without a show; forgotten when
+// its process dies.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -103,6 +104,26 @@ TYPED_TEST(AdWebViewPreparationTest, ReleasedWhenTheLastReadyAdStopsBeingReadyWi
   first.reset();
   EXPECT_EQ(this->releases(), 1);
   EXPECT_EQ(this->hints(), 1);
+}
+
+// A readied process that dies is forgotten: not readied again at once, the next show's view starts
+// a process of its own, and only then is one readied for the ads still ready.
+TYPED_TEST(AdWebViewPreparationTest, AReadiedProcessThatDiesIsForgottenUntilTheNextShow) {
+  auto first = TypeParam::create("u"), second = TypeParam::create("v");
+  this->answer(first, /*usable=*/true);
+  this->answer(second, /*usable=*/true);
+  ASSERT_TRUE(this->platform.ui.terminatePreparedWebViewProcess());
+  EXPECT_EQ(this->hints(), 1);
+
+  first->show(this->fakePlatform.hostScreen());
+  ASSERT_EQ(this->platform.ui.webViews.size(), 1U);
+  EXPECT_FALSE(this->platform.ui.webViews[0].lock()->configuration.usesPreparedWebView);
+  EXPECT_EQ(this->hints(), 2);  // for `second`
+
+  // That one dies too: with nothing readied, there is nothing to release.
+  ASSERT_TRUE(this->platform.ui.terminatePreparedWebViewProcess());
+  second.reset();
+  EXPECT_EQ(this->releases(), 0);
 }
 
 TYPED_TEST(AdWebViewPreparationTest, AProcessWhoseUserInterfaceIsNotUpGetsNothingReadied) {

@@ -96,6 +96,31 @@ TEST_F(CheckoutWebViewCacheTest, EveryInvalidationPointEmptiesTheCacheAndClearsT
   }
 }
 
+TEST_F(CheckoutWebViewCacheTest, ACachedPageWhoseProcessDiesOffScreenLeavesWithoutAWord) {
+  preload(checkout);
+  const auto preloaded = CheckoutWebView::cachedView();
+  fakeOf(*preloaded).terminateWebContentProcess();
+  EXPECT_EQ(CheckoutWebView::cachedView(), nullptr);
+  EXPECT_TRUE(CheckoutWebView::preloadingActivatedByClient());  // the host's preload stands
+
+  // The next sheet loads afresh, as a presentation does; its page is cached in turn.
+  const auto host = std::make_shared<tests::RecordingDelegate>();
+  const auto sheet = show(host);
+  const auto shown = page(sheet).checkoutView();
+  ASSERT_NE(shown, preloaded);
+  ASSERT_EQ(fakeOf(*shown).loads.size(), 1U);
+  EXPECT_TRUE(fakeOf(*shown).loads[0].headers.empty());
+  EXPECT_EQ(CheckoutWebView::cachedView(), shown);
+
+  // Closed and gone from the screen, though its host keeps it: the death is nobody's business.
+  page(sheet).close();
+  hostScreen()->dismiss(false, {});
+  drain();
+  fakeOf(*shown).terminateWebContentProcess();
+  EXPECT_EQ(host->calls, std::vector<std::string>{"cancel"});
+  EXPECT_EQ(CheckoutWebView::cachedView(), nullptr);
+}
+
 TEST_F(CheckoutWebViewCacheTest, OnceASheetExistsStylingKeepsThePreloadedPage) {
   preload(checkout);
   const auto preloaded = obtain();
