@@ -8,6 +8,7 @@
 #include "TlsTrust.h"
 #include "WarmWebView.h"
 #include "WebErrorMap.h"
+#include "WebViewWidget.h"
 #include "platform/UrlErrorCode.h"
 #include "vemba/linux/WebViews.h"
 
@@ -193,13 +194,13 @@ std::shared_ptr<WebViewDriver> WebViewDriver::create(
   WebKitNetworkSession* session = nullptr;
   if (warm != nullptr) {
     // Starts in the warm view's running web process, in its session (one of the same kind).
-    view = WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", warm,
+    view = WEBKIT_WEB_VIEW(g_object_new(webViewWidgetType(), "related-view", warm,
                                         "user-content-manager", controller->manager(), "settings",
                                         settings, nullptr));
     session = WEBKIT_NETWORK_SESSION(g_object_ref(webkit_web_view_get_network_session(view)));
   } else {
     session = newNetworkSession(ephemeral);
-    view = WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session,
+    view = WEBKIT_WEB_VIEW(g_object_new(webViewWidgetType(), "network-session", session,
                                         "user-content-manager", controller->manager(), "settings",
                                         settings, nullptr));
   }
@@ -322,9 +323,11 @@ void WebViewDriver::webProcessTerminated(WebKitWebProcessTerminationReason reaso
   if (!owner_.lock()) {
     return;
   }
-  // The page is gone: until a new one commits, the view has nothing to draw but its own colour.
+  // The page is gone: until a new one commits, the view draws nothing but its own colour (WebKit
+  // would go on drawing the dead page's last frame).
   pageCommitted_ = false;
   applyBackground();
+  setDrawsPage(view_, false);
   execute(machine_.feed(navigation::Terminated{terminationOf(reason)}));
 }
 
@@ -514,6 +517,7 @@ void WebViewDriver::loadChanged(WebKitLoadEvent event) {
       if (!pageCommitted_) {
         pageCommitted_ = true;
         applyBackground();
+        setDrawsPage(view_, true);
       }
       execute(machine_.feed(navigation::Committed{}));
       return;

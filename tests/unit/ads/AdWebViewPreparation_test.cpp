@@ -120,8 +120,7 @@ TYPED_TEST(AdWebViewPreparationTest, AReadiedProcessThatDiesIsForgottenUntilTheN
   EXPECT_FALSE(this->platform.ui.webViews[0].lock()->configuration.usesPreparedWebView);
   EXPECT_EQ(this->hints(), 2);  // for `second`
 
-  // That one dies too: with nothing readied, there is nothing to release.
-  ASSERT_TRUE(this->platform.ui.terminatePreparedWebViewProcess());
+  ASSERT_TRUE(this->platform.ui.terminatePreparedWebViewProcess());  // nothing left to release
   second.reset();
   EXPECT_EQ(this->releases(), 0);
 }

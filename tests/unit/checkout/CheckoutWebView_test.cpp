@@ -336,9 +336,6 @@ TEST_F(CheckoutWebViewTest,
                 Error{"WKErrorDomain", 2, "The web content process exceeded its memory limit."},
                 /*recoverable=*/true));
   EXPECT_FALSE(delegate->errors[4].isRecoverable());
-  EXPECT_EQ(countLog("(Error) - WebView content process terminated: The web content process "
-                     "crashed."),
-            1U);
 }
 
 TEST_F(CheckoutWebViewTest, ARecoveryViewCompletesOnTheConfirmationPage) {
