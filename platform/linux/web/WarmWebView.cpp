@@ -42,8 +42,13 @@ WebKitWebView* unkeep() {
 void onWarmProcessTerminated(WebKitWebView* /*view*/, WebKitWebProcessTerminationReason /*reason*/,
                              gpointer /*data*/) {
   const std::function<void()> lost = std::move(warm().lost);
-  WebKitWebView* dead = unkeep();
-  g_clear_object(&dead);
+  // Released once WebKit's emission of this signal is over, not under it.
+  g_idle_add(
+      +[](gpointer dead) {
+        g_object_unref(dead);
+        return G_SOURCE_REMOVE;
+      },
+      unkeep());
   if (lost) {
     lost();
   }
