@@ -1,10 +1,11 @@
 // The processes below this one, read from /proc: used to check that no WebKit web process
-// outlives the web view it served. Linux only; any thread.
+// outlives the web view it served, and to kill one as a crash would. Linux only; any thread.
 #pragma once
 
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -81,6 +82,20 @@ inline std::vector<pid_t> webProcessIdsOf(pid_t root) {
 
 inline std::size_t webProcessesOf(pid_t root) {
   return webProcessIdsOf(root).size();
+}
+
+// Sends SIGKILL to each WebKit web process below `root` that is still running (never to any
+// other process); the ones it was sent to.
+inline std::vector<pid_t> killWebProcessesOf(pid_t root) {
+  const std::map<pid_t, ProcessEntry> table = readProcessTable();
+  std::vector<pid_t> killed;
+  for (const pid_t pid : webProcessIdsOf(root)) {
+    const auto entry = table.find(pid);
+    if (entry != table.end() && entry->second.state != 'Z' && kill(pid, SIGKILL) == 0) {
+      killed.push_back(pid);
+    }
+  }
+  return killed;
 }
 
 }  // namespace vemba::tests

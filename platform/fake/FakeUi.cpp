@@ -1,6 +1,7 @@
 #include "FakeUi.h"
 
 #include <stdexcept>
+#include <utility>
 
 #include "FakeMainQueue.h"
 
@@ -63,9 +64,20 @@ std::shared_ptr<platform::UserContentController> FakeUi::createUserContentContro
 std::shared_ptr<platform::WebView> FakeUi::createWebView(
     platform::Rect frame, const platform::WebViewConfiguration& configuration) {
   auto webView = std::make_shared<FakeWebView>(configuration);
+  if (configuration.usesPreparedWebView) {
+    preparedLost_ = nullptr;  // taken
+  }
   webView->setFrame(frame);
   webViews.push_back(webView);
   return webView;
+}
+
+bool FakeUi::terminatePreparedWebViewProcess() {
+  const std::function<void()> lost = std::exchange(preparedLost_, nullptr);
+  if (lost) {
+    lost();
+  }
+  return static_cast<bool>(lost);
 }
 
 std::shared_ptr<platform::EmitterLayer> FakeUi::createEmitterLayer() {

@@ -5,8 +5,10 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "FakeScreen.h"
@@ -41,9 +43,19 @@ class FakeUi final : public platform::Ui {
   std::shared_ptr<platform::WebView> createWebView(
       platform::Rect frame, const platform::WebViewConfiguration& configuration) override;
   std::shared_ptr<platform::EmitterLayer> createEmitterLayer() override;
-  // Count the hints; nothing is readied.
-  void prepareWebView() override { ++prepareWebViewCalls; }
-  void releasePreparedWebView() override { ++releasePreparedWebViewCalls; }
+  // Count the hints; nothing is readied, but the readied process can be made to die (below)
+  // until a view made with usesPreparedWebView takes it or it is released.
+  void prepareWebView(std::function<void()> lost) override {
+    ++prepareWebViewCalls;
+    preparedLost_ = std::move(lost);
+  }
+  void releasePreparedWebView() override {
+    ++releasePreparedWebViewCalls;
+    preparedLost_ = nullptr;
+  }
+  // The readied web content process dies: the core hears of it as prepareWebView() asked. False
+  // when nothing was readied.
+  bool terminatePreparedWebViewProcess();
 
   // Records the constraints; throws std::logic_error when their views are not in one tree.
   void activate(const std::vector<platform::LayoutConstraint>& constraints) override;
@@ -76,6 +88,7 @@ class FakeUi final : public platform::Ui {
 
  private:
   FakeMainQueue* queue_;
+  std::function<void()> preparedLost_;
 };
 
 }  // namespace vemba::fake

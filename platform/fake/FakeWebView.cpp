@@ -158,6 +158,16 @@ void FakeWebView::failNavigation(const platform::NavigationError& error) {
   }
 }
 
+void FakeWebView::terminateWebContentProcess(platform::WebProcessTermination reason) {
+  const auto keep = shared_from_this();
+  loading_ = false;
+  progress_ = 0.0;
+  changeUrl(std::nullopt);
+  if (const auto delegate = delegate_.lock()) {
+    delegate->webContentProcessDidTerminate(*this, reason);
+  }
+}
+
 void FakeWebView::changeUrl(std::optional<Url> url) {
   if (url == url_) {
     return;

@@ -80,6 +80,11 @@ class FakeWebView final : public FakeViewImpl<platform::WebView>,
                                  std::optional<Url> revertTo = std::nullopt);
   void finishNavigation();
   void failNavigation(const platform::NavigationError& error);
+  // The view's web content process dies: the page and its URL are gone and nothing is loading
+  // (as with the engine, the navigation in flight ends here, with no failure of its own); then
+  // the delegate hears why. The view stays usable: a later load() works as before.
+  void terminateWebContentProcess(
+      platform::WebProcessTermination reason = platform::WebProcessTermination::crashed);
   // Changes the current URL (notifying URL observers when it differs) or the load progress
   // (notifying progress observers).
   void changeUrl(std::optional<Url> url);

@@ -3,6 +3,7 @@
 #include "checkout/HttpStatusPhrase.h"
 #include "checkout/OSLogger.h"
 #include "platform/UrlErrorCode.h"
+#include "platform/WebProcessTermination.h"
 
 namespace vemba::checkout {
 namespace {
@@ -33,6 +34,8 @@ constexpr std::string_view kNavigationDomain = " domain:";
 constexpr std::string_view kNavigationCode = " code:";
 constexpr std::string_view kCancelledIgnored =
     "Ignoring cancelled URL redirect. code:NSURLErrorCancelled";
+
+constexpr std::string_view kProcessTerminated = "WebView content process terminated: ";
 
 std::string receivedLine(std::string_view prefix, const std::optional<std::string>& message,
                          CheckoutErrorCode code) {
@@ -131,6 +134,16 @@ std::optional<CheckoutError> checkoutErrorForNavigationFailure(const Error& erro
     return std::nullopt;
   }
   return CheckoutError::sdkError(error, /*recoverable=*/!isRecovery);
+}
+
+CheckoutError checkoutErrorForWebProcessTermination(platform::WebProcessTermination reason,
+                                                    bool isRecovery) {
+  const std::string_view description = platform::describe(reason);
+  OSLogger::shared().error(std::string(kProcessTerminated) + std::string(description));
+  return CheckoutError::sdkError(
+      Error{std::string(platform::kWebContentProcessErrorDomain),
+            platform::kWebContentProcessTerminatedCode, std::string(description)},
+      /*recoverable=*/!isRecovery);
 }
 
 }  // namespace vemba::checkout

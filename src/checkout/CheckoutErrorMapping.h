@@ -10,6 +10,7 @@
 
 #include "checkout/BridgeError.h"
 #include "checkout/CheckoutBridge.h"
+#include "platform/WebProcessTermination.h"
 #include "vemba/Error.h"
 #include "vemba/checkout/CheckoutError.h"
 
@@ -42,5 +43,12 @@ std::optional<CheckoutError> checkoutErrorForHttpStatus(std::int64_t statusCode,
 // URL load (URL error domain, code -999) is ignored (absent, with a second debug line); anything
 // else is an sdkError carrying `error`, recoverable only in a normal (non-recovery) web view.
 std::optional<CheckoutError> checkoutErrorForNavigationFailure(const Error& error, bool isRecovery);
+
+// The web content process of the shown page ended: logs "WebView content process terminated: "
+// plus the reason's sentence at error level, and returns an sdkError whose underlying error is
+// the web engine's (kWebContentProcessErrorDomain, kWebContentProcessTerminatedCode, that
+// sentence), recoverable only in a normal (non-recovery) web view, as a navigation failure is.
+CheckoutError checkoutErrorForWebProcessTermination(platform::WebProcessTermination reason,
+                                                    bool isRecovery);
 
 }  // namespace vemba::checkout

@@ -312,6 +312,18 @@ void CheckoutWebView::didFailNavigation(platform::WebView& /*webView*/,
   }
 }
 
+void CheckoutWebView::webContentProcessDidTerminate(platform::WebView& /*webView*/,
+                                                    platform::WebProcessTermination reason) {
+  const std::shared_ptr<CheckoutWebView> self = shared_from_this();
+  timer_.reset();
+  // The page is gone: a preloaded copy of it is no use to the next presentation.
+  dropFromCache(*this);
+  if (const std::shared_ptr<CheckoutWebViewDelegate> delegate = viewDelegate()) {
+    delegate->checkoutViewDidTerminateWebContentProcess(
+        checkoutErrorForWebProcessTermination(reason, isRecovery_));
+  }
+}
+
 void CheckoutWebView::userContentControllerDidReceive(
     platform::UserContentController& /*controller*/, const platform::ScriptMessage& message) {
   using WebEvent = CheckoutBridge::WebEvent;

@@ -5,7 +5,9 @@
 // the platform view) and, through a MessageHandler, the receiver of the page's bridge messages.
 // It reports upwards through CheckoutWebViewDelegate. The cache keeps one preloaded view for
 // kCacheTimeout, keyed by URL and entry point; a separate "uncacheable" view is referenced weakly
-// when preloading is off; recovery views are never cached.
+// when preloading is off; recovery views are never cached. A view whose web content process dies
+// leaves the cache at once, without a word to anybody (the host's preload flag stays), and tells
+// its delegate, which alone knows whether a sheet on screen shows it.
 //
 // Owner: the cache entry and the controller that shows the view, through std::shared_ptr. All of
 // it, the static state included, is main-thread only (the "preloading activated by client" flag
@@ -115,6 +117,8 @@ class CheckoutWebView final : public platform::NavigationDelegate,
   void didFinishNavigation(platform::WebView& webView) override;
   void didFailNavigation(platform::WebView& webView,
                          const platform::NavigationError& error) override;
+  void webContentProcessDidTerminate(platform::WebView& webView,
+                                     platform::WebProcessTermination reason) override;
 
   // platform::ScriptMessageHandler: the page's bridge messages.
   void userContentControllerDidReceive(platform::UserContentController& controller,
@@ -122,6 +126,8 @@ class CheckoutWebView final : public platform::NavigationDelegate,
 
  private:
   CheckoutWebView(bool recovery, std::optional<MetaData::EntryPoint> entry);
+  // Empties the cache when its entry holds `view` (CheckoutWebViewCache.cpp); nothing else.
+  static void dropFromCache(const CheckoutWebView& view);
   void build(platform::Ui& ui);
   void attachBridge();
   void presentedStateDidChange();

@@ -20,6 +20,7 @@ constexpr std::string_view kRecovery = ", recovery: ";
 constexpr std::string_view kPreloadingNotEnabled = "Preloading not enabled";
 constexpr std::string_view kPresentingCached = "Presenting cached entry";
 constexpr std::string_view kInvalidating = "Invalidating cache, disconnect: ";
+constexpr std::string_view kDroppingDeadView = "Dropping cached webview: its content process ended";
 constexpr std::string_view kKeySeparator = "_";
 constexpr std::string_view kNoEntryPoint = "nil";
 
@@ -122,6 +123,16 @@ void CheckoutWebView::invalidate(bool disconnect) {
   }
   // Take the entry out before releasing it: its view's teardown may log and must see an empty
   // cache.
+  std::optional<CacheEntry> released = std::move(statics.cache);
+  statics.cache.reset();
+}
+
+void CheckoutWebView::dropFromCache(const CheckoutWebView& view) {
+  CacheState& statics = state();
+  if (!statics.cache || statics.cache->view.get() != &view) {
+    return;
+  }
+  OSLogger::shared().debug(kDroppingDeadView);
   std::optional<CacheEntry> released = std::move(statics.cache);
   statics.cache.reset();
 }

@@ -244,6 +244,18 @@ void CheckoutWebViewController::checkoutViewDidFailWithError(const CheckoutError
   }
 }
 
+void CheckoutWebViewController::checkoutViewDidTerminateWebContentProcess(
+    const CheckoutError& error) {
+  if (isOnScreen()) {
+    checkoutViewDidFailWithError(error);
+  }
+}
+
+bool CheckoutWebViewController::isOnScreen() const {
+  const platform::Screen* container = screen_->navigationContainer();
+  return (container != nullptr ? *container : *screen_).presentingScreen() != nullptr;
+}
+
 bool CheckoutWebViewController::shouldAttemptRecovery(const CheckoutError& error) {
   if (failureCount_ >= kMaxRecoveryFailureCount || CheckoutURL{checkoutURL_}.isMultipassURL()) {
     return false;

@@ -1,6 +1,7 @@
 // The screen that shows one checkout web view with its title, close control and progress line,
 // and turns the web view's reports into calls on the host's CheckoutDelegate. It decides on
-// recovery: after the first failure, when allowed, it swaps its web view for a recovery view.
+// recovery: after the first failure, when allowed, it swaps its web view for a recovery view. The
+// death of the shown page's web content process is such a failure while the sheet is on screen.
 //
 // Owns its plain platform::Screen and is that screen's ScreenDelegate, the web view's
 // CheckoutWebViewDelegate and the container's PresentationDelegate (all three hold it weakly).
@@ -87,6 +88,9 @@ class CheckoutWebViewController final
   void checkoutViewDidFailWithError(const CheckoutError& error) override;
   void checkoutViewDidToggleModal(bool modalVisible) override;
   void checkoutViewDidEmitWebPixelEvent(const PixelEvent& event) override;
+  // On screen, a failure like any other (checkoutViewDidFailWithError, recovery included); a sheet
+  // that has left the screen, or never reached it, says nothing.
+  void checkoutViewDidTerminateWebContentProcess(const CheckoutError& error) override;
 
  private:
   CheckoutWebViewController(platform::Ui& ui, const Url& checkoutURL,
@@ -97,6 +101,8 @@ class CheckoutWebViewController final
   void observeProgress();
   void loadCheckout();
   bool shouldAttemptRecovery(const CheckoutError& error);
+  // The sheet (the container, or this screen when it has none) is presented.
+  bool isOnScreen() const;
   // Calls the host's delegate. Nothing it throws leaves this call (the default checkoutDidFail
   // throws the error it was given): the throw is logged at error level, naming `callback`, and
   // the sheet is dismissed. False when it threw.

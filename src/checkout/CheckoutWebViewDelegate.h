@@ -22,6 +22,9 @@ class CheckoutWebViewDelegate {
   virtual void checkoutViewDidFailWithError(const CheckoutError& error) = 0;
   virtual void checkoutViewDidToggleModal(bool modalVisible) = 0;
   virtual void checkoutViewDidEmitWebPixelEvent(const PixelEvent& event) = 0;
+  // The page's web content process ended; the view has already left the preload cache. `error`
+  // is the failure it amounts to for a sheet on screen (see checkoutErrorForWebProcessTermination).
+  virtual void checkoutViewDidTerminateWebContentProcess(const CheckoutError& error) = 0;
 };
 
 }  // namespace vemba::checkout

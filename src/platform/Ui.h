@@ -48,7 +48,9 @@ class Ui {
   // A hint that a web view configured with usesPreparedWebView will be made soon: the backend may
   // ready what such a view needs ahead of time (at most one readied set in the whole process,
   // consumed by the next such view). It must change nothing a view, a page or the network sees.
-  virtual void prepareWebView() {}
+  // `lost` runs on the main thread, at most once, when what was readied ends (its web content
+  // process died) before a view took it or it was released: nothing is readied any more.
+  virtual void prepareWebView(std::function<void()> /*lost*/) {}
   // What prepareWebView() readied will not be used: the backend frees it.
   virtual void releasePreparedWebView() {}
 

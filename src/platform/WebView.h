@@ -18,6 +18,7 @@
 #include "platform/ScriptEvaluator.h"
 #include "platform/ScriptMessage.h"
 #include "platform/View.h"
+#include "platform/WebProcessTermination.h"
 #include "vemba/Url.h"
 
 namespace vemba::platform {
@@ -94,6 +95,11 @@ class WebView;
 // didStartProvisionalNavigation, decidePolicyForNavigationResponse, then didFinishNavigation
 // or didFailNavigation; or didFailProvisionalNavigation before anything was committed.
 // Redirects ask for the action policy again. The decisions are answered synchronously.
+//
+// webContentProcessDidTerminate() comes when the view's web content process ends while the view
+// lives (never for the end that comes with the view's own): the page is gone, and the view shows
+// its own background until a new load commits. A navigation in flight ends with that call, and
+// no failure follows for it. The view keeps working: its next load starts a new process.
 class NavigationDelegate {
  public:
   virtual ~NavigationDelegate() = default;
@@ -105,6 +111,8 @@ class NavigationDelegate {
   virtual void didFailProvisionalNavigation(WebView& /*webView*/, const NavigationError& /*e*/) {}
   virtual void didFinishNavigation(WebView& /*webView*/) {}
   virtual void didFailNavigation(WebView& /*webView*/, const NavigationError& /*error*/) {}
+  virtual void webContentProcessDidTerminate(WebView& /*webView*/,
+                                             WebProcessTermination /*reason*/) {}
 };
 
 inline NavigationActionPolicy NavigationDelegate::decidePolicyForNavigationAction(

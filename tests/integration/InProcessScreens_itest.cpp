@@ -4,7 +4,9 @@
 //   but not yet shown keeps exactly one web process running, which its show then uses;
 // - a presentation is modal: real keys and pointer clicks (xdotool) reach the page, never the
 //   host's window beneath; Escape goes to the page first; focus comes back when it leaves;
-// - whatever the host does to its window meanwhile, nothing is lost or doubled.
+// - whatever the host does to its window meanwhile, nothing is lost or doubled;
+// - a web process killed under an ad or a checkout sheet leaves neither a blank nor a stuck
+//   screen.
 // The real keys need the display to themselves: ctest runs these tests alone.
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
@@ -31,6 +33,7 @@
 #include "platform/View.h"
 #include "platform/WebView.h"
 #include "ui/GtkViewBase.h"
+#include "ui/WindowSnapshot.h"
 #include "unit/ads/RecordingDelegate.h"
 #include "vemba/Vemba.h"
 #include "vemba/checkout/Checkout.h"
@@ -55,8 +58,9 @@ using Clock = std::chrono::steady_clock;
 using Strings = std::vector<std::string>;
 
 constexpr std::size_t kCycles = 20;
-constexpr auto kStepDeadline = 20s;    // one load, show, page load or dismissal
-constexpr auto kSettleDeadline = 15s;  // everything released after the last cycle
+constexpr auto kStepDeadline = 20s;     // one load, show, page load or dismissal
+constexpr auto kSettleDeadline = 15s;   // everything released after the last cycle
+constexpr guint32 kBlack = 0xFF000000;  // opaque, as ARGB: the ad web view's background
 
 bool has(const RecordingDelegate& delegate, const std::string& name) {
   const Strings names = delegate.names();
@@ -73,8 +77,8 @@ struct CheckoutHost final : checkout::CheckoutDelegate {
     calls.emplace_back("complete");
   }
   void checkoutDidCancel() override { calls.emplace_back("cancel"); }
-  void checkoutDidFail(const checkout::CheckoutError& /*e*/) override {
-    calls.emplace_back("fail");
+  void checkoutDidFail(const checkout::CheckoutError& e) override {
+    calls.emplace_back(e.isRecoverable() ? "recoverable fail" : "fail");
   }
   void checkoutDidClickLink(const Url& /*url*/) override { calls.emplace_back("link"); }
   void checkoutDidEmitWebPixelEvent(const checkout::PixelEvent& /*e*/) override {
@@ -242,6 +246,21 @@ class InProcessScreensTest
           std::to_string(static_cast<int>(bounds.origin.y + bounds.size.height / 2)) + " click 1");
   }
 
+  // The window's pixel (ARGB) a quarter of its width in, half way down, as drawn now.
+  guint32 pixelLeftOfCentre() const {
+    const std::string path = home_ + "/window.png";
+    GdkTexture* png = nullptr;
+    if (!linux_platform::saveWindowPng(window_, path) ||
+        (png = gdk_texture_new_from_filename(path.c_str(), nullptr)) == nullptr) {
+      return 0;
+    }
+    const auto width = static_cast<std::size_t>(gdk_texture_get_width(png));
+    std::vector<guint32> pixels(width * static_cast<std::size_t>(gdk_texture_get_height(png)));
+    gdk_texture_download(png, reinterpret_cast<guchar*>(pixels.data()), width * sizeof(guint32));
+    g_object_unref(png);
+    return pixels[pixels.size() / 2 - width / 4];
+  }
+
   // The ad's screen (the window's top screen) and its views: the web view, then the close button
   // above it.
   std::shared_ptr<platform::View> adSubview(std::size_t index) const {
@@ -363,7 +382,7 @@ TEST_F(InProcessScreensTest, TwentyShowCloseCyclesEvenThroughAHiddenWindowLeaveN
   }
 }
 
-TEST_F(InProcessScreensTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowThenUses) {
+TEST_F(InProcessScreensTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowUsesOrReplaces) {
   // Nothing left from earlier tests: no ad loaded, no web process.
   ASSERT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 0; }, kSettleDeadline));
 
@@ -388,6 +407,19 @@ TEST_F(InProcessScreensTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowT
       runMainLoopUntil([&] { return has(*delegate, "adDidShow") && pageLoaded(); }, kStepDeadline));
   EXPECT_EQ(webProcessIdsOf(getpid()), warm);
   EXPECT_FALSE(exchange_->log("page").empty());  // the census of requests above does count
+
+  // Killed, the page is loaded and drawn again in a new process; killed again, the ad shows its
+  // web view's background under its close button, and nothing more is loaded.
+  const auto pages = [] { return pageRequests("/ads/interstitial.html").size(); };
+  const std::size_t before = pages();
+  ASSERT_EQ(killWebProcessesOf(getpid()), warm);
+  ASSERT_TRUE(runMainLoopUntil(
+      [&] { return pages() == before + 1 && pageLoaded() && pixelLeftOfCentre() != kBlack; },
+      kStepDeadline));
+  ASSERT_EQ(killWebProcessesOf(getpid()).size(), 1U);
+  runMainLoopFor(2s);  // time enough for a reload, which must not come
+  EXPECT_EQ(pages(), before + 1);
+  EXPECT_EQ(pixelLeftOfCentre(), kBlack);
 
   const std::shared_ptr<platform::View> button = adSubview(1);
   ASSERT_NE(button, nullptr);
@@ -475,6 +507,20 @@ TEST_F(InProcessScreensTest, AnAdIsModalAndAnEscapeItsPageLeavesAloneClosesIt) {
   EXPECT_EQ(delegate->names(),
             (Strings{"adDidLoad", "adDidShow", "adDidEarnReward(1,reward)", "adDidDismiss"}));
   EXPECT_TRUE(focusInTopPage());  // back in the sheet the ad covered
+
+  // The sheet's page process killed (the ad's is gone): one recoverable failure, and the recovery
+  // view loads the page again.
+  ASSERT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 1; }, kSettleDeadline));
+  ASSERT_EQ(killWebProcessesOf(getpid()).size(), 1U);
+  EXPECT_TRUE(runMainLoopUntil(
+      [&] {
+        return pageRequests("/checkout/cover").size() == 2 &&
+               webkit_web_view_is_loading(WEBKIT_WEB_VIEW(topWebView())) == FALSE;
+      },
+      kStepDeadline));
+  std::erase(cover->calls, "pixel");
+  EXPECT_EQ(cover->calls, Strings{"recoverable fail"});
+  EXPECT_NE(screen_->presentedScreen(), nullptr);  // the sheet stays, with the recovery page
 }
 
 // Whatever the host does to its window while screens are presented, nothing is lost or doubled:

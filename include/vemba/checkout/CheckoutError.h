@@ -14,7 +14,10 @@ namespace vemba::checkout {
 
 class VEMBA_EXPORT CheckoutError {
  public:
-  // A failure inside the kit or the platform (decoding, navigation).
+  // A failure inside the kit or the platform (decoding, navigation). The death of the shown page's
+  // web content process is one: `underlying` is {"WKErrorDomain", 2, "The web content process
+  // crashed." (or "... exceeded its memory limit.", "... was terminated.")}, recoverable unless
+  // the page was the recovery page, so the sheet recovers as from any recoverable failure.
   struct SdkError {
     Error underlying;
     bool recoverable = false;

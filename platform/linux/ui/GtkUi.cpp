@@ -3,6 +3,7 @@
 #include <gtk/gtk.h>
 
 #include <string>
+#include <utility>
 
 #include "GtkAnimation.h"
 #include "GtkApplication.h"
@@ -147,8 +148,8 @@ std::shared_ptr<platform::WebView> GtkUi::createWebView(
   return linux_platform::createWebView(frame, configuration);
 }
 
-void GtkUi::prepareWebView() {
-  linux_platform::prepareWebView();
+void GtkUi::prepareWebView(std::function<void()> lost) {
+  linux_platform::prepareWebView(std::move(lost));
 }
 
 void GtkUi::releasePreparedWebView() {

@@ -28,7 +28,7 @@ class GtkUi final : public platform::Ui {
       platform::Rect frame, const platform::WebViewConfiguration& configuration) override;
   std::shared_ptr<platform::EmitterLayer> createEmitterLayer() override;
   // Keeps one web process running for the next ad view (see web/WarmWebView.h).
-  void prepareWebView() override;
+  void prepareWebView(std::function<void()> lost) override;
   void releasePreparedWebView() override;
 
   // Safe-area anchors are the view's own edges: a desktop window has no insets.

@@ -12,15 +12,15 @@ using navigation::Effect;
 using Kind = navigation::Effect::Kind;
 
 Effect just(Kind kind) {
-  return Effect{kind, {}, std::nullopt, std::nullopt};
+  return Effect{kind, {}, std::nullopt, std::nullopt, std::nullopt};
 }
 
 Effect send(platform::WebRequest request) {
-  return Effect{Kind::send, {}, std::move(request), std::nullopt};
+  return Effect{Kind::send, {}, std::move(request), std::nullopt, std::nullopt};
 }
 
 Effect report(Kind kind, platform::NavigationError error) {
-  return Effect{kind, {}, std::nullopt, std::move(error)};
+  return Effect{kind, {}, std::nullopt, std::move(error), std::nullopt};
 }
 
 bool isCancellation(const platform::NavigationError& error) {
@@ -54,6 +54,7 @@ void NavigationMachine::releaseWarmView(Effects& effects) {
 NavigationMachine::Effects NavigationMachine::on(const navigation::Load& event) {
   Effects effects;
   request_ = event.request;
+  processGone_ = false;
   requestStarted_ = false;
   timedOut_ = false;
   abandoned_ = false;
@@ -64,7 +65,7 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Load& event) 
   timerRunning_ = true;
   effects.push_back(Effect{Kind::startTimer,
                            std::max(event.request.timeout, std::chrono::milliseconds(0)),
-                           std::nullopt, std::nullopt});
+                           std::nullopt, std::nullopt, std::nullopt});
   effects.push_back(send(event.request));
   return effects;
 }
@@ -88,6 +89,7 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Started& /*ev
     swallowStart_ = false;
     return {};
   }
+  processGone_ = false;  // a navigation of the new process
   started_ = true;
   committed_ = false;
   failed_ = false;
@@ -111,6 +113,9 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Committed& /*
 }
 
 NavigationMachine::Effects NavigationMachine::on(const navigation::Finished& /*event*/) {
+  if (processGone_) {
+    return {};
+  }
   if (swallowFinish_) {
     swallowFinish_ = false;
     return {};
@@ -133,6 +138,9 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Finished& /*e
 }
 
 NavigationMachine::Effects NavigationMachine::on(const navigation::Failed& event) {
+  if (processGone_) {
+    return {};  // the dead navigation's: the core has heard of the death instead
+  }
   Effects effects;
   failed_ = true;
   releaseWarmView(effects);
@@ -193,6 +201,27 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::TimeoutFired&
                  platform::NavigationError{std::string(platform::kUrlErrorDomain),
                                            platform::UrlErrorCode::timedOut,
                                            request_->url.absoluteString()})};
+}
+
+NavigationMachine::Effects NavigationMachine::on(const navigation::Terminated& event) {
+  Effects effects;
+  if (timerRunning_) {
+    timerRunning_ = false;
+    effects.push_back(just(Kind::cancelTimer));
+  }
+  // Nothing of the navigation in flight is reported from here on.
+  processGone_ = true;
+  requestStarted_ = false;
+  timedOut_ = false;
+  abandoned_ = false;
+  started_ = false;
+  committed_ = false;
+  swallowFinish_ = false;
+  swallowAction_ = false;
+  swallowStart_ = false;
+  releaseWarmView(effects);  // the process it shared is gone
+  effects.push_back(Effect{Kind::reportTerminated, {}, std::nullopt, std::nullopt, event.reason});
+  return effects;
 }
 
 NavigationMachine::Effects NavigationMachine::on(const navigation::Release& /*event*/) {

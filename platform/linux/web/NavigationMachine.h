@@ -16,6 +16,10 @@
 // fails at once, and the engine's later action decision for it is refused unasked. A slow
 // sub-resource never stops the page.
 //
+// When the web content process dies, the engine reports nothing more of the navigation in flight:
+// its time-out stops, the core hears of the death alone (no failure, now or later, for that
+// navigation), and the next load starts afresh.
+//
 // After Release every event is ignored. Not thread-safe; the driver uses it on the main thread.
 #pragma once
 
@@ -69,11 +73,15 @@ struct ResponseDecision {
 };
 // The timer of the last startTimer effect ran out.
 struct TimeoutFired {};
+// The view's web content process ended (the view lives on).
+struct Terminated {
+  platform::WebProcessTermination reason = platform::WebProcessTermination::crashed;
+};
 // The view goes: nothing after this has an effect.
 struct Release {};
 
 using Event = std::variant<Load, ActionDecision, Started, Redirected, Committed, Finished, Failed,
-                           TlsRefused, ResponseDecision, TimeoutFired, Release>;
+                           TlsRefused, ResponseDecision, TimeoutFired, Terminated, Release>;
 
 struct Effect {
   enum class Kind {
@@ -90,11 +98,13 @@ struct Effect {
     reportFailProvisional,  // with `error`
     reportFail,             // with `error`
     releaseWarmView,        // the view no longer needs the warm view it started from
+    reportTerminated,       // with `termination`
   };
   Kind kind;
   std::chrono::milliseconds timeout{0};
   std::optional<platform::WebRequest> request;
   std::optional<platform::NavigationError> error;
+  std::optional<platform::WebProcessTermination> termination;
 };
 
 }  // namespace navigation
@@ -123,6 +133,7 @@ class NavigationMachine {
   Effects on(const navigation::TlsRefused& event);
   Effects on(const navigation::ResponseDecision& event);
   Effects on(const navigation::TimeoutFired& event);
+  Effects on(const navigation::Terminated& event);
   Effects on(const navigation::Release& event);
   // The document of the last load has begun to arrive: its time-out is over.
   void documentArriving(Effects& effects);
@@ -142,7 +153,8 @@ class NavigationMachine {
   // The navigation in flight.
   bool started_ = false;
   bool committed_ = false;
-  bool failed_ = false;  // its failure was reported; its FINISHED stays silent
+  bool failed_ = false;       // its failure was reported; its FINISHED stays silent
+  bool processGone_ = false;  // the process died since the last load: the engine's word is stale
   unsigned tlsErrors_ = 0;
   int redirects_ = 0;
 

@@ -6,7 +6,9 @@
 //
 // The warm view loads about:blank (no network request) in the network session the consuming view
 // would get anyway, has no script-message handler, and is never placed in a window; nothing a
-// page, the network or the core sees changes. Main thread only; process-wide; GTK initialised.
+// page, the network or the core sees changes. If its process dies while it is kept, it is dropped
+// and the `lost` given to prepareWebView() runs: the next view starts a process of its own. Main
+// thread only; process-wide; GTK initialised.
 #pragma once
 
 #include <webkit/webkit.h>

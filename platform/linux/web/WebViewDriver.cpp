@@ -8,6 +8,7 @@
 #include "TlsTrust.h"
 #include "WarmWebView.h"
 #include "WebErrorMap.h"
+#include "WebViewWidget.h"
 #include "platform/UrlErrorCode.h"
 #include "vemba/linux/WebViews.h"
 
@@ -75,6 +76,13 @@ gboolean onScroll(GtkEventControllerScroll* /*controller*/, double /*dx*/, doubl
   return driver ? driver->scrolled() : FALSE;
 }
 
+void onWebProcessTerminated(WebKitWebView* /*view*/, WebKitWebProcessTerminationReason reason,
+                            gpointer data) {
+  if (const std::shared_ptr<WebViewDriver> driver = lockDriver(data)) {
+    driver->webProcessTerminated(reason);
+  }
+}
+
 gboolean onTimeout(gpointer data) {
   if (const std::shared_ptr<WebViewDriver> driver = lockDriver(data)) {
     driver->timeoutFired();
@@ -116,6 +124,17 @@ platform::NavigationType navigationTypeOf(WebKitNavigationType type) {
       return platform::NavigationType::formResubmitted;
     default:
       return platform::NavigationType::other;
+  }
+}
+
+platform::WebProcessTermination terminationOf(WebKitWebProcessTerminationReason reason) {
+  switch (reason) {
+    case WEBKIT_WEB_PROCESS_EXCEEDED_MEMORY_LIMIT:
+      return platform::WebProcessTermination::exceededMemoryLimit;
+    case WEBKIT_WEB_PROCESS_TERMINATED_BY_API:
+      return platform::WebProcessTermination::terminatedByApi;
+    default:
+      return platform::WebProcessTermination::crashed;
   }
 }
 
@@ -175,13 +194,13 @@ std::shared_ptr<WebViewDriver> WebViewDriver::create(
   WebKitNetworkSession* session = nullptr;
   if (warm != nullptr) {
     // Starts in the warm view's running web process, in its session (one of the same kind).
-    view = WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "related-view", warm,
+    view = WEBKIT_WEB_VIEW(g_object_new(webViewWidgetType(), "related-view", warm,
                                         "user-content-manager", controller->manager(), "settings",
                                         settings, nullptr));
     session = WEBKIT_NETWORK_SESSION(g_object_ref(webkit_web_view_get_network_session(view)));
   } else {
     session = newNetworkSession(ephemeral);
-    view = WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session,
+    view = WEBKIT_WEB_VIEW(g_object_new(webViewWidgetType(), "network-session", session,
                                         "user-content-manager", controller->manager(), "settings",
                                         settings, nullptr));
   }
@@ -225,6 +244,7 @@ void WebViewDriver::attach(std::weak_ptr<platform::WebView> owner) {
   connect("load-failed-with-tls-errors", G_CALLBACK(onLoadFailedWithTlsErrors));
   connect("notify::uri", G_CALLBACK(onUriChanged));
   connect("notify::estimated-load-progress", G_CALLBACK(onProgressChanged));
+  connect("web-process-terminated", G_CALLBACK(onWebProcessTerminated));
 
   // Wheel and touchpad scrolling stop here, before the page sees them, while scrolling is off.
   scrollBlocker_ = gtk_event_controller_scroll_new(GTK_EVENT_CONTROLLER_SCROLL_BOTH_AXES);
@@ -299,6 +319,18 @@ void WebViewDriver::timeoutFired() {
   execute(machine_.feed(navigation::TimeoutFired{}));
 }
 
+void WebViewDriver::webProcessTerminated(WebKitWebProcessTerminationReason reason) {
+  if (!owner_.lock()) {
+    return;
+  }
+  // The page is gone: until a new one commits, the view draws nothing but its own colour (WebKit
+  // would go on drawing the dead page's last frame).
+  pageCommitted_ = false;
+  applyBackground();
+  setDrawsPage(view_, false);
+  execute(machine_.feed(navigation::Terminated{terminationOf(reason)}));
+}
+
 bool WebViewDriver::execute(const std::vector<navigation::Effect>& effects,
                             WebKitPolicyDecision* decision, const Ask& ask,
                             GTlsCertificate* certificate, const std::string& host) {
@@ -361,6 +393,11 @@ bool WebViewDriver::execute(const std::vector<navigation::Effect>& effects,
         break;
       case Kind::releaseWarmView:
         releaseWarmView();
+        break;
+      case Kind::reportTerminated:
+        if (owner && delegate) {
+          delegate->webContentProcessDidTerminate(*owner, *effect.termination);
+        }
         break;
     }
   }
@@ -480,6 +517,7 @@ void WebViewDriver::loadChanged(WebKitLoadEvent event) {
       if (!pageCommitted_) {
         pageCommitted_ = true;
         applyBackground();
+        setDrawsPage(view_, true);
       }
       execute(machine_.feed(navigation::Committed{}));
       return;

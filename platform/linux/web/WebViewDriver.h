@@ -3,7 +3,9 @@
 // delegate, the load lifecycle in the order NavigationDelegate documents, URL and progress
 // observers (told a main-loop turn after a change, of the settled value), the time-out of the
 // document request, and trust of certificates the SSL_CERT_FILE bundle vouches for (a refused
-// first attempt stays invisible to the core). What a navigation event means is decided by its
+// first attempt stays invisible to the core), and the death of the web content process (the view
+// then shows its own background until a page commits again). What a navigation event means is
+// decided by its
 // NavigationMachine: the driver turns each signal into a plain event for it and carries out the
 // effects it returns.
 //
@@ -82,6 +84,7 @@ class WebViewDriver final : public std::enable_shared_from_this<WebViewDriver> {
   void progressChanged();
   gboolean scrolled() const { return scrollEnabled_ ? FALSE : TRUE; }
   void timeoutFired();
+  void webProcessTerminated(WebKitWebProcessTerminationReason reason);
 
  private:
   WebViewDriver(WebKitWebView* view, WebKitNetworkSession* session,

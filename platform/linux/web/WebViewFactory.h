@@ -2,6 +2,7 @@
 // backend. Main thread only; GTK must be initialised.
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "platform/Geometry.h"
@@ -13,8 +14,8 @@ std::shared_ptr<platform::UserContentController> createUserContentController();
 std::shared_ptr<platform::WebView> createWebView(
     platform::Rect frame, const platform::WebViewConfiguration& configuration);
 // Keeps one web process running for the next web view made with usesPreparedWebView (see
-// WarmWebView.h).
-void prepareWebView();
+// WarmWebView.h); `lost` runs if that process dies before a view takes it or it is released.
+void prepareWebView(std::function<void()> lost);
 // Ends what prepareWebView() started, if no web view has taken it.
 void releasePreparedWebView();
 

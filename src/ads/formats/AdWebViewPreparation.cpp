@@ -1,5 +1,7 @@
 #include "ads/formats/AdWebViewPreparation.h"
 
+#include <utility>
+
 #include "platform/Services.h"
 #include "platform/Ui.h"
 #include "platform/WebView.h"
@@ -11,6 +13,7 @@ struct Preparation {
   int claims = 0;          // ready ads, and ad screens that have not made their web view yet
   bool requested = false;  // the platform readied a web view that no web view has consumed
   unsigned generation = 0;
+  unsigned request = 0;  // counts the requests, so that a late word of a lost one is known
 };
 
 Preparation& state() {
@@ -29,7 +32,15 @@ void reconcile() {
   }
   if (preparation.claims > 0 && !preparation.requested) {
     preparation.requested = true;
-    ui->prepareWebView();
+    // A readied process that dies is simply forgotten: the next ad screen starts a process of its
+    // own, and only then is another readied (asking again at once could chase a process that
+    // keeps dying).
+    ui->prepareWebView([request = ++preparation.request, generation = preparation.generation] {
+      Preparation& current = state();
+      if (current.request == request && current.generation == generation) {
+        current.requested = false;
+      }
+    });
   } else if (preparation.claims == 0 && preparation.requested) {
     preparation.requested = false;
     ui->releasePreparedWebView();
@@ -54,8 +65,8 @@ PreparedWebViewClaim::~PreparedWebViewClaim() {
 namespace AdWebViewPreparation {
 
 void configureAdWebView(platform::WebViewConfiguration& configuration) {
-  configuration.usesPreparedWebView = true;
-  state().requested = false;
+  // Only what is still readied is worth starting in.
+  configuration.usesPreparedWebView = std::exchange(state().requested, false);
 }
 
 void resetForTesting() {

@@ -7,8 +7,9 @@
 // claim appears (if its user interface is up: readying is not worth starting it), and again when an
 // ad screen has consumed it while other ads are still ready; it is told to release what it readied
 // when the last claim goes without a web view consuming it. At most one readied web view is asked
-// for at a time. Main thread only; the state is process-wide, like the platform services it talks
-// to.
+// for at a time. One whose process dies before a show is forgotten: that show's web view starts a
+// process of its own, and the next one is readied after it. Main thread only; the state is
+// process-wide, like the platform services it talks to.
 #pragma once
 
 namespace vemba::platform {
@@ -30,7 +31,8 @@ class PreparedWebViewClaim {
 
 namespace AdWebViewPreparation {
 
-// Marks an ad screen's web view configuration as the consumer of what was readied.
+// Marks an ad screen's web view configuration as the consumer of what was readied, when
+// something still is.
 void configureAdWebView(platform::WebViewConfiguration& configuration);
 // Forgets every claim and request (a new platform is being installed).
 void resetForTesting();

@@ -30,6 +30,8 @@ constexpr std::string_view kFailedLoadMessage = "WebView failed load: ";
 constexpr std::string_view kReceivedMessage = "vemba received message: ";
 constexpr std::string_view kOpeningUrlMessage = "Opening URL in Safari: ";
 constexpr std::string_view kPresentingCheckoutMessage = "Presenting Checkout Sheet for URL: ";
+constexpr std::string_view kProcessTerminatedMessage = "WebView content process terminated: ";
+constexpr std::string_view kProcessReloadMessage = "Reloading WebView in a new content process: ";
 
 // The close button, drawn over the web view from the first frame.
 constexpr std::string_view kCloseTitle = "\u2715";
@@ -209,6 +211,24 @@ void VembaWebViewController::handleLoadError(const platform::NavigationError& er
     }
     if (url) {
       self->load(*url);
+    }
+  });
+}
+
+void VembaWebViewController::webContentProcessDidTerminate(platform::WebView& /*webView*/,
+                                                           platform::WebProcessTermination reason) {
+  log(kProcessTerminatedMessage, platform::describe(reason));
+  // The ad's own page, as parked before the view loaded (the page may have navigated away from
+  // it, and its URL went with the process).
+  if (processReloadCount_ >= maxProcessReloads || !pendingURL_) {
+    return;
+  }
+  ++processReloadCount_;
+  log(kProcessReloadMessage, pendingURL_->absoluteString());
+  // Not from inside the engine's report: on the next turn, holding the controller weakly.
+  platform::services().mainQueue->post([weakSelf = weak_from_this()] {
+    if (const std::shared_ptr<VembaWebViewController> self = weakSelf.lock()) {
+      self->load(*self->pendingURL_);
     }
   });
 }

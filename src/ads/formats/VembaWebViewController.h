@@ -3,6 +3,11 @@
 // channel (close, click, open a URL outside the app, open a checkout over the ad). It reports
 // close and click to its delegate and never dismisses itself.
 //
+// A page whose web content process dies is loaded once more, in a new process, on the next turn
+// of the main queue; that reload and the network retry are budgets of their own, neither spends
+// the other. A second death leaves the screen as it is (the web view's background under the
+// close button), still closable, and tells nobody.
+//
 // Owned by the ad while it shows (weakly) and by its presentation (strongly, see
 // platform::Screen). Main thread only. Create with create(); it owns its platform screen and is
 // that screen's delegate, its web view's navigation delegate and (through a weak forwarder) its
@@ -52,6 +57,8 @@ class VembaWebViewController final : public platform::ScreenDelegate,
   static constexpr std::string_view kOpenCheckoutAction = "openCheckout";
   // Retries of a failed load for the controller's whole life.
   static constexpr int maxRetries = 1;
+  // Reloads of the page after its web content process died, for the controller's whole life.
+  static constexpr int maxProcessReloads = 1;
 
   // A controller with its screen (view not loaded yet); null when the platform has no user
   // interface.
@@ -74,6 +81,7 @@ class VembaWebViewController final : public platform::ScreenDelegate,
   const std::shared_ptr<platform::WebView>& webView() const { return webView_; }
   const std::optional<Url>& pendingURL() const { return pendingURL_; }
   int retryCount() const { return retryCount_; }
+  int processReloadCount() const { return processReloadCount_; }
 
   // platform::ScreenDelegate
   void viewDidLoad() override;
@@ -86,6 +94,8 @@ class VembaWebViewController final : public platform::ScreenDelegate,
                                     const platform::NavigationError& error) override;
   void didFailNavigation(platform::WebView& webView,
                          const platform::NavigationError& error) override;
+  void webContentProcessDidTerminate(platform::WebView& webView,
+                                     platform::WebProcessTermination reason) override;
   // platform::ScriptMessageHandler
   void userContentControllerDidReceive(platform::UserContentController& controller,
                                        const platform::ScriptMessage& message) override;
@@ -106,6 +116,7 @@ class VembaWebViewController final : public platform::ScreenDelegate,
   std::shared_ptr<platform::Button> closeButton_;
   std::optional<Url> pendingURL_;  // never cleared: also the fallback URL of the retry
   int retryCount_ = 0;             // never reset
+  int processReloadCount_ = 0;     // never reset
   std::unique_ptr<PreparedWebViewClaim> preparedWebView_;
 };
 

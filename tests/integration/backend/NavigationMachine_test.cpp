@@ -30,14 +30,15 @@ Event tls(bool verified, const Url& url = kPage) {
 const Event action = ActionDecision{false}, newWindow = ActionDecision{true}, started = Started{},
             redirected = Redirected{}, committed = Committed{}, finished = Finished{},
             response = ResponseDecision{true}, subResponse = ResponseDecision{false},
-            timeout = TimeoutFired{}, release = Release{};
+            timeout = TimeoutFired{}, release = Release{}, crashed = Terminated{},
+            overMemory = Terminated{platform::WebProcessTermination::exceededMemoryLimit};
 
 // A failure also shows what its mapping was given (WebErrorMap.h), when not nothing.
 std::string describe(const Effect& effect, const NavigationMachine& machine) {
   // The kinds' names, in their order.
   std::istringstream names(
       "timer cancel-timer send trust stop ask allow refuse start finish fail-provisional fail "
-      "release-warm");
+      "release-warm terminated");
   std::string text;
   for (int i = 0; i <= static_cast<int>(effect.kind); ++i) {
     names >> text;
@@ -50,6 +51,9 @@ std::string describe(const Effect& effect, const NavigationMachine& machine) {
     for (const auto& [name, value] : effect.request->headers) {
       text += " " + name + "=" + value;
     }
+  }
+  if (effect.termination) {
+    text += " " + std::to_string(static_cast<int>(*effect.termination));
   }
   if (effect.error) {
     text += " " + std::to_string(effect.error->code);
@@ -122,9 +126,19 @@ TEST(NavigationMachineTest, TurnsEngineEventsIntoEffects) {
        {load(), action, started, load(), failed(Code::cancelled), finished, timeout},
        "| ask | start | cancel-timer, " + sent +
            " | release-warm, fail-provisional -999 |  | stop, fail-provisional -1001"},
+      {"the process dies mid-load: the time-out ends, the load's late word is silent, the next "
+       "load starts afresh",
+       {load(), action, started, crashed, failed(Code::cancelled), finished, timeout, load(),
+        action, started, committed, finished},
+       "| ask | start | cancel-timer, release-warm, terminated 0 |  |  |  | " + sent +
+           " | ask | start | cancel-timer | finish"},
+      {"the process dies before the engine started; then after the page finished",
+       {load(), crashed, action, started, response, committed, finished, overMemory, finished},
+       "| cancel-timer, release-warm, terminated 0 | ask | start | ask |  | finish | terminated 1 "
+       "| "},
       {"after release nothing has an effect",
-       {load(), action, started, release, response, committed, finished, timeout, load()},
-       "| ask | start | cancel-timer, release-warm |  |  |  |  | "},
+       {load(), action, started, release, response, committed, finished, timeout, crashed, load()},
+       "| ask | start | cancel-timer, release-warm |  |  |  |  |  | "},
   };
   for (const Row& row : rows) {
     NavigationMachine machine(true);

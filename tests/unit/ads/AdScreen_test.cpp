@@ -164,6 +164,46 @@ TEST_F(AdScreenTest, TheOneRetryReloadsTheCurrentUrlElseTheParkedOneAndIsNeverRe
   EXPECT_EQ(other.loads[1].url, adPage);
 }
 
+// A page whose process died is loaded once more, on the next turn; the network retry is a budget
+// of its own, and neither spends the other. Nobody is told of a death.
+TEST_F(AdScreenTest, ADeadPageIsReloadedOnceAndTheRetryIsABudgetOfItsOwn) {
+  const auto memory = platform::WebProcessTermination::exceededMemoryLimit;
+  struct Case {
+    std::vector<int> steps;  // -1009: the network is lost (and a second passes); 0: a death
+    std::size_t loads;
+    int retries;
+  };
+  const Case cases[] = {{{0}, 2, 0},
+                        {{0, 0}, 2, 0},
+                        {{0, -1009}, 3, 1},
+                        {{-1009, 0}, 3, 1},
+                        {{-1009, 0, -1009, 0}, 3, 1}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(::testing::PrintToString(c.steps));
+    auto controller = shownController();
+    fake::FakeWebView& webView = webViewOf(*controller);
+    for (const int step : c.steps) {
+      const std::size_t before = webView.loads.size();
+      if (step == 0) {
+        webView.terminateWebContentProcess(before == 1 ? memory
+                                                       : platform::WebProcessTermination{});
+        EXPECT_EQ(webView.loads.size(), before);  // never from inside the engine's report
+        drain();
+      } else {
+        webView.failProvisionalNavigation({"d", step, std::nullopt});
+        advance(1s);
+      }
+    }
+    EXPECT_EQ(webView.loads.size(), c.loads);
+    EXPECT_EQ(webView.loads.back().url, adPage);
+    EXPECT_EQ(controller->retryCount(), c.retries);
+    EXPECT_EQ(controller->processReloadCount(), 1);
+    EXPECT_TRUE(delegate->calls.empty());
+  }
+  EXPECT_EQ(countLog("terminated: The web content process crashed."), 4U);
+  EXPECT_EQ(countLog("terminated: The web content process exceeded its memory limit."), 3U);
+}
+
 // The controller hears only its own channel, and logs whatever arrives. What the page may say on
 // it is checked through the ads it shows (AdShow_test) and end to end, with everything it may
 // not say, by AdShow_itest.

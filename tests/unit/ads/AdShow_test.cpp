@@ -176,12 +176,17 @@ TYPED_TEST(AdShowTest, BillsWithoutADelegateToo) {
 }
 
 TYPED_TEST(AdShowTest, CloseButtonPageCloseAndEscapeDismissThenReport) {
-  for (const std::string closer : {"button", "page", "escape"}) {
+  for (const std::string closer : {"button", "page", "escape", "button after two deaths"}) {
     SCOPED_TRACE(closer);
     this->loadAndShow();
     this->delegate->calls.clear();
 
-    if (closer == "page") {
+    if (closer == "button after two deaths") {
+      this->adWebView().terminateWebContentProcess();  // reloaded: tested with AdScreen_test
+      this->drain();
+      this->adWebView().terminateWebContentProcess();
+      this->shown().pressClose();
+    } else if (closer == "page") {
       this->shown().postClose();
     } else if (closer == "button") {
       this->shown().pressClose();

@@ -1,7 +1,8 @@
 // When the ad path asks the platform to ready a web view for the next ad screen, and to release
 // it: readied once an ad is ready and before its host hears of it, never for a failed load, once
 // for any number of ready ads, again after an ad screen's web view consumed it while another ad
-// is still ready; released when the last ready ad stops being ready without a show.
+// is still ready; released when the last ready ad stops being ready without a show; forgotten when
+// its process dies.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -88,6 +89,14 @@ TYPED_TEST(AdWebViewPreparationTest, TheAdScreensWebViewConsumesItAndAnotherRead
   this->answer(third, /*usable=*/false);
   EXPECT_EQ(this->hints(), 2);
   this->answer(third, /*usable=*/true);
+  EXPECT_EQ(this->hints(), 3);
+
+  // A readied process that dies is forgotten, not readied again: the show's view starts its own.
+  ASSERT_TRUE(this->platform.ui.terminatePreparedWebViewProcess());
+  platform::Screen::of(this->fakePlatform.hostScreen())->dismiss(false, {});  // the first ad
+  this->drain();
+  third->show(this->fakePlatform.hostScreen());
+  EXPECT_FALSE(this->platform.ui.webViews.back().lock()->configuration.usesPreparedWebView);
   EXPECT_EQ(this->hints(), 3);
 }
 

@@ -27,7 +27,7 @@ TEST_F(CheckoutRecoveryTest, OnlyAFirstFailureTheDelegateAgreesToRecoverFromIsRe
     const char* checkout;
     bool withDelegate;
     std::optional<bool> answer;
-    long status;
+    long status;  // of the page, or 0: the page's web content process dies
     bool recovers;
     std::vector<std::string> calls;
   };
@@ -40,6 +40,7 @@ TEST_F(CheckoutRecoveryTest, OnlyAFirstFailureTheDelegateAgreesToRecoverFromIsRe
       {"multipass sign-in", kMultipass, true, std::nullopt, 503, false, {"fail:2"}},
       {"delegate declines", kPlain, true, false, 503, false, asked},
       {"no delegate", kPlain, false, std::nullopt, 503, false, {}},
+      {"the page's process dies", kPlain, true, std::nullopt, 0, true, {"fail:0", "shouldRecover"}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -51,7 +52,11 @@ TEST_F(CheckoutRecoveryTest, OnlyAFirstFailureTheDelegateAgreesToRecoverFromIsRe
                             url(c.checkout));
     CheckoutWebViewController& controller = page(sheet);
     const auto failed = controller.checkoutView();
-    loadPage(fakeOf(*failed), c.status);
+    if (c.status == 0) {
+      fakeOf(*failed).terminateWebContentProcess();
+    } else {
+      loadPage(fakeOf(*failed), c.status);
+    }
 
     EXPECT_EQ(delegate->calls, c.calls);
     EXPECT_EQ(controller.checkoutViewDidFailWithErrorCount(), 1);

@@ -81,6 +81,10 @@ class RecordingDelegate : public CheckoutDelegate, public CheckoutWebViewDelegat
   void checkoutViewDidEmitWebPixelEvent(const PixelEvent& event) override {
     checkoutDidEmitWebPixelEvent(event);
   }
+  void checkoutViewDidTerminateWebContentProcess(const CheckoutError& error) override {
+    calls.push_back("terminated");
+    errors.push_back(error);
+  }
 
   std::optional<bool> recover;  // the answer to shouldRecoverFromError; default when absent
   std::vector<std::string> calls;

@@ -96,6 +96,29 @@ TEST_F(CheckoutWebViewCacheTest, EveryInvalidationPointEmptiesTheCacheAndClearsT
   }
 }
 
+// A preloaded page, or the page of a sheet closed (though its host keeps it), whose process dies
+// leaves the cache without a word to anybody; the host's preload stands, and the next sheet loads
+// afresh.
+TEST_F(CheckoutWebViewCacheTest, ACachedPageWhoseProcessDiesOffScreenLeavesWithoutAWord) {
+  preload(checkout);
+  const auto preloaded = CheckoutWebView::cachedView();
+  fakeOf(*preloaded).terminateWebContentProcess();
+  EXPECT_EQ(CheckoutWebView::cachedView(), nullptr);
+  EXPECT_TRUE(CheckoutWebView::preloadingActivatedByClient());
+
+  const auto host = std::make_shared<tests::RecordingDelegate>();
+  const auto sheet = show(host);
+  const auto shown = page(sheet).checkoutView();
+  ASSERT_EQ(CheckoutWebView::cachedView(), shown);
+  EXPECT_TRUE(fakeOf(*shown).loads.at(0).headers.empty());
+  page(sheet).close();
+  hostScreen()->dismiss(false, {});
+  drain();
+  fakeOf(*shown).terminateWebContentProcess();
+  EXPECT_EQ(host->calls, std::vector<std::string>{"cancel"});
+  EXPECT_EQ(CheckoutWebView::cachedView(), nullptr);
+}
+
 TEST_F(CheckoutWebViewCacheTest, OnceASheetExistsStylingKeepsThePreloadedPage) {
   preload(checkout);
   const auto preloaded = obtain();

@@ -296,7 +296,8 @@ TEST_F(CheckoutWebViewTest, BridgeMessagesBecomeDelegateCalls) {
   EXPECT_EQ(countLog(failed + "."), 1U);
 }
 
-TEST_F(CheckoutWebViewTest, NavigationFailuresAreReportedUnlessCancelledOrProvisional) {
+TEST_F(CheckoutWebViewTest,
+       NavigationFailuresAndProcessDeathsAreReportedUnlessCancelledOrProvisional) {
   const auto view = make();
   fake::FakeWebView& webView = fakeOf(*view);
   view->load(checkout);
@@ -322,10 +323,19 @@ TEST_F(CheckoutWebViewTest, NavigationFailuresAreReportedUnlessCancelledOrProvis
   webView.failNavigation(timedOut);
   const auto recovery = make(/*recovery=*/true);
   fakeOf(*recovery).failNavigation(timedOut);
+  // A dead web content process is the platform's failure too, final in a recovery view.
+  webView.terminateWebContentProcess(platform::WebProcessTermination::exceededMemoryLimit);
+  fakeOf(*recovery).terminateWebContentProcess();
   EXPECT_EQ(delegate->calls,
-            (std::vector<std::string>{"fail:0:recoverable", "fail:0:recoverable", "fail:0:final"}));
+            (std::vector<std::string>{"fail:0:recoverable", "fail:0:recoverable", "fail:0:final",
+                                      "terminated", "terminated"}));
   const auto& sdkError = std::get<CheckoutError::SdkError>(delegate->errors[1].value());
   EXPECT_EQ(sdkError.underlying, (Error{"URLError", -1001, "The request timed out."}));
+  EXPECT_EQ(delegate->errors[3],
+            CheckoutError::sdkError(
+                Error{"WKErrorDomain", 2, "The web content process exceeded its memory limit."},
+                /*recoverable=*/true));
+  EXPECT_FALSE(delegate->errors[4].isRecoverable());
 }
 
 TEST_F(CheckoutWebViewTest, ARecoveryViewCompletesOnTheConfirmationPage) {
