@@ -197,6 +197,7 @@ void VembaWebViewController::handleLoadError(const platform::NavigationError& er
     return;
   }
   ++retryCount_;
+  retryPending_ = true;
   VembaLogger::log("Retrying WebView load (Attempt " + std::to_string(retryCount_) + "/" +
                    std::to_string(maxRetries) + ")...");
   std::weak_ptr<VembaWebViewController> weakSelf = weak_from_this();
@@ -205,6 +206,7 @@ void VembaWebViewController::handleLoadError(const platform::NavigationError& er
     if (!self) {
       return;
     }
+    self->retryPending_ = false;
     std::optional<Url> url = self->webView_->url();
     if (!url) {
       url = self->pendingURL_;
@@ -220,7 +222,8 @@ void VembaWebViewController::webContentProcessDidTerminate(platform::WebView& /*
   log(kProcessTerminatedMessage, platform::describe(reason));
   // The ad's own page, as parked before the view loaded (the page may have navigated away from
   // it, and its URL went with the process).
-  if (processReloadCount_ >= maxProcessReloads || !pendingURL_) {
+  // A pending retry loads the page anyway, in a new process: one load, and no reload spent.
+  if (retryPending_ || processReloadCount_ >= maxProcessReloads || !pendingURL_) {
     return;
   }
   ++processReloadCount_;

@@ -5,8 +5,9 @@
 //
 // A page whose web content process dies is loaded once more, in a new process, on the next turn
 // of the main queue; that reload and the network retry are budgets of their own, neither spends
-// the other. A second death leaves the screen as it is (the web view's background under the
-// close button), still closable, and tells nobody.
+// the other. A death while a retry waits leaves the load to the retry (no reload spent). A second
+// death leaves the screen as it is (the web view's background under the close button), still
+// closable, and tells nobody.
 //
 // Owned by the ad while it shows (weakly) and by its presentation (strongly, see
 // platform::Screen). Main thread only. Create with create(); it owns its platform screen and is
@@ -117,6 +118,7 @@ class VembaWebViewController final : public platform::ScreenDelegate,
   std::optional<Url> pendingURL_;  // never cleared: also the fallback URL of the retry
   int retryCount_ = 0;             // never reset
   int processReloadCount_ = 0;     // never reset
+  bool retryPending_ = false;      // a retry is scheduled and has not run yet
   std::unique_ptr<PreparedWebViewClaim> preparedWebView_;
 };
 

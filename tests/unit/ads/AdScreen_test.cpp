@@ -169,39 +169,45 @@ TEST_F(AdScreenTest, TheOneRetryReloadsTheCurrentUrlElseTheParkedOneAndIsNeverRe
 TEST_F(AdScreenTest, ADeadPageIsReloadedOnceAndTheRetryIsABudgetOfItsOwn) {
   const auto memory = platform::WebProcessTermination::exceededMemoryLimit;
   struct Case {
-    std::vector<int> steps;  // -1009: the network is lost (and a second passes); 0: a death
+    // -1009: the network is lost (and a second passes); 0: a death; 1: the network is lost and
+    // the process dies before the retry, which then loads the page in a new one
+    std::vector<int> steps;
     std::size_t loads;
     int retries;
+    int reloads;
   };
-  const Case cases[] = {{{0}, 2, 0},
-                        {{0, 0}, 2, 0},
-                        {{0, -1009}, 3, 1},
-                        {{-1009, 0}, 3, 1},
-                        {{-1009, 0, -1009, 0}, 3, 1}};
+  const Case cases[] = {{{0}, 2, 0, 1},
+                        {{0, 0}, 2, 0, 1},
+                        {{0, -1009}, 3, 1, 1},
+                        {{-1009, 0}, 3, 1, 1},
+                        {{-1009, 0, -1009, 0}, 3, 1, 1},
+                        {{1}, 2, 1, 0},
+                        {{1, 0}, 3, 1, 1}};
   for (const Case& c : cases) {
     SCOPED_TRACE(::testing::PrintToString(c.steps));
     auto controller = shownController();
     fake::FakeWebView& webView = webViewOf(*controller);
     for (const int step : c.steps) {
       const std::size_t before = webView.loads.size();
-      if (step == 0) {
+      if (step != 0) {
+        webView.failProvisionalNavigation({"d", -1009, std::nullopt});
+      }
+      if (step >= 0) {
         webView.terminateWebContentProcess(before == 1 ? memory
                                                        : platform::WebProcessTermination{});
         EXPECT_EQ(webView.loads.size(), before);  // never from inside the engine's report
         drain();
-      } else {
-        webView.failProvisionalNavigation({"d", step, std::nullopt});
-        advance(1s);
       }
+      advance(1s);
     }
     EXPECT_EQ(webView.loads.size(), c.loads);
     EXPECT_EQ(webView.loads.back().url, adPage);
     EXPECT_EQ(controller->retryCount(), c.retries);
-    EXPECT_EQ(controller->processReloadCount(), 1);
+    EXPECT_EQ(controller->processReloadCount(), c.reloads);
     EXPECT_TRUE(delegate->calls.empty());
   }
-  EXPECT_EQ(countLog("terminated: The web content process crashed."), 4U);
-  EXPECT_EQ(countLog("terminated: The web content process exceeded its memory limit."), 3U);
+  EXPECT_EQ(countLog("terminated: The web content process crashed."), 5U);
+  EXPECT_EQ(countLog("terminated: The web content process exceeded its memory limit."), 5U);
 }
 
 // The controller hears only its own channel, and logs whatever arrives. What the page may say on
