@@ -1,10 +1,10 @@
 // A page flooding its channel while the host animates, on the real Linux backend (GTK 4 +
 // WebKitGTK), against the local exchange's flood pages (tools/exchange/pages/flood/flood.js):
-// 1. the host window's frame times (p50, p99, max) read from its frame clock by a tick callback
-//    that animates a progress bar, while nothing is shown, while a quiet page (one message a
-//    second) is shown, and while a page floods (RATE messages a second for SECONDS seconds): once
-//    on the ad's "vemba" channel, once on the checkout's bridge channel; the ratios of flood to
-//    quiet in the same run;
+// 1. the host window's frame times (p50, p99, max): the time between two runs of a tick callback
+//    on its frame clock that animates a progress bar, while nothing is shown, while a quiet page
+//    (one message a second) is shown, and while a page floods (RATE messages a second for SECONDS
+//    seconds): once on the ad's "vemba" channel, once on the checkout's bridge channel; the ratios
+//    of flood to quiet in the same run;
 // 2. this process's resident memory and its web processes' before, at most during and after each
 //    run;
 // 3. what reached the host: the page numbers its valid events (on the ad channel an openURL whose
@@ -14,10 +14,10 @@
 //    sequence: lost, doubled, out of order, and delivered after the end marker.
 // It prints figures only; nothing is asserted, and the exit status is 0 when every run finished.
 //
-// usage: vemba_flood_bench [RATE] [SECONDS]   (defaults 10000 and 10; needs a display, e.g.
-// xvfb-run -a, and the exchange origin of the build to be 127.0.0.1:18443, which must be free;
-// starts and stops its own local exchange; the web views' data and caches go to a temporary
-// folder removed at the end)
+// usage: vemba_flood_bench [RATE] [SECONDS] [both|ad|checkout]   (defaults 10000, 10 and both;
+// needs a display, e.g. xvfb-run -a; the ad runs need the exchange origin of the build,
+// 127.0.0.1:18443, to be free, the checkout runs alone take any free port; starts and stops its
+// own local exchange; the web views' data and caches go to a temporary folder removed at the end)
 #include <gtk/gtk.h>
 #include <unistd.h>
 
@@ -29,6 +29,7 @@
 #include <fstream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <variant>
 #include <vector>
@@ -90,6 +91,35 @@ long residentKiB(const std::string& process) {
   return 0;
 }
 
+// CPU time (user and system) of a process or thread, by its /proc path, in seconds.
+double cpuSeconds(const std::string& statPath) {
+  std::ifstream in(statPath);
+  std::string line;
+  std::getline(in, line);
+  std::istringstream rest(line.substr(line.rfind(')') + 2));
+  std::string field;
+  long ticks = 0;
+  for (int i = 3; i <= 15 && rest >> field; ++i) {
+    if (i == 14 || i == 15) {  // utime, stime
+      ticks += std::atol(field.c_str());
+    }
+  }
+  return static_cast<double>(ticks) / static_cast<double>(sysconf(_SC_CLK_TCK));
+}
+
+double mainThreadCpuSeconds() {
+  return cpuSeconds("/proc/self/task/" + std::to_string(getpid()) + "/stat");
+}
+
+// All web processes of this process (the same ones from start to end of a run).
+double webCpuSeconds() {
+  double seconds = 0;
+  for (const pid_t pid : vemba::tests::webProcessIdsOf(getpid())) {
+    seconds += cpuSeconds("/proc/" + std::to_string(pid) + "/stat");
+  }
+  return seconds;
+}
+
 struct Memory {
   long selfKiB = 0;
   long webKiB = 0;  // all web processes of this process
@@ -118,24 +148,41 @@ class Meter {
   Meter(const Meter&) = delete;
   Meter& operator=(const Meter&) = delete;
 
+  // Frames are counted from start() (the first interval runs from it, so a window that is
+  // already stalled counts) to stop() (the last one runs to it).
   void start() {
     frames_.clear();
-    last_ = 0;
+    last_ = g_get_monotonic_time();
+    startedAt_ = Clock::now();
+    startedCpu_ = mainThreadCpuSeconds();
+    startedWebCpu_ = webCpuSeconds();
     peak_ = memoryNow();
     recording_ = true;
   }
-  void stop() { recording_ = false; }
+  void stop() {
+    frames_.push_back(static_cast<double>(g_get_monotonic_time() - last_) / 1000.0);
+    recording_ = false;
+    const double wall = std::chrono::duration<double>(Clock::now() - startedAt_).count();
+    cpuShare_ = (mainThreadCpuSeconds() - startedCpu_) / wall;
+    webCpuShare_ = (webCpuSeconds() - startedWebCpu_) / wall;
+  }
+  // The main thread's CPU time over the wall time between start() and stop().
+  double cpuShare() const { return cpuShare_; }
+  // The same for the web processes (of a machine with `nproc` cores: up to nproc).
+  double webCpuShare() const { return webCpuShare_; }
   const std::vector<double>& frameMillis() const { return frames_; }
   const Memory& peak() const { return peak_; }
 
  private:
-  static gboolean onTick(GtkWidget* widget, GdkFrameClock* clock, gpointer data) {
+  static gboolean onTick(GtkWidget* widget, GdkFrameClock* /*clock*/, gpointer data) {
     auto* self = static_cast<Meter*>(data);
-    const gint64 now = gdk_frame_clock_get_frame_time(clock);
-    if (self->recording_ && self->last_ != 0) {
+    // When the tick ran, not the clock's frame time: GTK smooths that towards whole refresh
+    // intervals, which hides how late a frame came.
+    const gint64 now = g_get_monotonic_time();
+    if (self->recording_) {
       self->frames_.push_back(static_cast<double>(now - self->last_) / 1000.0);
+      self->last_ = now;
     }
-    self->last_ = self->recording_ ? now : 0;
     gtk_progress_bar_set_fraction(GTK_PROGRESS_BAR(widget),
                                   static_cast<double>(now % 2'000'000) / 2'000'000.0);
     return G_SOURCE_CONTINUE;
@@ -157,13 +204,18 @@ class Meter {
   gint64 last_ = 0;
   std::vector<double> frames_;
   Memory peak_;
+  Clock::time_point startedAt_;
+  double startedCpu_ = 0;
+  double cpuShare_ = 0;
+  double startedWebCpu_ = 0;
+  double webCpuShare_ = 0;
 };
 
 // How many valid events flood.js numbers in a run of `total` messages (the same rule as the page).
-long validEventsIn(long total) {
+long validEventsIn(long total, bool withHuge) {
   long valid = 0;
   for (long i = 0; i < total; ++i) {
-    const bool huge = i % kHugeEvery == kHugeEvery - 1;
+    const bool huge = withHuge && i % kHugeEvery == kHugeEvery - 1;
     valid += huge ? ((i / kHugeEvery) % 2 == 0 ? 1 : 0) : (i % kValidEvery == 0 ? 1 : 0);
   }
   return valid;
@@ -288,6 +340,7 @@ class CheckoutListener final : public vemba::checkout::CheckoutDelegate {
 struct Row {
   std::string name;
   std::vector<double> frames;
+  double cpuShare = 0, webCpuShare = 0;
   Memory before, peak, after;
   long messages = 0, expected = 0;
   std::optional<Verdict> verdict;
@@ -296,8 +349,9 @@ struct Row {
 
 void printRow(const Row& row) {
   const auto& f = row.frames;
-  std::printf("%-30s %6zu %7.1f %7.1f %7.1f  %7ld/%7ld/%7ld  %7ld/%7ld/%7ld", row.name.c_str(),
-              f.size(), f.empty() ? 0 : percentile(f, 0.5), f.empty() ? 0 : percentile(f, 0.99),
+  std::printf("%-34s %4.0f%% %4.0f%% %6zu %7.1f %7.1f %7.1f  %5ld/%5ld/%5ld  %5ld/%5ld/%5ld",
+              row.name.c_str(), 100 * row.cpuShare, 100 * row.webCpuShare, f.size(),
+              f.empty() ? 0 : percentile(f, 0.5), f.empty() ? 0 : percentile(f, 0.99),
               f.empty() ? 0 : *std::max_element(f.begin(), f.end()), row.before.selfKiB / 1024,
               row.peak.selfKiB / 1024, row.after.selfKiB / 1024, row.before.webKiB / 1024,
               row.peak.webKiB / 1024, row.after.webKiB / 1024);
@@ -322,19 +376,21 @@ class Bench {
     runMainLoopFor(std::chrono::seconds(seconds_));
     meter_.stop();
     row.frames = meter_.frameMillis();
+    row.cpuShare = meter_.cpuShare();
+    row.webCpuShare = meter_.webCpuShare();
     row.peak = meter_.peak();
     row.after = memoryNow();
     return row;
   }
 
   // An interstitial whose page floods at `rate`; ends at adDidDismiss (the page's "close").
-  Row ad(int rate) {
+  Row ad(int rate, bool huge) {
     Seen seen;
     vemba::setUrlOpener([&](const std::string& url) {
       const std::size_t at = url.find("?n=");
       seen.add(at == std::string::npos ? -2 : std::atol(url.c_str() + at + 3));
     });
-    exchange_.setBehaviour(kAdUnit, "bid", {{"page", "flood.html?" + query(rate)}});
+    exchange_.setBehaviour(kAdUnit, "bid", {{"page", "flood.html?" + query(rate, huge)}});
     auto listener = std::make_shared<AdListener>(seen);
     auto ad = vemba::VembaInterstitialAd::create(kAdUnit);
     ad->setDelegate(listener);
@@ -342,7 +398,7 @@ class Bench {
     require(runMainLoopUntil([&] { return listener->loaded || listener->failed; }, kStepDeadline) &&
                 listener->loaded,
             "the ad did not load");
-    Row row = run("ad (vemba), " + rateName(rate), rate, seen,
+    Row row = run("ad (vemba), " + rateName(rate, huge), rate, huge, seen,
                   [&] { ad->show(vemba::topScreenForWindow(window_)); });
     vemba::setUrlOpener({});
     ad.reset();
@@ -355,13 +411,14 @@ class Bench {
 
   // A checkout sheet whose page floods at `rate`; ends at checkoutDidFail (the page's envelope
   // that is not JSON).
-  Row checkout(int rate) {
+  Row checkout(int rate, bool huge) {
     Seen seen;
     auto listener = std::make_shared<CheckoutListener>(seen);
-    const auto url = vemba::Url::parse(exchange_.origin() + "/flood/checkout.html?" + query(rate));
+    const auto url =
+        vemba::Url::parse(exchange_.origin() + "/flood/checkout.html?" + query(rate, huge));
     require(url.has_value(), "bad checkout URL");
     std::shared_ptr<vemba::checkout::CheckoutViewController> sheet;
-    Row row = run("checkout (bridge), " + rateName(rate), rate, seen, [&] {
+    Row row = run("checkout (bridge), " + rateName(rate, huge), rate, huge, seen, [&] {
       sheet = vemba::checkout::present(*url, vemba::topScreenForWindow(window_), listener);
       require(sheet != nullptr, "no checkout sheet");
     });
@@ -377,20 +434,23 @@ class Bench {
   }
 
  private:
-  std::string query(int rate) const {
+  std::string query(int rate, bool huge) const {
     return "rate=" + std::to_string(rate) + "&seconds=" + std::to_string(seconds_) +
-           "&tail=" + std::to_string(kTail) + "&delay=" + std::to_string(kPageDelayMs);
+           "&tail=" + std::to_string(kTail) + "&delay=" + std::to_string(kPageDelayMs) +
+           (huge ? "" : "&huge=0");
   }
-  static std::string rateName(int rate) {
-    return rate == kQuietRate ? "quiet (1/s)" : "flood (" + std::to_string(rate) + "/s)";
+  static std::string rateName(int rate, bool huge) {
+    return rate == kQuietRate
+               ? "quiet (1/s)"
+               : "flood" + std::string(huge ? "+huge" : "") + " (" + std::to_string(rate) + "/s)";
   }
 
   template <typename Show>
-  Row run(std::string name, int rate, Seen& seen, Show show) {
+  Row run(std::string name, int rate, bool huge, Seen& seen, Show show) {
     Row row;
     row.name = std::move(name);
     row.messages = static_cast<long>(rate) * seconds_;
-    row.expected = validEventsIn(row.messages);
+    row.expected = validEventsIn(row.messages, huge);
     row.before = memoryNow();
     show();
     // Frames count from the page's first message to its end marker.
@@ -402,6 +462,8 @@ class Bench {
             "the page's end marker never came");
     meter_.stop();
     row.frames = meter_.frameMillis();
+    row.cpuShare = meter_.cpuShare();
+    row.webCpuShare = meter_.webCpuShare();
     row.peak = meter_.peak();
     runMainLoopFor(kAfterEnd);
     if (!seen.at.empty()) {
@@ -452,7 +514,12 @@ double ratio(const std::vector<double>& flood, const std::vector<double>& quiet,
 int main(int argc, char** argv) {
   const int rate = argc > 1 ? std::atoi(argv[1]) : 10000;
   const int seconds = argc > 2 ? std::atoi(argv[2]) : 10;
-  require(rate > kQuietRate && seconds > 0, "usage: vemba_flood_bench [RATE] [SECONDS]");
+  const std::string runs = argc > 3 ? argv[3] : "both";
+  const bool ads = runs != "checkout";
+  const bool checkouts = runs != "ad";
+  require(rate > kQuietRate && seconds > 0 && (ads || checkouts) &&
+              (runs == "both" || runs == "ad" || runs == "checkout"),
+          "usage: vemba_flood_bench [RATE] [SECONDS] [both|ad|checkout]");
 
   std::string home = (std::filesystem::temp_directory_path() / "vemba-flood-bench-XXXXXX").string();
   require(mkdtemp(home.data()) != nullptr, "no temporary folder");
@@ -462,7 +529,7 @@ int main(int argc, char** argv) {
   setenv("GTK_A11Y", "none", 0);
 
   vemba::exchange::LocalExchange::Options options;
-  options.port = kExchangePort;
+  options.port = ads ? kExchangePort : 0;
   options.lifetime = 1800s;
   vemba::exchange::LocalExchange exchange(options);
   setenv("SSL_CERT_FILE", exchange.caFile().c_str(), 1);
@@ -481,29 +548,37 @@ int main(int argc, char** argv) {
     runMainLoopFor(1s);
     std::vector<Row> rows;
     rows.push_back(bench.idle());
-    rows.push_back(bench.ad(kQuietRate));
-    rows.push_back(bench.ad(rate));
-    rows.push_back(bench.checkout(kQuietRate));
-    rows.push_back(bench.checkout(rate));
+    if (ads) {
+      rows.push_back(bench.ad(kQuietRate, false));
+      rows.push_back(bench.ad(rate, false));
+      rows.push_back(bench.ad(rate, true));
+    }
+    if (checkouts) {
+      rows.push_back(bench.checkout(kQuietRate, false));
+      rows.push_back(bench.checkout(rate, false));
+      rows.push_back(bench.checkout(rate, true));
+    }
 
     std::printf(
-        "A host window animating while a page floods its channel: %d messages/s for %d s "
-        "(one valid event in %ld, a huge body every %ld messages, up to 4 MiB)\n",
+        "A host window animating while a page floods its channel: %d messages/s for %d s, one "
+        "valid event in %ld (+huge: also a body of 4 KiB to 4 MiB every %ld messages)\n",
         rate, seconds, kValidEvery, kHugeEvery);
-    std::printf("%-30s %6s %7s %7s %7s  %-23s  %-23s  %7s %7s %6s %5s %5s %5s %5s %6s\n", "",
-                "frames", "p50 ms", "p99 ms", "max ms", "host RSS MiB b/max/a",
-                "web RSS MiB b/max/a", "sent", "valid", "seen", "lost", "dup", "order", "late",
+    std::printf("%-34s %5s %5s %6s %7s %7s %7s  %-17s  %-17s  %7s %7s %6s %5s %5s %5s %5s %6s\n",
+                "", "main", "web", "frames", "p50 ms", "p99 ms", "max ms", "host MiB b/max/a",
+                "web MiB b/max/a", "sent", "valid", "seen", "lost", "dup", "order", "late",
                 "span s");
     for (const Row& row : rows) {
       printRow(row);
     }
-    const auto printRatios = [](const char* name, const Row& flood, const Row& quiet) {
-      std::printf("flood / quiet, %-15s p50 %.2f  p99 %.2f  max %.2f\n", name,
+    const auto printRatios = [](const Row& flood, const Row& quiet) {
+      std::printf("%-34s / quiet: p50 %.2f  p99 %.2f  max %.2f\n", flood.name.c_str(),
                   ratio(flood.frames, quiet.frames, 0.5), ratio(flood.frames, quiet.frames, 0.99),
                   ratio(flood.frames, quiet.frames, -1));
     };
-    printRatios("ad:", rows[2], rows[1]);
-    printRatios("checkout:", rows[4], rows[3]);
+    for (std::size_t quiet = 1; quiet + 2 < rows.size(); quiet += 3) {
+      printRatios(rows[quiet + 1], rows[quiet]);
+      printRatios(rows[quiet + 2], rows[quiet]);
+    }
   }
   gtk_window_destroy(window);
   runMainLoopFor(1s);
