@@ -11,7 +11,9 @@
 //    URL carries the number, or a "click"; on the checkout channel a pixel event "flood-<n>"),
 //    mixes them with junk and huge bodies (up to 4 MiB), ends with its end marker ("close"; an
 //    envelope that is not JSON) and then sends a few more valid events; the host checks the
-//    sequence: lost, doubled, out of order, and delivered after the end marker.
+//    sequence: lost, doubled, out of order, and delivered after the end marker;
+// 4. beside the checkout runs, the same page in a bare WebKitWebView over the window, its messages
+//    only counted: what WebKit alone costs the host.
 // It prints figures only; nothing is asserted, and the exit status is 0 when every run finished.
 //
 // usage: vemba_flood_bench [RATE] [SECONDS] [both|ad|checkout]   (defaults 10000, 10 and both;
@@ -31,6 +33,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -55,6 +58,7 @@ using vemba::tests::runMainLoopUntil;
 
 constexpr int kExchangePort = 18443;
 constexpr const char* kAdUnit = "bench-flood-unit";
+constexpr const char* kCheckoutChannel = "mobileCheckoutSdk";
 // The quiet runs' rate: one message a second, the same page and the same code path.
 constexpr int kQuietRate = 1;
 // Mirrors flood.js's defaults that the bench does not pass: one valid event in two, a huge body
@@ -433,6 +437,42 @@ class Bench {
     return row;
   }
 
+  // The same checkout page in a bare WebKitWebView over the window's content, its messages
+  // received on the same channel and only counted: what WebKit alone costs the host. Run after a
+  // sheet (the default session then trusts the exchange's certificate).
+  Row bareCheckout(int rate, bool huge) {
+    Seen seen;
+    const std::string uri = exchange_.origin() + "/flood/checkout.html?" + query(rate, huge);
+    WebKitWebView* view = vemba::bench::newBareView(nullptr, kCheckoutChannel);
+    GtkWidget* overlay = gtk_window_get_child(window_);
+    require(GTK_IS_OVERLAY(overlay), "the window has no overlay (present a sheet first)");
+    gtk_overlay_add_overlay(GTK_OVERLAY(overlay), GTK_WIDGET(view));
+    const gulong handler =
+        g_signal_connect(webkit_web_view_get_user_content_manager(view),
+                         (std::string("script-message-received::") + kCheckoutChannel).c_str(),
+                         G_CALLBACK(+[](WebKitUserContentManager*, JSCValue* value, gpointer data) {
+                           auto* counted = static_cast<Seen*>(data);
+                           char* text = jsc_value_to_string(value);
+                           if (std::string_view(text).find("\"name\"") == std::string_view::npos) {
+                             ++counted->ends;  // the envelope that is not JSON
+                             counted->endAt = Clock::now();
+                           } else if (counted->ends == 0) {
+                             counted->add(0);
+                           }
+                           g_free(text);
+                         }),
+                         &seen);
+    Row row = run("bare view, checkout page, " + rateName(rate, huge), rate, huge, seen,
+                  [&] { webkit_web_view_load_uri(view, uri.c_str()); });
+    g_signal_handler_disconnect(webkit_web_view_get_user_content_manager(view), handler);
+    gtk_overlay_remove_overlay(GTK_OVERLAY(overlay), GTK_WIDGET(view));
+    webkit_web_view_terminate_web_process(view);
+    g_object_unref(view);
+    settle();
+    row.after = memoryNow();
+    return row;
+  }
+
  private:
   std::string query(int rate, bool huge) const {
     return "rate=" + std::to_string(rate) + "&seconds=" + std::to_string(seconds_) +
@@ -557,6 +597,8 @@ int main(int argc, char** argv) {
       rows.push_back(bench.checkout(kQuietRate, false));
       rows.push_back(bench.checkout(rate, false));
       rows.push_back(bench.checkout(rate, true));
+      rows.push_back(bench.bareCheckout(rate, false));
+      rows.push_back(bench.bareCheckout(rate, true));
     }
 
     std::printf(
@@ -575,9 +617,15 @@ int main(int argc, char** argv) {
                   ratio(flood.frames, quiet.frames, 0.5), ratio(flood.frames, quiet.frames, 0.99),
                   ratio(flood.frames, quiet.frames, -1));
     };
-    for (std::size_t quiet = 1; quiet + 2 < rows.size(); quiet += 3) {
-      printRatios(rows[quiet + 1], rows[quiet]);
-      printRatios(rows[quiet + 2], rows[quiet]);
+    const std::size_t checkoutQuiet = ads ? 4 : 1;
+    if (ads) {
+      printRatios(rows[2], rows[1]);
+      printRatios(rows[3], rows[1]);
+    }
+    if (checkouts) {
+      for (std::size_t k = 1; k <= 4; ++k) {
+        printRatios(rows[checkoutQuiet + k], rows[checkoutQuiet]);
+      }
     }
   }
   gtk_window_destroy(window);
