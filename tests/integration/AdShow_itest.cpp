@@ -102,6 +102,33 @@ TEST_F(AdShowTest, ARefusedConnectionIsNotRetried) {
   EXPECT_EQ(run.errors.find("Retrying"), std::string::npos);
 }
 
+// A page flooding its channel (4,000 messages in a second, junk among numbered events, then
+// "close"): every valid event reaches the host once and in the page's order (an openURL carrying
+// the event's number for even numbers, a click for odd ones) before the dismissal. The frame times
+// under a flood are the flood benchmark's business.
+TEST_F(AdShowTest, AFloodDeliversEveryValidMessageOnceAndInOrder) {
+  const InspectorRun run =
+      show("itest-flood", page("flood.html?rate=4000&seconds=1&hugeEvery=0&delay=300"));
+  constexpr int kValid = 2000;  // one message in two
+  Strings expected{"adDidLoad", "adDidShow"};
+  Strings opened;
+  for (int n = 0; n < kValid; ++n) {
+    expected.push_back(n % 2 == 0 ? "opened" : "adDidClick");
+    if (n % 2 == 0) {
+      opened.push_back(exchange_->origin() + "/landing/flood?n=" + std::to_string(n));
+    }
+  }
+  expected.push_back("adDidDismiss");
+  EXPECT_EQ(run.trace(), expected);
+  Strings heard;
+  for (const nlohmann::json& line : run.lines) {
+    if (line.contains("opened")) {
+      heard.push_back(line["opened"].get<std::string>());
+    }
+  }
+  EXPECT_EQ(heard, opened);
+}
+
 // Hostile and broken ad pages, each shown by vemba-inspect: whatever the page does, the ad shows,
 // the close button (pressed after `closeAfter` seconds) dismisses it, the process exits
 // 0 after adDidDismiss, and the host hears only what the page may make it hear.

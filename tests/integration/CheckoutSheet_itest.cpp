@@ -129,6 +129,30 @@ TEST_F(CheckoutSheetTest, A404DismissesWithoutRecovery) {
       << defaults.errors;
 }
 
+// A page flooding the bridge (4,000 envelopes in a second, ignored junk among numbered pixel
+// events, then an envelope that is not JSON, then 20 more pixels): every pixel reaches the host
+// once and in the page's order, the bad envelope fails the checkout once, and nothing follows.
+TEST_F(CheckoutSheetTest, AFloodDeliversEveryPixelOnceAndInOrderUntilTheBridgeFails) {
+  const InspectorRun run = inspect(
+      {"--url", url("/flood/checkout.html?rate=4000&seconds=1&hugeEvery=0&tail=20&delay=300"),
+       "--recover", "no", "--log-level", "none"});
+  constexpr int kValid = 2000;  // one envelope in two
+  Strings expected{"screen:presented"};
+  expected.insert(expected.end(), kValid, "checkoutDidEmitWebPixelEvent");
+  expected.insert(expected.end(),
+                  {"checkoutDidFail", "shouldRecoverFromError", "screen:dismissed"});
+  EXPECT_EQ(run.trace(), expected);
+  Strings ids;
+  for (const nlohmann::json& pixel : run.where("callback", "checkoutDidEmitWebPixelEvent")) {
+    // The payload is {"<kind>Event": {...}}, custom or standard.
+    ids.push_back(pixel["payload"].front().value("id", ""));
+  }
+  ASSERT_EQ(ids.size(), static_cast<std::size_t>(kValid));
+  for (int n = 0; n < kValid; ++n) {
+    ASSERT_EQ(ids[static_cast<std::size_t>(n)], "flood-" + std::to_string(n));
+  }
+}
+
 TEST_F(CheckoutSheetTest, LinksAreReportedAndStayOutOfTheSheet) {
   const InspectorRun run = inspect(
       {"--url", url("/checkout/links?auto=terms,mailto&autoDelay=300"), "--close-after", "3"});
