@@ -11,6 +11,8 @@
 
 #include "LoadFaults.h"
 #include "ResidentMemory.h"
+#include "common/DecodingError.h"
+#include "platform/UrlErrorCode.h"
 #include "vemba/Vemba.h"
 
 namespace vemba::soak {
@@ -22,8 +24,7 @@ using namespace std::chrono_literals;
 // A released ad's answer is held back this long after the exchange receives its request, and the
 // ad is released within kReleaseWindowMs of its load(): so it is released in flight unless the
 // main loop stalls for longer than the difference (then it is counted apart, see release()).
-constexpr double kReleasedAnswerDelaySeconds = 1.5;
-constexpr auto kReleasedAnswerDelay = std::chrono::milliseconds(1500);
+constexpr auto kReleasedAnswerDelay = 1500ms;
 constexpr unsigned kReleaseWindowMs = 200;
 constexpr unsigned kReleaseSpreadMs = 37;  // successive released ads wait 0, 37, 74, ... ms
 // How long after its load a released ad counts against the in-flight bound.
@@ -37,10 +38,6 @@ constexpr auto kSettle = 500ms;
 constexpr auto kGrace = 1s;
 constexpr auto kHeartbeatMs = 5;
 constexpr std::size_t kMaxExamples = 8;
-constexpr std::string_view kVembaErrorDomain = "VembaError";
-constexpr std::string_view kDecodingErrorDomain = "DecodingError";
-constexpr std::string_view kUrlErrorDomain = "URLError";
-constexpr int kNoBidCode = 6;
 
 struct Heard {
   std::optional<Outcome> outcome;  // absent: an error of no known class
@@ -63,13 +60,14 @@ std::optional<Outcome> classify(const Error* error) {
   if (error == nullptr) {
     return Outcome::loaded;
   }
-  if (error->domain == kVembaErrorDomain && error->code == kNoBidCode) {
+  const Error noBid = VembaError::noBid().toError();
+  if (error->domain == noBid.domain && error->code == noBid.code) {
     return Outcome::noBid;
   }
-  if (error->domain == kDecodingErrorDomain) {
+  if (error->domain == json::kDecodingErrorDomain) {
     return Outcome::decoding;
   }
-  if (error->domain == kUrlErrorDomain) {
+  if (error->domain == platform::kUrlErrorDomain) {
     return Outcome::transport;
   }
   return std::nullopt;
@@ -209,8 +207,10 @@ class Run {
     slot.fault = index % loadFaults().size();
     slot.releaseInFlight = index % options_.releaseEvery == options_.releaseEvery - 1;
     const LoadFault& fault = loadFaults()[slot.fault];
-    std::string adUnit = slot.releaseInFlight ? delayedAdUnitFor(fault, kReleasedAnswerDelaySeconds)
-                                              : adUnitFor(fault);
+    std::string adUnit =
+        slot.releaseInFlight
+            ? delayedAdUnitFor(fault, std::chrono::duration<double>(kReleasedAnswerDelay).count())
+            : adUnitFor(fault);
     if (index % 2 == 0) {
       ++report_.interstitials;
       create<VembaInterstitialAd, InterstitialRecorder>(slot, index, std::move(adUnit));
