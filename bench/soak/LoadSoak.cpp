@@ -4,6 +4,7 @@
 #include <malloc.h>
 
 #include <chrono>
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <optional>
@@ -32,8 +33,11 @@ constexpr auto kReleasedInFlight = 2500ms;
 // Longer than the bid request's 60 s time-out: a kept ad still silent by then has lost its
 // callback.
 constexpr auto kDrainLimit = 90s;
-// Before a memory sample: for what the last answers started (a readied web view) to end.
-constexpr auto kSettle = 500ms;
+// A memory sample is the lowest reading over this span after the drain, one every
+// kSampleEvery: what the last answers started (a readied web view) ends meanwhile, and WebKit's
+// own allocator, which malloc_trim does not reach, gives back its free pages on its own timer.
+constexpr auto kSettle = 2s;
+constexpr auto kSampleEvery = 250ms;
 // After the last answer: time for a late second callback, or one to a released ad, to show up.
 constexpr auto kGrace = 1s;
 constexpr auto kHeartbeatMs = 5;
@@ -147,10 +151,7 @@ class Run {
         g_main_context_iteration(nullptr, TRUE);
       }
       drained = iterateUntil([&] { return inFlight() == 0; }, Clock::now() + kDrainLimit);
-      iterateUntil([] { return false; }, Clock::now() + kSettle);
-      const std::uint64_t resident = residentKib();
-      malloc_trim(0);
-      report_.memory.push_back({launched, resident, residentKib(), mallinfo2().uordblks / 1024});
+      report_.memory.push_back(sampleMemory(launched));
       lastBeat_ = Clock::now();  // the pause for the sample is not the main loop's stall
     }
     iterateUntil([] { return false; }, Clock::now() + kGrace);
@@ -238,6 +239,18 @@ class Run {
           return G_SOURCE_REMOVE;
         },
         target, [](gpointer data) { delete static_cast<std::pair<Run*, std::size_t>*>(data); });
+  }
+
+  LoadSoakReport::Checkpoint sampleMemory(std::size_t loads) {
+    LoadSoakReport::Checkpoint sample{loads, residentKib(), UINT64_MAX, 0};
+    const Clock::time_point end = Clock::now() + kSettle;
+    while (Clock::now() < end) {
+      iterateUntil([] { return false; }, Clock::now() + kSampleEvery);
+      malloc_trim(0);
+      sample.trimmedKib = std::min(sample.trimmedKib, residentKib());
+    }
+    sample.heapInUseKib = mallinfo2().uordblks / 1024;
+    return sample;
   }
 
   void release(std::size_t index) {

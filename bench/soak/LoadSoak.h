@@ -34,8 +34,9 @@ struct LoadSoakReport {
   struct Checkpoint {
     std::size_t loads = 0;
     std::uint64_t residentKib = 0;  // as found
-    // After malloc_trim(0): without the free pages the allocator keeps from the bodies of up to
-    // 16 MiB that were in flight together, which otherwise swing the samples by tens of MiB.
+    // The lowest reading after malloc_trim(0) over two seconds: without the free pages the
+    // allocators keep (from bodies of up to 16 MiB in flight together, and WebKit's until its
+    // scavenger runs), which otherwise swing the samples by tens of MiB.
     std::uint64_t trimmedKib = 0;
     std::uint64_t heapInUseKib = 0;  // what malloc has handed out and not had back
   };
