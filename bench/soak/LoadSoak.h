@@ -2,8 +2,8 @@
 // flight, each answered with one fault of LoadFaults.h in turn, and some ads released by the host
 // while their request is in flight. It checks that every kept ad hears exactly one callback of the
 // expected class, that a released ad hears nothing, that every callback runs on the main thread,
-// and it samples the resident memory at evenly spaced checkpoints (in flight drained first, so the
-// samples compare like with like).
+// and it samples the resident memory at checkpoints, the first after a fifth of the loads (in
+// flight drained first, so the samples compare like with like).
 //
 // Runs on the main thread, driving GLib's default main context itself; the SDK is initialised and
 // the exchange of the build's origin is up before run(). Owned by the caller for one run.
