@@ -1,6 +1,7 @@
 #include "CheckoutSoak.h"
 
 #include <gtk/gtk.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -157,6 +158,7 @@ CheckoutSoakReport runCheckoutSoak(std::size_t cycles, const exchange::LocalExch
       report.preloaded += preloaded ? 1U : 0U;
       if (report.cycles == report.earlyCycle) {
         report.residentEarlyKib = residentKib();
+        report.heapEarlyKib = mallinfo2().uordblks / 1024;
       }
     }
   }
@@ -172,6 +174,7 @@ CheckoutSoakReport runCheckoutSoak(std::size_t cycles, const exchange::LocalExch
   };
   runMainLoopUntil(census, kSettleLimit);
   report.residentAfterKib = residentKib();
+  report.heapAfterKib = mallinfo2().uordblks / 1024;
   gtk_window_destroy(window);
   runMainLoopUntil([] { return false; }, 200ms);
   report.seconds = std::chrono::duration<double>(Clock::now() - start).count();

@@ -26,6 +26,8 @@ struct CheckoutSoakReport {
   std::uint64_t residentEarlyKib = 0;  // after cycle `earlyCycle`
   std::size_t earlyCycle = 0;
   std::uint64_t residentAfterKib = 0;  // after the last cycle and the census
+  std::uint64_t heapEarlyKib = 0;      // malloc's heap in use at the same two points
+  std::uint64_t heapAfterKib = 0;
   std::size_t webViewsLeft = 0;
   std::size_t screensLeft = 0;  // the library's screens; the host window's own is not counted
   std::size_t webProcessesLeft = 0;

@@ -142,6 +142,8 @@ bool printCheckout(const vemba::soak::CheckoutSoakReport& report, std::size_t as
       "(%+.1f %%, at most %+.1f %%)\n",
       mib(report.residentBeforeKib), report.earlyCycle, mib(report.residentEarlyKib),
       mib(report.residentAfterKib), growth, tolerance);
+  std::printf("malloc heap in use: after cycle %zu %.1f MiB, after the last %.1f MiB\n",
+              report.earlyCycle, mib(report.heapEarlyKib), mib(report.heapAfterKib));
   std::printf("left: %zu web views, %zu screens, %zu web processes\n", report.webViewsLeft,
               report.screensLeft, report.webProcessesLeft);
   for (const std::string& example : report.examples) {
