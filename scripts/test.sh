@@ -30,6 +30,10 @@ done
 
 section "package"
 scripts/check-package.sh
+section "soak (CI size: 500 ad loads, 10 checkout cycles; the full form is in docs/RELIABILITY-soak.md)"
+# The exchange of the build's origin takes the port 18443, free once the test runs above are done.
+GTK_A11Y=none NO_AT_BRIDGE=1 xvfb-run -a -s "-noreset -screen 0 1280x1024x24" \
+  build/ci/bench/vemba_soak --loads 500 --checkout-cycles 10 --load-tolerance 15
 section "fuzz (${fuzz_seconds}s each)"
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j "$jobs"

@@ -16,6 +16,7 @@ import secrets
 import signal
 import socket
 import ssl
+import struct
 import subprocess
 import sys
 import tempfile
@@ -55,11 +56,13 @@ BEHAVIOURS = {
     "badburl": {"burl": "not a url <with> spaces"},  # burl that is not a URL; bidid present
     "malformed": {},         # 200 with a truncated JSON body
     "wrongtypes": {},        # 200 with JSON whose fields have the wrong types
-    "error500": {"status": 500},  # status 500 with the body "{}"
+    "error500": {"status": 500, "body": "{}"},  # that status with `body` ("bid": the normal bid)
     "empty": {},             # 200 with an empty body (Content-Length: 0)
     "huge": {"bytes": 20 * 1024 * 1024, "chunked": False},  # a body of `bytes` bytes
     "slow": {"seconds": 5.0, "then": "bid"},  # waits, then answers like `then`
     "drop": {},              # closes the connection without answering
+    "truncated": {"missing": 1024},  # the normal bid, a Content-Length `missing` bytes too long, FIN
+    "reset": {},             # headers and half the normal bid, then a TCP reset (RST)
 }
 ALIASES = {"normal": "bid"}
 
@@ -472,7 +475,16 @@ class ExchangeHandler(BaseHTTPRequestHandler):
             self.send(200, b"")
             return
         if name == "error500":
-            self.send(int(behaviour.get("status", 500)), b"{}")
+            body = behaviour.get("body", "{}")
+            if body == "bid":
+                body = json.dumps(self.bid_response(request, imp, normalise_behaviour("bid")))
+            elif not isinstance(body, str):  # the ad-unit convention reads "{}" as JSON
+                body = json.dumps(body)
+            self.send(int(behaviour.get("status", 500)), body.encode("utf-8"))
+            return
+        if name in ("truncated", "reset"):
+            self.send_cut(json.dumps(self.bid_response(request, imp, behaviour)).encode("utf-8"),
+                          name == "reset", int(behaviour.get("missing", 1024)))
             return
         if name == "huge":
             self.send_huge(int(behaviour["bytes"]), bool(behaviour.get("chunked")))
@@ -512,6 +524,24 @@ class ExchangeHandler(BaseHTTPRequestHandler):
         elif name != "noseat":
             response["seatbid"] = [{"seat": "local", "bid": [bid]}]
         return response
+
+    def send_cut(self, body, reset, missing):
+        """Headers promising more than is sent, then the end of the connection: after half the
+        body with a TCP reset (`reset`), or after the whole body with an orderly close and a
+        Content-Length `missing` bytes too long."""
+        self.close_connection = True
+        self.send_response(200)
+        self.send_header("Content-Type", "application/json")
+        self.send_header("Content-Length", str(len(body) + (0 if reset else missing)))
+        self.end_headers()
+        self.wfile.write(body[:len(body) // 2] if reset else body)
+        self.wfile.flush()
+        if reset:
+            # A zero linger time makes close() send RST instead of FIN.
+            self.connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+            self.connection.close()
+        else:
+            self.connection.shutdown(socket.SHUT_RDWR)
 
     def send_huge(self, size, chunked):
         self.send_response(200)
