@@ -22,7 +22,8 @@
 #endif
 #endif
 #if defined(__SANITIZE_ADDRESS__) || defined(VEMBA_LSAN_SUPPRESSIONS)
-extern "C" __attribute__((used, visibility("default"))) inline const char* __lsan_default_suppressions() {
+extern "C" __attribute__((used, visibility("default"))) inline const char*
+__lsan_default_suppressions() {
   return "leak:__argz_add_sep\n";
 }
 #endif
