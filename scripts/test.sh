@@ -30,10 +30,14 @@ done
 
 section "package"
 scripts/check-package.sh
-section "soak (CI size: 500 ad loads, 10 checkout cycles; the full form is in docs/RELIABILITY-soak.md)"
+section "soak (CI size: 500 ad loads, 10 checkout cycles; the full form is in docs/RELIABILITY.md)"
 # The exchange of the build's origin takes the port 18443, free once the test runs above are done.
+# At a tenth of its size the soak judges every callback and what is left behind exactly; its few
+# memory samples judge only a gross leak (measured: +8.4 % at 10 checkout cycles with nothing
+# leaking), so growth is judged at full size (docs/RELIABILITY.md).
 GTK_A11Y=none NO_AT_BRIDGE=1 xvfb-run -a -s "-noreset -screen 0 1280x1024x24" \
-  build/ci/bench/vemba_soak --loads 500 --checkout-cycles 10 --load-tolerance 15
+  build/ci/bench/vemba_soak --loads 500 --checkout-cycles 10 --load-tolerance 40 \
+  --checkout-tolerance 40
 section "fuzz (${fuzz_seconds}s each)"
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -j "$jobs"
