@@ -141,6 +141,12 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Failed& event
   if (processGone_) {
     return {};  // the dead navigation's: the core has heard of the death instead
   }
+  if (swallowFinish_ && isCancellation(event.error)) {
+    // The end of the navigation a trusted certificate's reissue replaced: the engine ends it with
+    // a FINISHED or, when the reissue overtakes it (a loaded machine), with its cancellation.
+    swallowFinish_ = false;
+    return {};
+  }
   Effects effects;
   failed_ = true;
   releaseWarmView(effects);
