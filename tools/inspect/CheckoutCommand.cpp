@@ -6,18 +6,26 @@
 #include <optional>
 #include <string>
 
-#include "CheckoutJson.h"
 #include "Commands.h"
 #include "InspectHost.h"
 #include "Inspection.h"
 #include "Options.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutDelegate.h"
+#include "vemba/checkout/EventJson.h"
 
 namespace vemba::inspect {
 namespace {
 
 using checkout::CheckoutError;
+using Line = nlohmann::ordered_json;
+
+// A host-facing value as the inspector prints it: in the shape vemba/checkout/EventJson.h gives
+// hosts.
+template <typename Value>
+Line jsonOf(const Value& value) {
+  return Line::parse(checkout::toJson(value));
+}
 
 constexpr double kDefaultTimeoutSeconds = 60;
 constexpr double kDefaultLingerSeconds = 1;
@@ -150,18 +158,18 @@ class PrintingDelegate final : public DefaultsDelegate {
   using DefaultsDelegate::DefaultsDelegate;
 
   void checkoutDidComplete(const checkout::CheckoutCompletedEvent& event) override {
-    printLine(Line{{"callback", "checkoutDidComplete"}, {"payload", completedJson(event)}});
+    printLine(Line{{"callback", "checkoutDidComplete"}, {"payload", jsonOf(event)}});
     session_.dismissLater();
   }
   void checkoutDidFail(const CheckoutError& error) override {
-    printLine(Line{{"callback", "checkoutDidFail"}, {"checkoutError", checkoutErrorJson(error)}});
+    printLine(Line{{"callback", "checkoutDidFail"}, {"checkoutError", jsonOf(error)}});
   }
   bool shouldRecoverFromError(const CheckoutError& error) override {
     const bool answer = session_.options.recover == Recover::automatic
                             ? CheckoutDelegate::shouldRecoverFromError(error)
                             : session_.options.recover == Recover::yes;
     printLine(Line{{"callback", "shouldRecoverFromError"},
-                   {"checkoutError", checkoutErrorJson(error)},
+                   {"checkoutError", jsonOf(error)},
                    {"answer", answer}});
     return answer;
   }
@@ -169,7 +177,7 @@ class PrintingDelegate final : public DefaultsDelegate {
     printLine(Line{{"callback", "checkoutDidClickLink"}, {"url", url.absoluteString()}});
   }
   void checkoutDidEmitWebPixelEvent(const checkout::PixelEvent& event) override {
-    printLine(Line{{"callback", "checkoutDidEmitWebPixelEvent"}, {"payload", pixelJson(event)}});
+    printLine(Line{{"callback", "checkoutDidEmitWebPixelEvent"}, {"payload", jsonOf(event)}});
   }
 };
 
