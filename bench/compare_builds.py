@@ -9,7 +9,8 @@ preset and a build with other optimisation flags). By default the two builds' bi
 alternately, one right after the other, for N rounds (default 3), so that both see the same
 machine; each benchmark's figure is the median of its rounds, in ns. With --instructions, each
 bridge message of bench/data is decoded 200 times under callgrind in each build, and the figure
-is instructions per decode: slower to get, but not moved by other load on the machine. Prints one
+is instructions per decode: slower to get, but not moved by other load on the machine (it needs
+valgrind: apt-get install valgrind). Prints one
 line per benchmark: both figures and OTHER / BASE (below 1: the other build does better).
 """
 
