@@ -19,7 +19,7 @@
 #include <string>
 #include <variant>
 
-#include "checkout/CheckoutBridge.h"
+#include "checkout/bridge/CheckoutBridge.h"
 #include "platform/ScriptMessage.h"
 
 namespace {

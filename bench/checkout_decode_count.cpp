@@ -17,7 +17,7 @@
 #include <string>
 #include <string_view>
 
-#include "checkout/CheckoutBridge.h"
+#include "checkout/bridge/CheckoutBridge.h"
 
 // Not static and not inlined, so that callgrind can select it by name.
 extern "C" __attribute__((noinline)) void vemba_bench_run(bool decode, const std::string* text,

@@ -7,8 +7,10 @@
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-set(VEMBA_CORE_OBJECTS $<TARGET_OBJECTS:vemba_common> $<TARGET_OBJECTS:vemba_checkout>
-                       $<TARGET_OBJECTS:vemba_ads>)
+set(VEMBA_CORE_OBJECTS $<TARGET_OBJECTS:vemba_common> $<TARGET_OBJECTS:vemba_ads>)
+foreach(part config errors events bridge webview sheet)  # src/checkout's parts
+  list(APPEND VEMBA_CORE_OBJECTS $<TARGET_OBJECTS:vemba_checkout_${part}>)
+endforeach()
 
 # The backend a library carries, checked by CMake when a host links both (see
 # COMPATIBLE_INTERFACE_STRING below): a host gets one backend or a configure error.

@@ -31,12 +31,12 @@
 #include <variant>
 
 #include "FakePlatform.h"
-#include "checkout/BridgeEnvelope.h"
-#include "checkout/CheckoutBridge.h"
-#include "checkout/CheckoutErrorEventDecoder.h"
-#include "checkout/CheckoutErrorMapping.h"
-#include "checkout/ContractViolation.h"
-#include "checkout/OSLogger.h"
+#include "checkout/bridge/BridgeEnvelope.h"
+#include "checkout/bridge/CheckoutBridge.h"
+#include "checkout/bridge/CheckoutErrorEventDecoder.h"
+#include "checkout/webview/CheckoutErrorMapping.h"
+#include "checkout/config/ContractViolation.h"
+#include "checkout/config/OSLogger.h"
 #include "checkout/events/FreeFormJson.h"
 #include "checkout/events/WebPixelsEventCoding.h"
 #include "platform/ScriptMessage.h"

@@ -13,7 +13,7 @@
 #include "MainLoop.h"
 #include "ProcessTree.h"
 #include "ResidentMemory.h"
-#include "checkout/CheckoutWebView.h"
+#include "checkout/webview/CheckoutWebView.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/linux/Screens.h"
 

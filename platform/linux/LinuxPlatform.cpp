@@ -3,6 +3,7 @@
 #include "GlibLogSink.h"
 #include "GlibMainQueue.h"
 #include "LinuxDevice.h"
+#include "LinuxUi.h"
 #include "platform/Services.h"
 #include "ui/GtkApplication.h"
 #include "ui/GtkUi.h"
@@ -33,7 +34,7 @@ struct LinuxServices {
     services.log = &log;
     // GTK is initialised on the first call, on the main thread, so a process that never shows
     // anything never connects to a display.
-    services.ui = [] { return gtkUi(); };
+    services.ui = [] { return linuxUi(); };
     services.application = [] { return gtkApplication(); };
     services.uiStarted = [] { return gtkStarted(); };
   }

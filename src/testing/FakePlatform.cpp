@@ -8,9 +8,9 @@
 #include "ads/core/UserAgentFetcher.h"
 #include "ads/core/VembaSDKForTesting.h"
 #include "ads/formats/VembaWebViewController.h"
-#include "checkout/CheckoutViewControllerImpl.h"
-#include "checkout/CheckoutWebViewController.h"
-#include "checkout/GlobalsForTesting.h"
+#include "checkout/sheet/CheckoutViewControllerImpl.h"
+#include "checkout/sheet/CheckoutWebViewController.h"
+#include "checkout/sheet/GlobalsForTesting.h"
 
 namespace vemba::testing {
 namespace {

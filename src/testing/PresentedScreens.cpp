@@ -4,11 +4,11 @@
 
 #include "FakePlatformAccess.h"
 #include "ads/formats/VembaWebViewController.h"
-#include "checkout/BridgeEnvelope.h"
-#include "checkout/CheckoutBridge.h"
-#include "checkout/CheckoutViewControllerImpl.h"
-#include "checkout/CheckoutWebView.h"
-#include "checkout/CheckoutWebViewController.h"
+#include "checkout/bridge/BridgeEnvelope.h"
+#include "checkout/bridge/CheckoutBridge.h"
+#include "checkout/sheet/CheckoutViewControllerImpl.h"
+#include "checkout/webview/CheckoutWebView.h"
+#include "checkout/sheet/CheckoutWebViewController.h"
 
 namespace vemba::testing {
 namespace {

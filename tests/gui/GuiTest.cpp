@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-#include "ui/GtkUi.h"
+#include "LinuxUi.h"
 
 #if defined(VEMBA_GUI_TESTS_UNDER_SANITIZERS)
 // Sanitizer suppressions, by named library only (defined here, in the object every GUI test
@@ -39,7 +39,7 @@ void GuiTest::SetUp() {
     handlers_.emplace_back(
         domain, g_log_set_handler(domain, G_LOG_LEVEL_CRITICAL, failOnCritical, nullptr));
   }
-  ui = linux_platform::gtkUi();
+  ui = linux_platform::linuxUi();
   ASSERT_NE(ui, nullptr) << "GTK could not be initialised on this display";
   window = GTK_WINDOW(gtk_window_new());
   gtk_window_set_default_size(window, kWindowWidth, kWindowHeight);

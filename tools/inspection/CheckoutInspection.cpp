@@ -2,9 +2,9 @@
 #include <nlohmann/json.hpp>
 
 #include "Inspection.h"
-#include "checkout/CheckoutBridge.h"
-#include "checkout/CheckoutErrorCoding.h"
-#include "checkout/CheckoutErrorMapping.h"
+#include "checkout/bridge/CheckoutBridge.h"
+#include "checkout/errors/CheckoutErrorCoding.h"
+#include "checkout/webview/CheckoutErrorMapping.h"
 #include "checkout/events/CheckoutCompletedEventCoding.h"
 #include "checkout/events/PixelEventCoding.h"
 #include "platform/ScriptMessage.h"

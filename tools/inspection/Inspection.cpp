@@ -2,9 +2,9 @@
 
 #include <gtk/gtk.h>
 
-#include "checkout/CheckoutViewControllerImpl.h"
-#include "checkout/CheckoutWebView.h"
-#include "checkout/CheckoutWebViewController.h"
+#include "checkout/sheet/CheckoutViewControllerImpl.h"
+#include "checkout/webview/CheckoutWebView.h"
+#include "checkout/sheet/CheckoutWebViewController.h"
 #include "platform/Screen.h"
 #include "platform/Services.h"
 #include "platform/View.h"

@@ -230,7 +230,7 @@ void GtkHostApplication::open(const Url& url) {
 
 platform::Application* gtkApplication() {
   static GtkHostApplication application;
-  if (gtkUi() == nullptr) {
+  if (!startGtk()) {
     return nullptr;
   }
   watchWindowActivations();

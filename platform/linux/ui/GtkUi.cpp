@@ -13,7 +13,6 @@
 #include "GtkViewBase.h"
 #include "platform/LogSink.h"
 #include "platform/Services.h"
-#include "web/WebViewFactory.h"
 
 namespace vemba::linux_platform {
 
@@ -139,23 +138,6 @@ std::shared_ptr<platform::ProgressBar> GtkUi::createProgressBar() {
   return std::make_shared<GtkProgressBarView>();
 }
 
-std::shared_ptr<platform::UserContentController> GtkUi::createUserContentController() {
-  return linux_platform::createUserContentController();
-}
-
-std::shared_ptr<platform::WebView> GtkUi::createWebView(
-    platform::Rect frame, const platform::WebViewConfiguration& configuration) {
-  return linux_platform::createWebView(frame, configuration);
-}
-
-void GtkUi::prepareWebView(std::function<void()> lost) {
-  linux_platform::prepareWebView(std::move(lost));
-}
-
-void GtkUi::releasePreparedWebView() {
-  linux_platform::releasePreparedWebView();
-}
-
 std::shared_ptr<platform::EmitterLayer> GtkUi::createEmitterLayer() {
   return std::make_shared<GtkEmitterLayer>();
 }
@@ -186,17 +168,17 @@ bool gtkStarted() {
   return gtk_is_initialized() != FALSE;
 }
 
-platform::Ui* gtkUi() {
-  // Lives for the process, like GTK itself; a failed initialisation is not retried.
-  static const std::unique_ptr<GtkUi> made = []() -> std::unique_ptr<GtkUi> {
+bool startGtk() {
+  // A failed initialisation is not retried.
+  static const bool started = [] {
     if (gtk_init_check() == FALSE) {
       log(platform::LogSeverity::error, kNoDisplayLine);
-      return nullptr;
+      return false;
     }
     watchWindowActivations();
-    return std::make_unique<GtkUi>();
+    return true;
   }();
-  return made.get();
+  return started;
 }
 
 }  // namespace vemba::linux_platform

@@ -1,5 +1,6 @@
-// The GTK user-interface factory (platform::Ui). Made once, lazily, on the main thread by
-// gtkUi(); lives for the process. Main thread only.
+// The GTK half of the user-interface factory (platform::Ui): screens, views, controls, layout and
+// animation. Web views are left to a subclass (LinuxUi.h, which joins the WebKitGTK half), so
+// that this folder never depends on web/. Main thread only.
 #pragma once
 
 #include <chrono>
@@ -13,7 +14,7 @@
 
 namespace vemba::linux_platform {
 
-class GtkUi final : public platform::Ui {
+class GtkUi : public platform::Ui {
  public:
   static constexpr std::string_view kUserInterfaceSystemVersion = "26.0";
 
@@ -23,13 +24,7 @@ class GtkUi final : public platform::Ui {
   std::shared_ptr<platform::View> createView() override;
   std::shared_ptr<platform::Button> createButton() override;
   std::shared_ptr<platform::ProgressBar> createProgressBar() override;
-  std::shared_ptr<platform::UserContentController> createUserContentController() override;
-  std::shared_ptr<platform::WebView> createWebView(
-      platform::Rect frame, const platform::WebViewConfiguration& configuration) override;
   std::shared_ptr<platform::EmitterLayer> createEmitterLayer() override;
-  // Keeps one web process running for the next ad view (see web/WarmWebView.h).
-  void prepareWebView(std::function<void()> lost) override;
-  void releasePreparedWebView() override;
 
   // Safe-area anchors are the view's own edges: a desktop window has no insets.
   void activate(const std::vector<platform::LayoutConstraint>& constraints) override;
@@ -48,10 +43,10 @@ class GtkUi final : public platform::Ui {
   double currentMediaTime() const override;
 };
 
-// The process's GTK user interface: initialises GTK on the first call (gtk_init_check()); null,
+// Initialises GTK on the first call (gtk_init_check()) and says whether it is usable; false,
 // after one error line in the log, when there is no display. Main thread only.
-platform::Ui* gtkUi();
-// True once GTK is initialised, by the host or by gtkUi(); never initialises it.
+bool startGtk();
+// True once GTK is initialised, by the host or by startGtk(); never initialises it.
 bool gtkStarted();
 
 }  // namespace vemba::linux_platform

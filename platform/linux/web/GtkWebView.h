@@ -7,7 +7,7 @@
 
 #include <memory>
 
-#include "GtkViewBase.h"
+#include "ui/GtkViewBase.h"
 #include "LiveObjects.h"
 #include "WebViewDriver.h"
 #include "platform/WebView.h"

@@ -8,7 +8,7 @@
 
 #include "ads/core/VembaLogger.h"
 #include "ads/formats/AdWebViewPreparation.h"
-#include "checkout/MessageHandler.h"
+#include "checkout/webview/MessageHandler.h"
 #include "common/JsonDecoding.h"
 #include "platform/Application.h"
 #include "platform/MainQueue.h"

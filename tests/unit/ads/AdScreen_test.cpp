@@ -212,7 +212,7 @@ TEST_F(AdScreenTest, ADeadPageIsReloadedOnceAndTheRetryIsABudgetOfItsOwn) {
 
 // The controller hears only its own channel, and logs whatever arrives. What the page may say on
 // it is checked through the ads it shows (AdShow_test) and end to end, with everything it may
-// not say, by AdShow_itest.
+// not say, by AdShow_test.
 TEST_F(AdScreenTest, MessagesOnAnotherChannelAreLoggedAndIgnored) {
   auto controller = shownController();
   auto& content = dynamic_cast<fake::FakeUserContentController&>(

@@ -1,4 +1,4 @@
-#include "checkout/CheckoutBridge.h"
+#include "checkout/bridge/CheckoutBridge.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,10 +8,10 @@
 #include <nlohmann/json.hpp>
 
 #include "CheckoutTestSupport.h"
-#include "checkout/BridgeEnvelope.h"
-#include "checkout/CheckoutErrorEventDecoder.h"
-#include "checkout/ContractViolation.h"
-#include "checkout/OSLogger.h"
+#include "checkout/bridge/BridgeEnvelope.h"
+#include "checkout/bridge/CheckoutErrorEventDecoder.h"
+#include "checkout/config/ContractViolation.h"
+#include "checkout/config/OSLogger.h"
 #include "common/JsonDecoding.h"
 #include "platform/ScriptEvaluator.h"
 #include "platform/ScriptMessage.h"

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "CheckoutTestSupport.h"
-#include "checkout/events/CheckoutCompletedEventDecoder.h"
+#include "checkout/bridge/CheckoutCompletedEventDecoder.h"
 #include "vemba/checkout/EventJson.h"
 
 namespace vemba::checkout {

@@ -1,10 +1,10 @@
-#include "checkout/CheckoutErrorMapping.h"
+#include "checkout/webview/CheckoutErrorMapping.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "CheckoutTestSupport.h"
-#include "checkout/OSLogger.h"
+#include "checkout/config/OSLogger.h"
 #include "vemba/checkout/EventJson.h"
 
 namespace vemba::checkout {

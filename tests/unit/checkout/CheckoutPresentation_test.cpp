@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "CheckoutScreenTestSupport.h"
-#include "checkout/ProgressBarView.h"
+#include "checkout/sheet/ProgressBarView.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutSheet.h"
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "CheckoutScreenTestSupport.h"
-#include "checkout/ProgressBarView.h"
+#include "checkout/sheet/ProgressBarView.h"
 #include "platform/UrlErrorCode.h"
 #include "vemba/checkout/Checkout.h"
 

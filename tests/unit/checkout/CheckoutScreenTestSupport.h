@@ -11,12 +11,12 @@
 #include <vector>
 
 #include "CheckoutTestSupport.h"
-#include "checkout/CheckoutBridge.h"
-#include "checkout/CheckoutViewControllerImpl.h"
-#include "checkout/CheckoutWebView.h"
-#include "checkout/CheckoutWebViewController.h"
-#include "checkout/CheckoutWebViewDelegate.h"
-#include "checkout/OSLogger.h"
+#include "checkout/bridge/CheckoutBridge.h"
+#include "checkout/sheet/CheckoutViewControllerImpl.h"
+#include "checkout/webview/CheckoutWebView.h"
+#include "checkout/sheet/CheckoutWebViewController.h"
+#include "checkout/webview/CheckoutWebViewDelegate.h"
+#include "checkout/config/OSLogger.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutDelegate.h"
 

@@ -1,8 +1,8 @@
-#include "checkout/CheckoutURL.h"
+#include "checkout/webview/CheckoutURL.h"
 
 #include <gtest/gtest.h>
 
-#include "checkout/ExternalLink.h"
+#include "checkout/webview/ExternalLink.h"
 #include "unit/FakePlatformTest.h"
 
 namespace vemba::checkout {

@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "CheckoutScreenTestSupport.h"
-#include "checkout/ConfigurationStore.h"
+#include "checkout/config/ConfigurationStore.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutSheet.h"
 

@@ -1,9 +1,9 @@
-#include "checkout/CheckoutWebView.h"
+#include "checkout/webview/CheckoutWebView.h"
 
 #include <gtest/gtest.h>
 
 #include "CheckoutScreenTestSupport.h"
-#include "checkout/InstrumentationPayload.h"
+#include "checkout/bridge/InstrumentationPayload.h"
 #include "platform/UrlErrorCode.h"
 #include "unit/CommaDecimalLocale.h"
 #include "vemba/checkout/Checkout.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "CheckoutTestSupport.h"
-#include "checkout/ConfigurationStore.h"
+#include "checkout/config/ConfigurationStore.h"
 
 namespace vemba::checkout {
 namespace {

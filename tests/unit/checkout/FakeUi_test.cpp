@@ -1,4 +1,4 @@
-// The fake user interface keeps the seam's timing, as the GTK screens do (Screens_gtest): the
+// The fake user interface keeps the seam's timing, as the GTK screens do (Screens_test): the
 // core's tests would hide re-entrancy faults if completions ran inside the calls.
 #include <gtest/gtest.h>
 

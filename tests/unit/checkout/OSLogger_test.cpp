@@ -1,11 +1,11 @@
-#include "checkout/OSLogger.h"
+#include "checkout/config/OSLogger.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "CheckoutTestSupport.h"
-#include "checkout/ConfigurationStore.h"
-#include "checkout/GlobalsForTesting.h"
+#include "checkout/config/ConfigurationStore.h"
+#include "checkout/sheet/GlobalsForTesting.h"
 #include "vemba/checkout/LogLevel.h"
 
 namespace vemba::checkout {

@@ -10,7 +10,7 @@ namespace {
 using ColorScheme = UserAgent::ColorScheme;
 
 // How the user agent is put together is checked on the views it is given to (CheckoutWebView_test)
-// and on the wire (CheckoutSheet_itest); here, the raw values it and the hosts' options use.
+// and on the wire (CheckoutSheet_test); here, the raw values it and the hosts' options use.
 TEST(UserAgentTest, RawValuesRoundTripAndRejectAnythingElse) {
   for (const char* raw : {"light", "dark", "automatic", "web_default"}) {
     EXPECT_EQ(rawValue(colorSchemeFrom(raw).value()), raw);

@@ -1,4 +1,4 @@
-#include "checkout/events/WebPixelsEventDecoder.h"
+#include "checkout/bridge/WebPixelsEventDecoder.h"
 
 #include <gtest/gtest.h>
 
