@@ -3,8 +3,8 @@
 #include <gtk/gtk.h>
 
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
-#include "checkout/webview/CheckoutWebView.h"
 #include "checkout/sheet/CheckoutWebViewController.h"
+#include "checkout/webview/CheckoutWebView.h"
 #include "platform/Screen.h"
 #include "platform/Services.h"
 #include "platform/View.h"
