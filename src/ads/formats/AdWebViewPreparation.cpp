@@ -1,7 +1,9 @@
 #include "ads/formats/AdWebViewPreparation.h"
 
+#include <chrono>
 #include <utility>
 
+#include "platform/MainQueue.h"
 #include "platform/Services.h"
 #include "platform/Ui.h"
 #include "platform/WebView.h"
@@ -9,11 +11,18 @@
 namespace vemba::ads {
 namespace {
 
+// How long a readied web view outlives the last claim. A host that drops its ready ads and loads
+// new ones (or an ad that fails a reload and then loads again) keeps one waiting web process over
+// the gap instead of ending it and starting another, which would cost the main loop a process
+// start and end each time.
+constexpr std::chrono::milliseconds kReleaseGrace{3000};
+
 struct Preparation {
   int claims = 0;          // ready ads, and ad screens that have not made their web view yet
   bool requested = false;  // the platform readied a web view that no web view has consumed
   unsigned generation = 0;
-  unsigned request = 0;  // counts the requests, so that a late word of a lost one is known
+  unsigned request = 0;     // counts the requests, so that a late word of a lost one is known
+  unsigned claimsMade = 0;  // so that a release due after the grace knows a claim came between
 };
 
 Preparation& state() {
@@ -42,8 +51,16 @@ void reconcile() {
       }
     });
   } else if (preparation.claims == 0 && preparation.requested) {
-    preparation.requested = false;
-    ui->releasePreparedWebView();
+    platform::services().mainQueue->postAfter(
+        kReleaseGrace, [claimsMade = preparation.claimsMade, generation = preparation.generation] {
+          Preparation& current = state();
+          platform::Ui* startedUi = platform::uiIfStarted();
+          if (current.generation == generation && current.claimsMade == claimsMade &&
+              current.claims == 0 && current.requested && startedUi != nullptr) {
+            current.requested = false;
+            startedUi->releasePreparedWebView();
+          }
+        });
   }
 }
 
@@ -51,6 +68,7 @@ void reconcile() {
 
 PreparedWebViewClaim::PreparedWebViewClaim() : generation_(state().generation) {
   ++state().claims;
+  ++state().claimsMade;
   reconcile();
 }
 

@@ -6,9 +6,10 @@
 // load fails, or until the ad goes away. The platform is asked to ready a web view when the first
 // claim appears (if its user interface is up: readying is not worth starting it), and again when an
 // ad screen has consumed it while other ads are still ready; it is told to release what it readied
-// when the last claim goes without a web view consuming it. At most one readied web view is asked
-// for at a time. One whose process dies before a show is forgotten: that show's web view starts a
-// process of its own, and the next one is readied after it. Main thread only; the state is
+// once no claim has been held for a grace period (3 s) since the last went without a web view
+// consuming it. At most one readied web view is asked for at a time. One whose process dies
+// before a show is forgotten: that show's web view starts a process of its own, and the next one
+// is readied after it. Main thread only; the state is
 // process-wide, like the platform services it talks to.
 #pragma once
 

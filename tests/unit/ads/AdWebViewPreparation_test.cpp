@@ -1,10 +1,11 @@
 // When the ad path asks the platform to ready a web view for the next ad screen, and to release
 // it: readied once an ad is ready and before its host hears of it, never for a failed load, once
 // for any number of ready ads, again after an ad screen's web view consumed it while another ad
-// is still ready; released when the last ready ad stops being ready without a show; forgotten when
-// its process dies.
+// is still ready; released once no ad has been ready for the grace period after the last stopped
+// being ready without a show; forgotten when its process dies.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,6 +18,7 @@ namespace vemba::tests {
 namespace {
 
 constexpr const char* kPage = "https://127.0.0.1/creative.html";
+constexpr auto kGrace = std::chrono::milliseconds(3000);
 
 // Notes how many hints the platform had when each adDidLoad arrived.
 struct HintWatchingDelegate : RecordingDelegate {
@@ -82,6 +84,7 @@ TYPED_TEST(AdWebViewPreparationTest, TheAdScreensWebViewConsumesItAndAnotherRead
 
   EXPECT_EQ(this->releases(), 0);
   second.reset();  // the host lets the other ready ad go
+  this->fakePlatform.advance(kGrace);
   EXPECT_EQ(this->releases(), 1);
 
   // With no ad ready, a shown ad's close asks for nothing.
@@ -100,16 +103,23 @@ TYPED_TEST(AdWebViewPreparationTest, TheAdScreensWebViewConsumesItAndAnotherRead
   EXPECT_EQ(this->hints(), 3);
 }
 
-TYPED_TEST(AdWebViewPreparationTest, ReleasedWhenTheLastReadyAdStopsBeingReadyWithoutAShow) {
+TYPED_TEST(AdWebViewPreparationTest, ReleasedOnceNoAdHasBeenReadyForTheGrace) {
   auto first = TypeParam::create("u"), second = TypeParam::create("v");
   this->answer(first, /*usable=*/true);
   this->answer(second, /*usable=*/true);
 
   this->answer(first, /*usable=*/false);  // a failed reload ends readiness
-  EXPECT_EQ(this->releases(), 0);         // `second` still needs it
   second.reset();                         // a ready ad released by its host
-  EXPECT_EQ(this->releases(), 1);
+  // Kept over the grace, which counts from the last ready ad's going: a ready ad within it takes
+  // the same readied view.
+  this->fakePlatform.advance(kGrace / 2);
+  this->answer(first, /*usable=*/true);
   first.reset();
+  this->fakePlatform.advance(kGrace - std::chrono::milliseconds(1));
+  EXPECT_EQ(this->releases(), 0);
+  this->fakePlatform.advance(std::chrono::milliseconds(1));
+  EXPECT_EQ(this->releases(), 1);
+  this->fakePlatform.advance(kGrace);
   EXPECT_EQ(this->releases(), 1);
   EXPECT_EQ(this->hints(), 1);
 }
