@@ -14,6 +14,8 @@ section() { printf '\n==== %s ====\n' "$*"; }
 
 section "format"
 scripts/check-format.sh
+section "test share"
+scripts/check-test-share.sh
 
 for preset in ci asan-ubsan tsan; do
   section "build ($preset)"
