@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <map>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,11 +34,7 @@ struct SdkToWebEvent {
   friend bool operator==(const SdkToWebEvent&, const SdkToWebEvent&) = default;
 };
 
-// JSON coding. Keys: "detail"; "name", "value", "type", "tags". Encoding throws
-// nlohmann::json::exception when a string is not valid UTF-8.
-nlohmann::json encodeInstrumentationPayload(const InstrumentationPayload& payload);
-nlohmann::json encodeSdkToWebEvent(const SdkToWebEvent<InstrumentationPayload>& event);
-
+// JSON coding, keys "detail"; "name", "value", "type", "tags".
 // The JSON text of `event`, or absent when it cannot be encoded; the failure is then written to
 // the log sink at error severity, whatever the kit's log level, as
 // "toJson() unencodableInstrumentation(<error>)".
