@@ -6,7 +6,7 @@ packages=(
   build-essential cmake ninja-build pkg-config git
   nlohmann-json3-dev liburiparser-dev libcurl4-openssl-dev libglib2.0-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  clang-14 libclang-rt-14-dev clang-format-14
+  clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14
   libgtk-4-dev libwebkitgtk-6.0-dev xvfb xauth libgl1-mesa-dri fonts-dejavu-core
   python3-gi gir1.2-gtk-4.0 gir1.2-webkit-6.0 xdotool
   python3 openssl ca-certificates locales

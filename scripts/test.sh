@@ -32,6 +32,10 @@ for preset in ci asan-ubsan tsan; do
   # A deterministic failure still fails; every retry is printed.
   GTK_A11Y=none NO_AT_BRIDGE=1 xvfb-run -a -s "-noreset -screen 0 1280x1024x24" \
     ctest --preset "$preset" -j "$jobs" --timeout 300 --repeat until-pass:2
+  if [[ $preset == ci ]]; then
+    section "clang-tidy (.clang-tidy)"
+    scripts/check-tidy.sh build/ci
+  fi
 done
 
 section "package"

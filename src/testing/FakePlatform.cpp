@@ -160,7 +160,7 @@ std::optional<PresentedAd> FakePlatform::presentedAd() const {
   }
   auto page = std::dynamic_pointer_cast<fake::FakeWebView>(controller->webView());
   return PresentedAd(std::make_shared<PresentedAd::State>(
-      PresentedAd::State{std::move(controller), std::move(page)}));
+      PresentedAd::State{controller, std::move(page)}));
 }
 
 std::optional<PresentedCheckout> FakePlatform::presentedCheckout() const {
@@ -170,7 +170,7 @@ std::optional<PresentedCheckout> FakePlatform::presentedCheckout() const {
   }
   std::string url = sheetPage(*sheet).checkoutURL().absoluteString();
   return PresentedCheckout(std::make_shared<PresentedCheckout::State>(
-      PresentedCheckout::State{std::move(sheet), std::move(url)}));
+      PresentedCheckout::State{sheet, std::move(url)}));
 }
 
 std::string bidResponse(std::string_view adPageUrl, std::string_view billingUrl) {

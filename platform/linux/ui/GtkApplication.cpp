@@ -214,7 +214,7 @@ bool GtkHostApplication::canOpenURL(const Url& url) const {
 }
 
 void GtkHostApplication::open(const Url& url) {
-  const std::string text = url.absoluteString();
+  const std::string& text = url.absoluteString();
   if (const UrlOpener opener = hostOpener()) {
     if (const std::optional<std::string> thrown = callHost([&] { opener(text); })) {
       log(platform::LogSeverity::error, std::string(kOpenerThrewLine) + *thrown);
