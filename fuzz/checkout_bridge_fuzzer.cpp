@@ -34,11 +34,11 @@
 #include "checkout/bridge/BridgeEnvelope.h"
 #include "checkout/bridge/CheckoutBridge.h"
 #include "checkout/bridge/CheckoutErrorEventDecoder.h"
-#include "checkout/webview/CheckoutErrorMapping.h"
 #include "checkout/config/ContractViolation.h"
 #include "checkout/config/OSLogger.h"
 #include "checkout/events/FreeFormJson.h"
 #include "checkout/events/WebPixelsEventCoding.h"
+#include "checkout/webview/CheckoutErrorMapping.h"
 #include "platform/ScriptMessage.h"
 #include "vemba/checkout/EventJson.h"
 

@@ -159,8 +159,8 @@ std::optional<PresentedAd> FakePlatform::presentedAd() const {
     return std::nullopt;
   }
   auto page = std::dynamic_pointer_cast<fake::FakeWebView>(controller->webView());
-  return PresentedAd(std::make_shared<PresentedAd::State>(
-      PresentedAd::State{controller, std::move(page)}));
+  return PresentedAd(
+      std::make_shared<PresentedAd::State>(PresentedAd::State{controller, std::move(page)}));
 }
 
 std::optional<PresentedCheckout> FakePlatform::presentedCheckout() const {
@@ -169,8 +169,8 @@ std::optional<PresentedCheckout> FakePlatform::presentedCheckout() const {
     return std::nullopt;
   }
   std::string url = sheetPage(*sheet).checkoutURL().absoluteString();
-  return PresentedCheckout(std::make_shared<PresentedCheckout::State>(
-      PresentedCheckout::State{sheet, std::move(url)}));
+  return PresentedCheckout(
+      std::make_shared<PresentedCheckout::State>(PresentedCheckout::State{sheet, std::move(url)}));
 }
 
 std::string bidResponse(std::string_view adPageUrl, std::string_view billingUrl) {

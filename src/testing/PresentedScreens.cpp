@@ -7,8 +7,8 @@
 #include "checkout/bridge/BridgeEnvelope.h"
 #include "checkout/bridge/CheckoutBridge.h"
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
-#include "checkout/webview/CheckoutWebView.h"
 #include "checkout/sheet/CheckoutWebViewController.h"
+#include "checkout/webview/CheckoutWebView.h"
 
 namespace vemba::testing {
 namespace {

@@ -1,5 +1,7 @@
 // The host application on GTK: windows, the key window (also while another application has the
 // focus), scenes, and who decides which URLs leave the application.
+#include "platform/Application.h"
+
 #include <gtk/gtk.h>
 
 #include <cstdlib>
@@ -8,7 +10,6 @@
 #include <vector>
 
 #include "GuiTest.h"
-#include "platform/Application.h"
 #include "platform/Services.h"
 #include "ui/GtkApplication.h"
 #include "vemba/linux/Screens.h"

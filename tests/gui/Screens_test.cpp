@@ -1,5 +1,7 @@
 // GTK screens inside a real window: the widgets and transitions the backend adds around the shared
 // presentation stack (the stack's own rules are tested on their own).
+#include "vemba/linux/Screens.h"
+
 #include <glib.h>
 #include <gtk/gtk.h>
 
@@ -9,7 +11,6 @@
 #include "GuiTest.h"
 #include "ui/GtkScreen.h"
 #include "ui/GtkViewBase.h"
-#include "vemba/linux/Screens.h"
 
 namespace vemba::gui_test {
 namespace {

@@ -1,8 +1,9 @@
 // The table from WebKitGTK's load failures to the seam's navigation errors. Needs no display.
+#include "WebErrorMap.h"
+
 #include <gtest/gtest.h>
 #include <webkit/webkit.h>
 
-#include "WebErrorMap.h"
 #include "platform/UrlErrorCode.h"
 
 namespace vemba::linux_platform {

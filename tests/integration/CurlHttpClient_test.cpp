@@ -1,4 +1,6 @@
 // The libcurl HTTP client against the local exchange over loopback TLS.
+#include "CurlHttpClient.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,7 +11,6 @@
 #include <mutex>
 #include <set>
 
-#include "CurlHttpClient.h"
 #include "ExchangeTest.h"
 #include "HttpTestSupport.h"
 #include "LocalExchange.h"

@@ -1,4 +1,6 @@
 // The GLib main queue, run by iterating the default main context on the test's (main) thread.
+#include "GlibMainQueue.h"
+
 #include <glib.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,7 +14,6 @@
 #include <vector>
 
 #include "FakeMainQueue.h"
-#include "GlibMainQueue.h"
 #include "MainLoop.h"
 
 namespace vemba::tests {

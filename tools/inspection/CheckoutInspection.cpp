@@ -4,9 +4,9 @@
 #include "Inspection.h"
 #include "checkout/bridge/CheckoutBridge.h"
 #include "checkout/errors/CheckoutErrorCoding.h"
-#include "checkout/webview/CheckoutErrorMapping.h"
 #include "checkout/events/CheckoutCompletedEventCoding.h"
 #include "checkout/events/PixelEventCoding.h"
+#include "checkout/webview/CheckoutErrorMapping.h"
 #include "platform/ScriptMessage.h"
 
 namespace vemba::inspection {

@@ -7,10 +7,10 @@
 
 #include <memory>
 
-#include "ui/GtkViewBase.h"
 #include "LiveObjects.h"
 #include "WebViewDriver.h"
 #include "platform/WebView.h"
+#include "ui/GtkViewBase.h"
 
 namespace vemba::linux_platform {
 

@@ -3,10 +3,10 @@
 #include <nlohmann/json.hpp>
 
 #include "checkout/bridge/BridgeEnvelope.h"
-#include "checkout/bridge/CheckoutErrorEventDecoder.h"
-#include "checkout/config/ContractViolation.h"
 #include "checkout/bridge/CheckoutCompletedEventDecoder.h"
+#include "checkout/bridge/CheckoutErrorEventDecoder.h"
 #include "checkout/bridge/WebPixelsEventDecoder.h"
+#include "checkout/config/ContractViolation.h"
 #include "common/JsonDecoding.h"
 #include "platform/ScriptEvaluator.h"
 #include "platform/ScriptMessage.h"

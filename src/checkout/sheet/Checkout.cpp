@@ -3,10 +3,10 @@
 #include <string>
 #include <string_view>
 
-#include "checkout/sheet/CheckoutViewControllerImpl.h"
-#include "checkout/webview/CheckoutWebView.h"
 #include "checkout/config/ConfigurationStore.h"
 #include "checkout/config/OSLogger.h"
+#include "checkout/sheet/CheckoutViewControllerImpl.h"
+#include "checkout/webview/CheckoutWebView.h"
 #include "platform/Screen.h"
 #include "platform/Services.h"
 

@@ -2,10 +2,10 @@
 
 #include <string_view>
 
-#include "checkout/sheet/CheckoutViewControllerImpl.h"
-#include "checkout/sheet/CheckoutWebViewController.h"
 #include "checkout/config/ConfigurationStore.h"
 #include "checkout/config/OSLogger.h"
+#include "checkout/sheet/CheckoutViewControllerImpl.h"
+#include "checkout/sheet/CheckoutWebViewController.h"
 #include "platform/Services.h"
 
 namespace vemba::checkout {

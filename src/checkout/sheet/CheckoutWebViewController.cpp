@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "checkout/webview/CheckoutURL.h"
-#include "checkout/webview/CheckoutWebView.h"
 #include "checkout/config/OSLogger.h"
 #include "checkout/sheet/ProgressBarView.h"
+#include "checkout/webview/CheckoutURL.h"
+#include "checkout/webview/CheckoutWebView.h"
 #include "common/HostCall.h"
 #include "platform/Services.h"
 #include "platform/Ui.h"

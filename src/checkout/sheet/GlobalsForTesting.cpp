@@ -1,8 +1,8 @@
 #include "checkout/sheet/GlobalsForTesting.h"
 
-#include "checkout/webview/CheckoutWebView.h"
 #include "checkout/config/ConfigurationStore.h"
 #include "checkout/config/OSLogger.h"
+#include "checkout/webview/CheckoutWebView.h"
 
 namespace vemba::checkout {
 

@@ -1,7 +1,7 @@
 #include "checkout/webview/CheckoutErrorMapping.h"
 
-#include "checkout/errors/HttpStatusPhrase.h"
 #include "checkout/config/OSLogger.h"
+#include "checkout/errors/HttpStatusPhrase.h"
 #include "platform/UrlErrorCode.h"
 #include "platform/WebProcessTermination.h"
 

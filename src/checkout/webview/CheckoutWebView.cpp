@@ -6,13 +6,13 @@
 #include <utility>
 
 #include "checkout/bridge/CheckoutBridge.h"
+#include "checkout/bridge/InstrumentationPayload.h"
+#include "checkout/config/OSLogger.h"
 #include "checkout/webview/CheckoutErrorMapping.h"
 #include "checkout/webview/CheckoutURL.h"
 #include "checkout/webview/ConfettiCannon.h"
 #include "checkout/webview/ExternalLink.h"
-#include "checkout/bridge/InstrumentationPayload.h"
 #include "checkout/webview/MessageHandler.h"
-#include "checkout/config/OSLogger.h"
 #include "common/HostCall.h"
 #include "platform/Clock.h"
 #include "platform/Services.h"

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <string_view>
 
-#include "checkout/webview/CheckoutWebView.h"
 #include "checkout/config/ConfigurationStore.h"
 #include "checkout/config/OSLogger.h"
+#include "checkout/webview/CheckoutWebView.h"
 #include "platform/Clock.h"
 #include "platform/Services.h"
 #include "vemba/checkout/Configuration.h"

@@ -12,11 +12,11 @@
 
 #include "CheckoutTestSupport.h"
 #include "checkout/bridge/CheckoutBridge.h"
-#include "checkout/sheet/CheckoutViewControllerImpl.h"
-#include "checkout/webview/CheckoutWebView.h"
-#include "checkout/sheet/CheckoutWebViewController.h"
-#include "checkout/webview/CheckoutWebViewDelegate.h"
 #include "checkout/config/OSLogger.h"
+#include "checkout/sheet/CheckoutViewControllerImpl.h"
+#include "checkout/sheet/CheckoutWebViewController.h"
+#include "checkout/webview/CheckoutWebView.h"
+#include "checkout/webview/CheckoutWebViewDelegate.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutDelegate.h"
 

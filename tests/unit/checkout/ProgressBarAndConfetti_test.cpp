@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "CheckoutScreenTestSupport.h"
-#include "checkout/webview/ConfettiCannon.h"
 #include "checkout/sheet/ProgressBarView.h"
+#include "checkout/webview/ConfettiCannon.h"
 #include "vemba/checkout/Checkout.h"
 
 namespace vemba::checkout {
