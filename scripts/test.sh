@@ -27,8 +27,9 @@ for preset in ci asan-ubsan tsan; do
   # that arrive meanwhile (measured: about 2 % of connections under quick connect/disconnect), so
   # a test starting just as another ends would find no display.
   # A test that fails runs once more, and fails the run when it fails again: one end-to-end test
-  # (InProcessScreensTest.AnAdIsModal...) failed about once in ten runs on a loaded machine, and
-  # the fix of its likely cause is not confirmed yet (docs/RELIABILITY.md, "Known open fault").
+  # (InProcessScreensTest.AnAdIsModal...) failed about once in ten runs on a loaded machine; its
+  # cause is fixed, and the retry stays until the fix has held over many loaded runs
+  # (docs/RELIABILITY.md, "A fault found under load").
   # A deterministic failure still fails; every retry is printed.
   GTK_A11Y=none NO_AT_BRIDGE=1 xvfb-run -a -s "-noreset -screen 0 1280x1024x24" \
     ctest --preset "$preset" -j "$jobs" --timeout 300 --repeat until-pass:2

@@ -38,6 +38,7 @@ std::vector<Effect> NavigationMachine::feed(const navigation::Event& event) {
 }
 
 void NavigationMachine::documentArriving(Effects& effects) {
+  documentArrived_ = true;
   if (requestStarted_ && timerRunning_) {
     timerRunning_ = false;
     effects.push_back(just(Kind::cancelTimer));
@@ -59,6 +60,10 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Load& event) 
   timedOut_ = false;
   abandoned_ = false;
   trustReissues_ = 0;
+  cancelReissued_ = false;
+  reissueAtFinish_ = false;
+  loadStartPending_ = true;
+  ownNavigation_ = false;
   if (timerRunning_) {
     effects.push_back(just(Kind::cancelTimer));
   }
@@ -93,6 +98,8 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Started& /*ev
   started_ = true;
   committed_ = false;
   failed_ = false;
+  documentArrived_ = false;
+  ownNavigation_ = std::exchange(loadStartPending_, false);
   tlsErrors_ = 0;
   redirects_ = 0;
   requestStarted_ = request_.has_value();
@@ -120,6 +127,15 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Finished& /*e
     swallowFinish_ = false;
     return {};
   }
+  if (reissueAtFinish_) {
+    // The end of the navigation the engine cancelled on its own: the same request goes again,
+    // and the core, which allowed it and heard it start, hears nothing of the second attempt's
+    // beginning.
+    reissueAtFinish_ = false;
+    swallowAction_ = true;
+    swallowStart_ = true;
+    return {send(*request_)};
+  }
   Effects effects;
   if (requestStarted_) {
     // A FINISHED before the last load's STARTED belongs to the load it replaced.
@@ -130,6 +146,7 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Finished& /*e
     }
   }
   started_ = false;
+  ownNavigation_ = false;
   timedOut_ = false;
   if (!failed_) {
     effects.push_back(just(Kind::reportFinish));
@@ -145,6 +162,15 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Failed& event
     // The end of the navigation a trusted certificate's reissue replaced: the engine ends it with
     // a FINISHED or, when the reissue overtakes it (a loaded machine), with its cancellation.
     swallowFinish_ = false;
+    return {};
+  }
+  if (isCancellation(event.error) && ownNavigation_ && !timedOut_ && !documentArrived_ &&
+      !event.atCommit && !cancelReissued_) {
+    // Nothing stopped or replaced this load, yet the engine cancelled it before its document
+    // began to arrive (seen on a loaded machine, with several views starting at once). Rather than
+    // leave the page blank, it is loaded again once, when the cancelled navigation has finished.
+    cancelReissued_ = true;
+    reissueAtFinish_ = true;
     return {};
   }
   Effects effects;
@@ -225,6 +251,7 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Terminated& e
   swallowFinish_ = false;
   swallowAction_ = false;
   swallowStart_ = false;
+  reissueAtFinish_ = false;
   releaseWarmView(effects);  // the process it shared is gone
   effects.push_back(Effect{Kind::reportTerminated, {}, std::nullopt, std::nullopt, event.reason});
   return effects;

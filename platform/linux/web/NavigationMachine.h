@@ -7,7 +7,9 @@
 // decision, then a finish or one failure (provisional before the commit); a failure's trailing
 // FINISHED is silent. A certificate refused by the engine but vouched for by the bundle is
 // trusted and the request reissued (at most kMaxTrustReissues times per load); the refused
-// attempt's FINISHED and the reissue's action decision and start stay invisible.
+// attempt's FINISHED and the reissue's action decision and start stay invisible. A load that the
+// engine cancels on its own, started and not stopped, replaced or answered yet, is reissued the
+// same way, once per load; a second such cancellation is reported.
 //
 // The time-out of a load covers its document request only: the timer starts with the load and
 // stops once the main document's response has begun (its main-frame response decision or its
@@ -145,15 +147,19 @@ class NavigationMachine {
   // The last load, reissued as it was after its certificate was trusted.
   std::optional<platform::WebRequest> request_;
   bool timerRunning_ = false;
-  bool requestStarted_ = false;  // a STARTED came since the last load, and no FINISHED yet
-  bool timedOut_ = false;        // the time-out stopped the load: its cancellation reads -1001
-  bool abandoned_ = false;       // timed out before it started: its action is refused unasked
-  int trustReissues_ = 0;        // of the last load
+  bool requestStarted_ = false;    // a STARTED came since the last load, and no FINISHED yet
+  bool timedOut_ = false;          // the time-out stopped the load: its cancellation reads -1001
+  bool abandoned_ = false;         // timed out before it started: its action is refused unasked
+  int trustReissues_ = 0;          // of the last load
+  bool cancelReissued_ = false;    // the last load went again after the engine cancelled it
+  bool loadStartPending_ = false;  // the last load's own navigation has not started yet
 
   // The navigation in flight.
   bool started_ = false;
   bool committed_ = false;
-  bool failed_ = false;       // its failure was reported; its FINISHED stays silent
+  bool failed_ = false;           // its failure was reported; its FINISHED stays silent
+  bool documentArrived_ = false;  // its main document's response or commit came
+  bool ownNavigation_ = false;    // it is the last load's own (not a later one the page began)
   bool processGone_ = false;  // the process died since the last load: the engine's word is stale
   unsigned tlsErrors_ = 0;
   int redirects_ = 0;
@@ -163,6 +169,9 @@ class NavigationMachine {
   bool swallowFinish_ = false;
   bool swallowAction_ = false;
   bool swallowStart_ = false;
+  // The engine cancelled the live load on its own: it goes again at the cancelled navigation's
+  // FINISHED.
+  bool reissueAtFinish_ = false;
 };
 
 }  // namespace vemba::linux_platform
