@@ -32,8 +32,9 @@
 #include "LocalExchange.h"
 #include "MainLoop.h"
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
-#include "checkout/webview/CheckoutWebView.h"
 #include "checkout/sheet/CheckoutWebViewController.h"
+#include "checkout/webview/CheckoutState.h"
+#include "checkout/webview/CheckoutWebView.h"
 #include "platform/Services.h"
 #include "ui/GtkScreen.h"
 #include "ui/GtkViewBase.h"
@@ -122,7 +123,7 @@ class Bench {
     if (preloaded) {
       checkout::preload(url_);
       const std::shared_ptr<checkout::CheckoutWebView> cached =
-          checkout::CheckoutWebView::cachedView();
+          checkout::state().cache.cachedView();
       require(cached != nullptr, "the preload made no view");
       require(runMainLoopUntil(
                   [&] { return cached->webView().url() && !cached->webView().isLoading(); },

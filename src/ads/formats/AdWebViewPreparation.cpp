@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "ads/core/AdsState.h"
 #include "platform/Services.h"
 #include "platform/Ui.h"
 #include "platform/WebView.h"
@@ -9,22 +10,10 @@
 namespace vemba::ads {
 namespace {
 
-struct Preparation {
-  int claims = 0;          // ready ads, and ad screens that have not made their web view yet
-  bool requested = false;  // the platform readied a web view that no web view has consumed
-  unsigned generation = 0;
-  unsigned request = 0;  // counts the requests, so that a late word of a lost one is known
-};
-
-Preparation& state() {
-  static Preparation value;
-  return value;
-}
-
 // Brings the platform in line with the claims: something readied while any claim is held,
 // nothing otherwise.
-void reconcile() {
-  Preparation& preparation = state();
+void reconcile(const std::shared_ptr<WebViewPreparation>& shared) {
+  WebViewPreparation& preparation = *shared;
   // Not worth starting the user interface for: a process that has not started it shows no ad yet.
   platform::Ui* ui = platform::uiIfStarted();
   if (ui == nullptr) {
@@ -35,10 +24,10 @@ void reconcile() {
     // A readied process that dies is simply forgotten: the next ad screen starts a process of its
     // own, and only then is another readied (asking again at once could chase a process that
     // keeps dying).
-    ui->prepareWebView([request = ++preparation.request, generation = preparation.generation] {
-      Preparation& current = state();
-      if (current.request == request && current.generation == generation) {
-        current.requested = false;
+    ui->prepareWebView([request = ++preparation.request, weak = std::weak_ptr(shared)] {
+      const std::shared_ptr<WebViewPreparation> current = weak.lock();
+      if (current && current->request == request) {
+        current->requested = false;
       }
     });
   } else if (preparation.claims == 0 && preparation.requested) {
@@ -49,29 +38,23 @@ void reconcile() {
 
 }  // namespace
 
-PreparedWebViewClaim::PreparedWebViewClaim() : generation_(state().generation) {
-  ++state().claims;
-  reconcile();
+PreparedWebViewClaim::PreparedWebViewClaim() : preparation_(state().webViewPreparation) {
+  ++state().webViewPreparation->claims;
+  reconcile(state().webViewPreparation);
 }
 
 PreparedWebViewClaim::~PreparedWebViewClaim() {
-  if (generation_ != state().generation) {
-    return;
+  if (const std::shared_ptr<WebViewPreparation> preparation = preparation_.lock()) {
+    --preparation->claims;
+    reconcile(preparation);
   }
-  --state().claims;
-  reconcile();
 }
 
 namespace AdWebViewPreparation {
 
 void configureAdWebView(platform::WebViewConfiguration& configuration) {
   // Only what is still readied is worth starting in.
-  configuration.usesPreparedWebView = std::exchange(state().requested, false);
-}
-
-void resetForTesting() {
-  Preparation& preparation = state();
-  preparation = Preparation{.generation = preparation.generation + 1};
+  configuration.usesPreparedWebView = std::exchange(state().webViewPreparation->requested, false);
 }
 
 }  // namespace AdWebViewPreparation

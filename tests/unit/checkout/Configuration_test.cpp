@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "CheckoutTestSupport.h"
-#include "checkout/config/ConfigurationStore.h"
+#include "checkout/webview/CheckoutState.h"
 
 namespace vemba::checkout {
 namespace {
@@ -15,6 +15,8 @@ TEST_F(ConfigurationTest, TitleIsTheHostsLocalisedStringReadOnceOnFirstUse) {
   EXPECT_EQ(configuration().title, "Kasse");
   platform.device.localizedStrings = {{"checkout_sheet_title", "Caisse"}};
   EXPECT_EQ(configuration().title, "Kasse");
+  resetCheckoutStateForTesting();  // a fresh record reads the bundle again
+  EXPECT_EQ(configuration().title, "Caisse");
 }
 
 }  // namespace
