@@ -15,10 +15,6 @@ namespace vemba {
 template <typename T>
 class ProcessWide {
  public:
-  constexpr ProcessWide() = default;
-  ProcessWide(const ProcessWide&) = delete;
-  ProcessWide& operator=(const ProcessWide&) = delete;
-
   T& get() {
     if (T* existing = instance_.load(std::memory_order_acquire)) {
       return *existing;

@@ -12,10 +12,6 @@ namespace vemba {
 
 class UserAgentFetcher {
  public:
-  UserAgentFetcher() = default;
-  UserAgentFetcher(const UserAgentFetcher&) = delete;
-  UserAgentFetcher& operator=(const UserAgentFetcher&) = delete;
-
   // The process-wide cache, in the ad half's state.
   static UserAgentFetcher& shared();
 

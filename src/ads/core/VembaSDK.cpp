@@ -8,40 +8,32 @@
 #include "ads/formats/VembaWebViewController.h"
 
 namespace vemba {
-namespace {
-
-ads::AdsState::Sdk& sdkState() {
-  return ads::state().sdk;
-}
-
-}  // namespace
-
 VembaSDK& VembaSDK::shared() {
   static auto* const instance = new VembaSDK();
   return *instance;
 }
 
 std::optional<std::string> VembaSDK::apiKey() const {
-  ads::AdsState::Sdk& store = sdkState();
+  ads::AdsState::Sdk& store = ads::state().sdk;
   const std::lock_guard lock(store.mutex);
   return store.apiKey;
 }
 
 void VembaSDK::setPrivacy(VembaPrivacy privacy) {
-  ads::AdsState::Sdk& store = sdkState();
+  ads::AdsState::Sdk& store = ads::state().sdk;
   const std::lock_guard lock(store.mutex);
   store.privacy = std::move(privacy);
 }
 
 VembaPrivacy VembaSDK::privacy() const {
-  ads::AdsState::Sdk& store = sdkState();
+  ads::AdsState::Sdk& store = ads::state().sdk;
   const std::lock_guard lock(store.mutex);
   return store.privacy;
 }
 
 void VembaSDK::setApplicationMuted(bool muted) {
   {
-    ads::AdsState::Sdk& store = sdkState();
+    ads::AdsState::Sdk& store = ads::state().sdk;
     const std::lock_guard lock(store.mutex);
     store.muted = muted;
   }
@@ -49,13 +41,13 @@ void VembaSDK::setApplicationMuted(bool muted) {
 }
 
 bool VembaSDK::isApplicationMuted() const {
-  ads::AdsState::Sdk& store = sdkState();
+  ads::AdsState::Sdk& store = ads::state().sdk;
   const std::lock_guard lock(store.mutex);
   return store.muted;
 }
 
 double VembaSDK::adLifetimeSeconds() const {
-  ads::AdsState::Sdk& store = sdkState();
+  ads::AdsState::Sdk& store = ads::state().sdk;
   const std::lock_guard lock(store.mutex);
   return store.adLifetimeSeconds;
 }
@@ -63,7 +55,7 @@ double VembaSDK::adLifetimeSeconds() const {
 void VembaSDK::initialize(const VembaConfiguration& configuration,
                           const std::function<void(bool)>& completion) {
   {
-    ads::AdsState::Sdk& store = sdkState();
+    ads::AdsState::Sdk& store = ads::state().sdk;
     const std::lock_guard lock(store.mutex);
     store.apiKey = configuration.apiKey;
     store.adLifetimeSeconds = configuration.adLifetimeSeconds;

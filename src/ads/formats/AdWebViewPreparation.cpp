@@ -39,8 +39,9 @@ void reconcile(const std::shared_ptr<WebViewPreparation>& shared) {
 }  // namespace
 
 PreparedWebViewClaim::PreparedWebViewClaim() : preparation_(state().webViewPreparation) {
-  ++state().webViewPreparation->claims;
-  reconcile(state().webViewPreparation);
+  const std::shared_ptr<WebViewPreparation>& preparation = state().webViewPreparation;
+  ++preparation->claims;
+  reconcile(preparation);
 }
 
 PreparedWebViewClaim::~PreparedWebViewClaim() {

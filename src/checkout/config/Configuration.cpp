@@ -41,10 +41,4 @@ void ConfigurationStore::replace(Configuration replacement) {
   record_ = std::move(replacement);
 }
 
-void ConfigurationStore::modify(const std::function<void(Configuration&)>& modify) {
-  Configuration copy = get();
-  modify(copy);
-  replace(std::move(copy));
-}
-
 }  // namespace vemba::checkout

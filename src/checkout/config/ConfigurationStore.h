@@ -7,7 +7,6 @@
 #pragma once
 
 #include <atomic>
-#include <functional>
 #include <mutex>
 #include <optional>
 
@@ -22,9 +21,6 @@ class ConfigurationStore {
   Configuration get() const;
   // Replaces the record.
   void replace(Configuration replacement);
-  // Runs `modify` on a copy of the record and stores the result (so `modify` may itself read
-  // configuration()).
-  void modify(const std::function<void(Configuration&)>& modify);
 
   // Whether a configuration change discards the preloaded checkout page; starts true, and goes to
   // false for good once a declarative checkout sheet is made.

@@ -32,7 +32,10 @@ void setConfiguration(Configuration replacement) {
 }
 
 void configure(const std::function<void(Configuration&)>& modify) {
-  state().configuration.modify(modify);
+  // On a copy, so that `modify` may itself read configuration().
+  Configuration copy = configuration();
+  modify(copy);
+  state().configuration.replace(std::move(copy));
   configurationDidChange();
 }
 

@@ -38,10 +38,6 @@ bool isFresh(std::chrono::system_clock::time_point timestamp,
 
 }  // namespace
 
-CheckoutWebViewCache::~CheckoutWebViewCache() {
-  release();
-}
-
 std::string CheckoutWebViewCache::key(const Url& checkout,
                                       std::optional<MetaData::EntryPoint> entry) {
   std::string key = checkout.absoluteString();

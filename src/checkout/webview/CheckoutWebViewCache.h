@@ -24,11 +24,6 @@ class CheckoutWebViewCache {
   // How long a cached view may be reused.
   static constexpr std::chrono::duration<double> kTimeout{300.0};
 
-  CheckoutWebViewCache() = default;
-  CheckoutWebViewCache(const CheckoutWebViewCache&) = delete;
-  CheckoutWebViewCache& operator=(const CheckoutWebViewCache&) = delete;
-  ~CheckoutWebViewCache();
-
   // The only way the kit obtains a view. Recovery: empties the cache with disconnection and
   // returns a new recovery view. Preloading disabled: a new uncacheable view (the previous one
   // loses its bridge). Otherwise the cached view when its key matches and it is fresh, else a

@@ -12,6 +12,7 @@
 #include "AdTestSupport.h"
 #include "FakeWebView.h"
 #include "RecordingDelegate.h"
+#include "ads/core/VembaSDKForTesting.h"
 
 namespace vemba::tests {
 namespace {
@@ -112,6 +113,14 @@ TYPED_TEST(AdWebViewPreparationTest, ReleasedWhenTheLastReadyAdStopsBeingReadyWi
   first.reset();
   EXPECT_EQ(this->releases(), 1);
   EXPECT_EQ(this->hints(), 1);
+
+  // A ready ad that outlives a reset of the ad half's state has no say in the fresh one.
+  this->answer(first = TypeParam::create("w"), /*usable=*/true);
+  ads::resetVembaSdkForTesting();
+  this->answer(second = TypeParam::create("x"), /*usable=*/true);
+  first.reset();
+  EXPECT_EQ(this->releases(), 1);
+  EXPECT_EQ(this->hints(), 3);
 }
 
 TYPED_TEST(AdWebViewPreparationTest, AProcessWhoseUserInterfaceIsNotUpGetsNothingReadied) {
