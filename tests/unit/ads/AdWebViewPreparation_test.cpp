@@ -120,7 +120,6 @@ TYPED_TEST(AdWebViewPreparationTest, ReleasedWhenTheLastReadyAdStopsBeingReadyWi
   this->answer(second = TypeParam::create("x"), /*usable=*/true);
   first.reset();
   EXPECT_EQ(this->releases(), 1);
-  EXPECT_EQ(this->hints(), 3);
 }
 
 TYPED_TEST(AdWebViewPreparationTest, AProcessWhoseUserInterfaceIsNotUpGetsNothingReadied) {
