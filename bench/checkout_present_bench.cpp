@@ -33,6 +33,7 @@
 #include "MainLoop.h"
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
 #include "checkout/sheet/CheckoutWebViewController.h"
+#include "checkout/webview/CheckoutState.h"
 #include "checkout/webview/CheckoutWebView.h"
 #include "platform/Services.h"
 #include "ui/GtkScreen.h"
@@ -122,7 +123,7 @@ class Bench {
     if (preloaded) {
       checkout::preload(url_);
       const std::shared_ptr<checkout::CheckoutWebView> cached =
-          checkout::CheckoutWebView::cachedView();
+          checkout::state().cache.cachedView();
       require(cached != nullptr, "the preload made no view");
       require(runMainLoopUntil(
                   [&] { return cached->webView().url() && !cached->webView().isLoading(); },

@@ -13,6 +13,7 @@
 #include "MainLoop.h"
 #include "ProcessTree.h"
 #include "ResidentMemory.h"
+#include "checkout/webview/CheckoutState.h"
 #include "checkout/webview/CheckoutWebView.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/linux/Screens.h"
@@ -73,7 +74,7 @@ class Cycles {
     if (preloaded) {
       checkout::preload(url);
       const std::shared_ptr<checkout::CheckoutWebView> cached =
-          checkout::CheckoutWebView::cachedView();
+          checkout::state().cache.cachedView();
       if (cached == nullptr) {
         return "the preload made no view";
       }

@@ -13,7 +13,7 @@
 #include "FakeUi.h"
 #include "platform/DeviceInfo.h"
 #include "platform/LogSink.h"
-#include "platform/Services.h"
+#include "platform/ScopedServices.h"
 
 namespace vemba::fake {
 

@@ -2,6 +2,8 @@
 
 #include <atomic>
 
+#include "platform/ScopedServices.h"
+
 namespace vemba::platform {
 namespace {
 std::atomic<const Services*> gOverride{nullptr};

@@ -2,7 +2,7 @@
 //
 // Every binary links exactly one backend library (platform/linux or platform/fake), which
 // defines defaultServices(). Tests may install another set for their duration with
-// ScopedServices; production code never switches at run time.
+// ScopedServices (ScopedServices.h, test-only); production code never switches at run time.
 #pragma once
 
 #include <functional>
@@ -52,18 +52,5 @@ Ui* uiIfStarted();
 
 // Defined by the linked backend; lives for the whole process.
 const Services& defaultServices();
-
-// Installs `installed` for the lifetime of this object (tests only). Not nestable across
-// threads; the previous set is restored on destruction.
-class ScopedServices {
- public:
-  explicit ScopedServices(const Services& installed);
-  ~ScopedServices();
-  ScopedServices(const ScopedServices&) = delete;
-  ScopedServices& operator=(const ScopedServices&) = delete;
-
- private:
-  const Services* previous_;
-};
 
 }  // namespace vemba::platform

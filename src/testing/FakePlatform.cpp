@@ -5,12 +5,11 @@
 #include "FakePlatformAccess.h"
 #include "ads/bidding/BidExchange.h"
 #include "ads/bidding/BidRecordsJson.h"
-#include "ads/core/UserAgentFetcher.h"
 #include "ads/core/VembaSDKForTesting.h"
 #include "ads/formats/VembaWebViewController.h"
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
 #include "checkout/sheet/CheckoutWebViewController.h"
-#include "checkout/sheet/GlobalsForTesting.h"
+#include "checkout/webview/CheckoutState.h"
 
 namespace vemba::testing {
 namespace {
@@ -27,8 +26,7 @@ constexpr std::string_view kCurrency = "USD";
 
 void resetProcessWideState() {
   ads::resetVembaSdkForTesting();
-  UserAgentFetcher::shared().resetForTesting();
-  checkout::resetGlobalsForTesting();
+  checkout::resetCheckoutStateForTesting();
 }
 
 // The library sends two kinds of request: bids, and the billing pixels of shown ads.

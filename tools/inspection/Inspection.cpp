@@ -4,6 +4,7 @@
 
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
 #include "checkout/sheet/CheckoutWebViewController.h"
+#include "checkout/webview/CheckoutState.h"
 #include "checkout/webview/CheckoutWebView.h"
 #include "platform/Screen.h"
 #include "platform/Services.h"
@@ -89,7 +90,7 @@ bool pressCloseItem(const checkout::CheckoutViewController& sheet) {
 bool checkoutLoaded(const checkout::CheckoutViewController* sheet) {
   std::shared_ptr<checkout::CheckoutWebView> view;
   if (sheet == nullptr) {
-    view = checkout::CheckoutWebView::cachedView();
+    view = checkout::state().cache.cachedView();
   } else if (const auto page = pageControllerOf(*sheet)) {
     view = page->checkoutView();
   }

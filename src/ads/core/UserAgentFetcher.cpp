@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "ads/core/AdsState.h"
 #include "platform/DeviceInfo.h"
 #include "platform/Services.h"
 
@@ -16,8 +17,7 @@ constexpr const char* kSuffix =
 }  // namespace
 
 UserAgentFetcher& UserAgentFetcher::shared() {
-  static auto* const instance = new UserAgentFetcher();
-  return *instance;
+  return ads::state().userAgent;
 }
 
 std::string UserAgentFetcher::compose(const std::string& model, const std::string& systemVersion) {
@@ -52,11 +52,6 @@ void UserAgentFetcher::fetch(const std::function<void(const std::string&)>& comp
 std::optional<std::string> UserAgentFetcher::cachedUserAgent() const {
   const std::lock_guard lock(mutex_);
   return cachedUserAgent_;
-}
-
-void UserAgentFetcher::resetForTesting() {
-  const std::lock_guard lock(mutex_);
-  cachedUserAgent_.reset();
 }
 
 }  // namespace vemba

@@ -1,6 +1,6 @@
 // The process-wide cache of the browser-style user agent sent in bid requests. The text is
 // composed once from the device's model and system version and never refreshed.
-// Created once, never destroyed; thread-safe.
+// Owner: AdsState (shared() is its member); thread-safe.
 #pragma once
 
 #include <functional>
@@ -12,6 +12,7 @@ namespace vemba {
 
 class UserAgentFetcher {
  public:
+  // The process-wide cache, in the ad half's state.
   static UserAgentFetcher& shared();
 
   // Calls `completion` exactly once, synchronously, before returning, with the user agent.
@@ -22,11 +23,7 @@ class UserAgentFetcher {
   // The composition rule, for a model and a system version such as "17.4.1".
   static std::string compose(const std::string& model, const std::string& systemVersion);
 
-  // Tests only: empty the cache.
-  void resetForTesting();
-
  private:
-  UserAgentFetcher() = default;
   mutable std::mutex mutex_;
   std::optional<std::string> cachedUserAgent_;
 };

@@ -2,58 +2,38 @@
 
 #include <mutex>
 
+#include "ads/core/AdsState.h"
 #include "ads/core/UserAgentFetcher.h"
 #include "ads/core/VembaLogger.h"
-#include "ads/core/VembaSDKForTesting.h"
-#include "ads/formats/AdWebViewPreparation.h"
 #include "ads/formats/VembaWebViewController.h"
 
 namespace vemba {
-namespace {
-
-// The entry point's state: the key of the last initialize() and the host's privacy signals, read
-// from any thread. Created on first use and never destroyed, like the entry point itself.
-struct ApiKeyStore {
-  std::mutex mutex;
-  std::optional<std::string> apiKey;
-  VembaPrivacy privacy;
-  double adLifetimeSeconds = 0;
-  bool muted = false;
-};
-
-ApiKeyStore& apiKeyStore() {
-  static auto* const store = new ApiKeyStore();
-  return *store;
-}
-
-}  // namespace
-
 VembaSDK& VembaSDK::shared() {
   static auto* const instance = new VembaSDK();
   return *instance;
 }
 
 std::optional<std::string> VembaSDK::apiKey() const {
-  ApiKeyStore& store = apiKeyStore();
+  ads::AdsState::Sdk& store = ads::state().sdk;
   const std::lock_guard lock(store.mutex);
   return store.apiKey;
 }
 
 void VembaSDK::setPrivacy(VembaPrivacy privacy) {
-  ApiKeyStore& store = apiKeyStore();
+  ads::AdsState::Sdk& store = ads::state().sdk;
   const std::lock_guard lock(store.mutex);
   store.privacy = std::move(privacy);
 }
 
 VembaPrivacy VembaSDK::privacy() const {
-  ApiKeyStore& store = apiKeyStore();
+  ads::AdsState::Sdk& store = ads::state().sdk;
   const std::lock_guard lock(store.mutex);
   return store.privacy;
 }
 
 void VembaSDK::setApplicationMuted(bool muted) {
   {
-    ApiKeyStore& store = apiKeyStore();
+    ads::AdsState::Sdk& store = ads::state().sdk;
     const std::lock_guard lock(store.mutex);
     store.muted = muted;
   }
@@ -61,13 +41,13 @@ void VembaSDK::setApplicationMuted(bool muted) {
 }
 
 bool VembaSDK::isApplicationMuted() const {
-  ApiKeyStore& store = apiKeyStore();
+  ads::AdsState::Sdk& store = ads::state().sdk;
   const std::lock_guard lock(store.mutex);
   return store.muted;
 }
 
 double VembaSDK::adLifetimeSeconds() const {
-  ApiKeyStore& store = apiKeyStore();
+  ads::AdsState::Sdk& store = ads::state().sdk;
   const std::lock_guard lock(store.mutex);
   return store.adLifetimeSeconds;
 }
@@ -75,7 +55,7 @@ double VembaSDK::adLifetimeSeconds() const {
 void VembaSDK::initialize(const VembaConfiguration& configuration,
                           const std::function<void(bool)>& completion) {
   {
-    ApiKeyStore& store = apiKeyStore();
+    ads::AdsState::Sdk& store = ads::state().sdk;
     const std::lock_guard lock(store.mutex);
     store.apiKey = configuration.apiKey;
     store.adLifetimeSeconds = configuration.adLifetimeSeconds;
@@ -90,17 +70,4 @@ void VembaSDK::initialize(const VembaConfiguration& configuration,
   });
 }
 
-namespace ads {
-
-void resetVembaSdkForTesting() {
-  ApiKeyStore& store = apiKeyStore();
-  const std::lock_guard lock(store.mutex);
-  store.apiKey.reset();
-  store.privacy = {};
-  store.adLifetimeSeconds = 0;
-  store.muted = false;
-  AdWebViewPreparation::resetForTesting();
-}
-
-}  // namespace ads
 }  // namespace vemba

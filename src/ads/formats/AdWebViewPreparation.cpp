@@ -3,6 +3,7 @@
 #include <chrono>
 #include <utility>
 
+#include "ads/core/AdsState.h"
 #include "platform/MainQueue.h"
 #include "platform/Services.h"
 #include "platform/Ui.h"
@@ -17,23 +18,10 @@ namespace {
 // start and end each time.
 constexpr std::chrono::milliseconds kReleaseGrace{3000};
 
-struct Preparation {
-  int claims = 0;          // ready ads, and ad screens that have not made their web view yet
-  bool requested = false;  // the platform readied a web view that no web view has consumed
-  unsigned generation = 0;
-  unsigned request = 0;     // counts the requests, so that a late word of a lost one is known
-  unsigned claimsMade = 0;  // so that a release due after the grace knows a claim came between
-};
-
-Preparation& state() {
-  static Preparation value;
-  return value;
-}
-
 // Brings the platform in line with the claims: something readied while any claim is held,
 // nothing otherwise.
-void reconcile() {
-  Preparation& preparation = state();
+void reconcile(const std::shared_ptr<WebViewPreparation>& shared) {
+  WebViewPreparation& preparation = *shared;
   // Not worth starting the user interface for: a process that has not started it shows no ad yet.
   platform::Ui* ui = platform::uiIfStarted();
   if (ui == nullptr) {
@@ -44,20 +32,20 @@ void reconcile() {
     // A readied process that dies is simply forgotten: the next ad screen starts a process of its
     // own, and only then is another readied (asking again at once could chase a process that
     // keeps dying).
-    ui->prepareWebView([request = ++preparation.request, generation = preparation.generation] {
-      Preparation& current = state();
-      if (current.request == request && current.generation == generation) {
-        current.requested = false;
+    ui->prepareWebView([request = ++preparation.request, weak = std::weak_ptr(shared)] {
+      const std::shared_ptr<WebViewPreparation> current = weak.lock();
+      if (current && current->request == request) {
+        current->requested = false;
       }
     });
   } else if (preparation.claims == 0 && preparation.requested) {
     platform::services().mainQueue->postAfter(
-        kReleaseGrace, [claimsMade = preparation.claimsMade, generation = preparation.generation] {
-          Preparation& current = state();
+        kReleaseGrace, [claimsMade = preparation.claimsMade, weak = std::weak_ptr(shared)] {
+          const std::shared_ptr<WebViewPreparation> current = weak.lock();
           platform::Ui* startedUi = platform::uiIfStarted();
-          if (current.generation == generation && current.claimsMade == claimsMade &&
-              current.claims == 0 && current.requested && startedUi != nullptr) {
-            current.requested = false;
+          if (current && current->claimsMade == claimsMade && current->claims == 0 &&
+              current->requested && startedUi != nullptr) {
+            current->requested = false;
             startedUi->releasePreparedWebView();
           }
         });
@@ -66,30 +54,25 @@ void reconcile() {
 
 }  // namespace
 
-PreparedWebViewClaim::PreparedWebViewClaim() : generation_(state().generation) {
-  ++state().claims;
-  ++state().claimsMade;
-  reconcile();
+PreparedWebViewClaim::PreparedWebViewClaim() : preparation_(state().webViewPreparation) {
+  const std::shared_ptr<WebViewPreparation>& preparation = state().webViewPreparation;
+  ++preparation->claims;
+  ++preparation->claimsMade;
+  reconcile(preparation);
 }
 
 PreparedWebViewClaim::~PreparedWebViewClaim() {
-  if (generation_ != state().generation) {
-    return;
+  if (const std::shared_ptr<WebViewPreparation> preparation = preparation_.lock()) {
+    --preparation->claims;
+    reconcile(preparation);
   }
-  --state().claims;
-  reconcile();
 }
 
 namespace AdWebViewPreparation {
 
 void configureAdWebView(platform::WebViewConfiguration& configuration) {
   // Only what is still readied is worth starting in.
-  configuration.usesPreparedWebView = std::exchange(state().requested, false);
-}
-
-void resetForTesting() {
-  Preparation& preparation = state();
-  preparation = Preparation{.generation = preparation.generation + 1};
+  configuration.usesPreparedWebView = std::exchange(state().webViewPreparation->requested, false);
 }
 
 }  // namespace AdWebViewPreparation

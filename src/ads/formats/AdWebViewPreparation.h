@@ -9,15 +9,26 @@
 // once no claim has been held for a grace period (3 s) since the last went without a web view
 // consuming it. At most one readied web view is asked for at a time. One whose process dies
 // before a show is forgotten: that show's web view starts a process of its own, and the next one
-// is readied after it. Main thread only; the state is
-// process-wide, like the platform services it talks to.
+// is readied after it. Main thread only; the state is process-wide (in AdsState), like the
+// platform services it talks to.
 #pragma once
+
+#include <memory>
 
 namespace vemba::platform {
 struct WebViewConfiguration;
 }
 
 namespace vemba::ads {
+
+// The bookkeeping of what is readied. Owner: AdsState; claims and the platform's word of a lost
+// request hold it weakly, so that those made before a reset of the state count for nothing.
+struct WebViewPreparation {
+  int claims = 0;           // ready ads, and ad screens that have not made their web view yet
+  bool requested = false;   // the platform readied a web view that no web view has consumed
+  unsigned request = 0;     // counts the requests, so that a late word of a lost one is known
+  unsigned claimsMade = 0;  // so that a release due after the grace knows a claim came between
+};
 
 class PreparedWebViewClaim {
  public:
@@ -27,7 +38,7 @@ class PreparedWebViewClaim {
   PreparedWebViewClaim& operator=(const PreparedWebViewClaim&) = delete;
 
  private:
-  unsigned generation_;  // claims made before resetForTesting() count for nothing
+  std::weak_ptr<WebViewPreparation> preparation_;
 };
 
 namespace AdWebViewPreparation {
@@ -35,8 +46,6 @@ namespace AdWebViewPreparation {
 // Marks an ad screen's web view configuration as the consumer of what was readied, when
 // something still is.
 void configureAdWebView(platform::WebViewConfiguration& configuration);
-// Forgets every claim and request (a new platform is being installed).
-void resetForTesting();
 
 }  // namespace AdWebViewPreparation
 }  // namespace vemba::ads

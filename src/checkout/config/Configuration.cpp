@@ -1,8 +1,5 @@
 #include "vemba/checkout/Configuration.h"
 
-#include <atomic>
-#include <memory>
-#include <mutex>
 #include <string_view>
 #include <utility>
 
@@ -19,11 +16,6 @@ constexpr std::string_view kTitleKey = "checkout_sheet_title";
 constexpr std::string_view kTitleDefault = "Checkout";
 constexpr std::string_view kTitleTable = "Localizable";
 
-std::mutex gConfigurationMutex;
-std::unique_ptr<Configuration> gConfiguration;  // guarded by gConfigurationMutex
-std::atomic<bool> gInvalidateOnConfigurationChange{true};
-std::atomic<detail::PreloadingEnabledWriteHook> gPreloadingEnabledWriteHook{nullptr};
-
 std::string defaultTitle() {
   const platform::BundleInfo* bundle = platform::services().bundle;
   if (bundle == nullptr) {
@@ -32,63 +24,21 @@ std::string defaultTitle() {
   return bundle->localizedString(kTitleKey, kTitleDefault, kTitleTable);
 }
 
-// Requires gConfigurationMutex.
-Configuration& globalLocked() {
-  if (!gConfiguration) {
-    gConfiguration = std::make_unique<Configuration>();
-  }
-  return *gConfiguration;
-}
-
 }  // namespace
 
 Configuration::Configuration() : title(defaultTitle()) {}
 
-void Configuration::Preloading::setEnabled(bool enabled) {
-  enabled_ = enabled;
-  if (detail::PreloadingEnabledWriteHook hook = gPreloadingEnabledWriteHook.load()) {
-    hook();
+Configuration ConfigurationStore::get() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!record_) {
+    record_.emplace();
   }
+  return *record_;
 }
 
-Configuration configuration() {
-  const std::lock_guard<std::mutex> lock(gConfigurationMutex);
-  return globalLocked();
+void ConfigurationStore::replace(Configuration replacement) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  record_ = std::move(replacement);
 }
 
-namespace detail {
-
-void replaceConfiguration(Configuration replacement) {
-  const std::lock_guard<std::mutex> lock(gConfigurationMutex);
-  gConfiguration = std::make_unique<Configuration>(std::move(replacement));
-}
-
-void modifyConfiguration(const std::function<void(Configuration&)>& modify) {
-  Configuration copy = configuration();
-  modify(copy);
-  replaceConfiguration(std::move(copy));
-}
-
-bool invalidateOnConfigurationChange() {
-  return gInvalidateOnConfigurationChange.load();
-}
-
-void setInvalidateOnConfigurationChange(bool value) {
-  gInvalidateOnConfigurationChange = value;
-}
-
-void setPreloadingEnabledWriteHook(PreloadingEnabledWriteHook hook) {
-  gPreloadingEnabledWriteHook = hook;
-}
-
-void resetConfigurationForTesting() {
-  std::unique_ptr<Configuration> old;
-  {
-    const std::lock_guard<std::mutex> lock(gConfigurationMutex);
-    old = std::move(gConfiguration);
-  }
-  gInvalidateOnConfigurationChange = true;
-}
-
-}  // namespace detail
 }  // namespace vemba::checkout

@@ -4,7 +4,6 @@
 
 #include "platform/LogSink.h"
 #include "platform/Services.h"
-#include "vemba/checkout/Configuration.h"
 
 namespace vemba::checkout {
 namespace {
@@ -28,33 +27,17 @@ std::string_view tagOf(platform::LogSeverity severity) {
   return kErrorTag;
 }
 
-std::mutex gSharedMutex;
-// Deliberately never destroyed at exit: lines may still be written by other static destructors.
-std::atomic<OSLogger*> gShared{nullptr};
-
 }  // namespace
 
-OSLogger::OSLogger() : OSLogger(std::string(kDefaultPrefix), checkout::configuration().logLevel) {}
+OSLogger::OSLogger() : OSLogger(std::string(kDefaultPrefix), kDefaultLogLevel) {}
 
 OSLogger::OSLogger(std::string prefix, LogLevel logLevel)
     : prefix_(std::move(prefix)), logLevel_(logLevel) {}
 
 OSLogger& OSLogger::shared() {
-  if (OSLogger* existing = gShared.load(std::memory_order_acquire)) {
-    return *existing;
-  }
-  const std::lock_guard<std::mutex> lock(gSharedMutex);
-  OSLogger* existing = gShared.load(std::memory_order_relaxed);
-  if (existing == nullptr) {
-    existing = new OSLogger();
-    gShared.store(existing, std::memory_order_release);
-  }
-  return *existing;
-}
-
-void OSLogger::resetSharedForTesting() {
-  const std::lock_guard<std::mutex> lock(gSharedMutex);
-  delete gShared.exchange(nullptr, std::memory_order_acq_rel);
+  // Deliberately never destroyed at exit: lines may still be written by other static destructors.
+  static auto* const instance = new OSLogger();
+  return *instance;
 }
 
 void OSLogger::debug(std::string_view message) const {

@@ -2,9 +2,12 @@
 // OSLogger::shared(), which formats "[prefix] (Tag) - message" and hands the line, with its
 // severity, to the platform's log sink.
 //
-// Contract: a reference type, neither copied nor moved. All operations are thread-safe and never
-// fail; a line is written only when the threshold lets it through (see LogLevel: the threshold
-// `debug` passes debug and info calls, `error` passes error and fault calls).
+// Contract: a reference type, neither copied nor moved. The shared instance is created on first
+// use and never destroyed (it sits below the checkout state, which the bridge cannot reach, so it
+// is the one piece of the half's process-wide state outside it; the state's reset for tests puts
+// it back to its first-use prefix and level). All operations are thread-safe and never fail; a line
+// is written only when the threshold lets it through (see LogLevel: the threshold `debug` passes
+// debug and info calls, `error` passes error and fault calls).
 #pragma once
 
 #include <atomic>
@@ -23,8 +26,10 @@ class OSLogger {
   static constexpr std::string_view kSubsystem = platform::kCheckoutLogSubsystem;
   static constexpr std::string_view kCategory = "PointsOfInterest";
   static constexpr std::string_view kDefaultPrefix = "VembaCheckoutKit";
+  // The configuration's default logLevel; the configuration's change hook copies its level in.
+  static constexpr LogLevel kDefaultLogLevel = LogLevel::error;
 
-  // Prefix "VembaCheckoutKit", threshold copied from the global configuration now.
+  // Prefix kDefaultPrefix, threshold kDefaultLogLevel.
   OSLogger();
   OSLogger(std::string prefix, LogLevel logLevel);
   OSLogger(const OSLogger&) = delete;
@@ -33,9 +38,6 @@ class OSLogger {
   // The process-wide instance, created on first use (thread-safe) with the default constructor.
   // It lives for the process; the configuration's change hook keeps its threshold in step.
   static OSLogger& shared();
-  // Tests only: forgets the shared instance so that the next shared() creates a fresh one.
-  // No reference obtained from shared() before the reset may be used after it.
-  static void resetSharedForTesting();
 
   // Writes `line` as it is to the platform's log sink under the kit's subsystem and category,
   // whatever any threshold says: for the few lines that must always be written (a contract

@@ -3,9 +3,9 @@
 #include <string>
 #include <string_view>
 
-#include "checkout/config/ConfigurationStore.h"
 #include "checkout/config/OSLogger.h"
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
+#include "checkout/webview/CheckoutState.h"
 #include "checkout/webview/CheckoutWebView.h"
 #include "platform/Screen.h"
 #include "platform/Services.h"
@@ -18,8 +18,8 @@ constexpr std::string_view kNoPresenter = "No screen to present checkout from: "
 
 // Run after every write of the global configuration.
 void configurationDidChange() {
-  if (detail::invalidateOnConfigurationChange()) {
-    CheckoutWebView::invalidate(/*disconnect=*/true);
+  if (state().configuration.invalidateOnConfigurationChange()) {
+    state().cache.invalidate(/*disconnect=*/true);
   }
   OSLogger::shared().setLogLevel(configuration().logLevel);
 }
@@ -27,12 +27,15 @@ void configurationDidChange() {
 }  // namespace
 
 void setConfiguration(Configuration replacement) {
-  detail::replaceConfiguration(std::move(replacement));
+  state().configuration.replace(std::move(replacement));
   configurationDidChange();
 }
 
 void configure(const std::function<void(Configuration&)>& modify) {
-  detail::modifyConfiguration(modify);
+  // On a copy, so that `modify` may itself read configuration().
+  Configuration copy = configuration();
+  modify(copy);
+  state().configuration.replace(std::move(copy));
   configurationDidChange();
 }
 
@@ -40,9 +43,9 @@ void preload(const Url& checkout) {
   if (!configuration().preloading.enabled()) {
     return;
   }
-  CheckoutWebView::setPreloadingActivatedByClient(true);
+  state().cache.setPreloadingActivatedByClient(true);
   if (const std::shared_ptr<CheckoutWebView> view =
-          CheckoutWebView::forCheckout(checkout, /*recovery=*/false, std::nullopt)) {
+          state().cache.forCheckout(checkout, /*recovery=*/false, std::nullopt)) {
     view->load(checkout, /*isPreload=*/true);
   }
 }
@@ -83,7 +86,7 @@ std::shared_ptr<CheckoutViewController> detail::presentCheckout(
 }
 
 void invalidate() {
-  CheckoutWebView::invalidate(/*disconnect=*/true);
+  state().cache.invalidate(/*disconnect=*/true);
 }
 
 }  // namespace vemba::checkout

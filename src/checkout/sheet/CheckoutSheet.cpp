@@ -2,10 +2,10 @@
 
 #include <string_view>
 
-#include "checkout/config/ConfigurationStore.h"
 #include "checkout/config/OSLogger.h"
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
 #include "checkout/sheet/CheckoutWebViewController.h"
+#include "checkout/webview/CheckoutState.h"
 #include "platform/Services.h"
 
 namespace vemba::checkout {
@@ -21,7 +21,7 @@ CheckoutSheet::CheckoutSheet(Url checkout)
     : checkoutURL_(std::move(checkout)), shared_(std::make_shared<Shared>()) {
   shared_->delegate = std::make_shared<CheckoutDelegateWrapper>();
   // From now on styling changes keep the preloaded page.
-  detail::setInvalidateOnConfigurationChange(false);
+  state().configuration.setInvalidateOnConfigurationChange(false);
 }
 
 CheckoutSheet CheckoutSheet::onCancel(std::function<void()> callback) const {

@@ -4,6 +4,7 @@
 
 #include "checkout/config/OSLogger.h"
 #include "checkout/sheet/ProgressBarView.h"
+#include "checkout/webview/CheckoutState.h"
 #include "checkout/webview/CheckoutURL.h"
 #include "checkout/webview/CheckoutWebView.h"
 #include "common/HostCall.h"
@@ -53,7 +54,7 @@ std::shared_ptr<CheckoutWebViewController> CheckoutWebViewController::create(
   std::shared_ptr<CheckoutWebViewController> controller(
       new CheckoutWebViewController(ui, checkoutURL, std::move(delegate), entryPoint));
   controller->checkoutView_ =
-      CheckoutWebView::forCheckout(checkoutURL, /*recovery=*/false, entryPoint);
+      state().cache.forCheckout(checkoutURL, /*recovery=*/false, entryPoint);
   if (!controller->checkoutView_) {
     return nullptr;
   }
@@ -168,8 +169,8 @@ void CheckoutWebViewController::loadCheckout() {
 void CheckoutWebViewController::close() {
   const std::shared_ptr<CheckoutWebViewController> self = shared_from_this();
   // A page the host preloaded stays cached for the next presentation.
-  if (!CheckoutWebView::preloadingActivatedByClient()) {
-    CheckoutWebView::invalidate(/*disconnect=*/true);
+  if (!state().cache.preloadingActivatedByClient()) {
+    state().cache.invalidate(/*disconnect=*/true);
   }
   if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock()) {
     tellDelegate("checkoutDidCancel", [&] { delegate->checkoutDidCancel(); });
@@ -232,7 +233,7 @@ void CheckoutWebViewController::checkoutViewDidEmitWebPixelEvent(const PixelEven
 void CheckoutWebViewController::checkoutViewDidFailWithError(const CheckoutError& error) {
   const std::shared_ptr<CheckoutWebViewController> self = shared_from_this();
   ++failureCount_;
-  CheckoutWebView::invalidate(/*disconnect=*/true);
+  state().cache.invalidate(/*disconnect=*/true);
   if (const std::shared_ptr<CheckoutDelegate> delegate = delegate_.lock();
       delegate && !tellDelegate("checkoutDidFail", [&] { delegate->checkoutDidFail(error); })) {
     return;  // the sheet is on its way out, without recovery
@@ -275,7 +276,7 @@ void CheckoutWebViewController::presentFallbackViewController() {
   }
   checkoutView_->webView().removeFromSuperview();
   std::shared_ptr<CheckoutWebView> recovery =
-      CheckoutWebView::forCheckout(checkoutURL_, /*recovery=*/true, entryPoint_);
+      state().cache.forCheckout(checkoutURL_, /*recovery=*/true, entryPoint_);
   if (!recovery) {
     dismissSheet();
     return;

@@ -42,7 +42,7 @@ class CheckoutWebViewController final
   // Failures this controller has seen before it stops recovering.
   static constexpr int kMaxRecoveryFailureCount = 2;
 
-  // Takes its web view from CheckoutWebView::forCheckout (the cached one when there is one) and
+  // Takes its web view from the preload cache (the cached one when there is one) and
   // makes its screen, titled with the configuration's title, with the close control.
   static std::shared_ptr<CheckoutWebViewController> create(
       platform::Ui& ui, const Url& checkoutURL, std::weak_ptr<CheckoutDelegate> delegate,

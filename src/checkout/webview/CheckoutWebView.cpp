@@ -9,6 +9,7 @@
 #include "checkout/bridge/InstrumentationPayload.h"
 #include "checkout/config/OSLogger.h"
 #include "checkout/webview/CheckoutErrorMapping.h"
+#include "checkout/webview/CheckoutState.h"
 #include "checkout/webview/CheckoutURL.h"
 #include "checkout/webview/ConfettiCannon.h"
 #include "checkout/webview/ExternalLink.h"
@@ -209,7 +210,7 @@ void CheckoutWebView::completeCheckout(const CheckoutCompletedEvent& event) {
     ConfettiCannon::fire(*controllerView);
   }
   // No disconnection: the page may keep talking after it completed.
-  invalidate(/*disconnect=*/false);
+  state().cache.invalidate(/*disconnect=*/false);
   if (const std::shared_ptr<CheckoutWebViewDelegate> delegate = viewDelegate()) {
     delegate->checkoutViewDidCompleteCheckout(event);
   }
@@ -246,7 +247,7 @@ platform::NavigationResponsePolicy CheckoutWebView::decidePolicyForNavigationRes
     return platform::NavigationResponsePolicy::allow;
   }
   const std::shared_ptr<CheckoutWebView> self = shared_from_this();
-  invalidate(/*disconnect=*/true);
+  state().cache.invalidate(/*disconnect=*/true);
   logHandlingResponse(
       response.url ? std::optional<std::string>(response.url->absoluteString()) : std::nullopt,
       status);
@@ -317,7 +318,7 @@ void CheckoutWebView::webContentProcessDidTerminate(platform::WebView& /*webView
   const std::shared_ptr<CheckoutWebView> self = shared_from_this();
   timer_.reset();
   // The page is gone: a preloaded copy of it is no use to the next presentation.
-  dropFromCache(*this);
+  state().cache.drop(*this);
   if (const std::shared_ptr<CheckoutWebViewDelegate> delegate = viewDelegate()) {
     delegate->checkoutViewDidTerminateWebContentProcess(
         checkoutErrorForWebProcessTermination(reason, isRecovery_));

@@ -1,17 +1,14 @@
-// The web view in which the hosted checkout page runs, and the process-wide preload cache of
-// such views.
+// The web view in which the hosted checkout page runs.
 //
 // A CheckoutWebView owns one platform::WebView and is its navigation delegate (held weakly by
 // the platform view) and, through a MessageHandler, the receiver of the page's bridge messages.
-// It reports upwards through CheckoutWebViewDelegate. The cache keeps one preloaded view for
-// kCacheTimeout, keyed by URL and entry point; a separate "uncacheable" view is referenced weakly
-// when preloading is off; recovery views are never cached. A view whose web content process dies
-// leaves the cache at once, without a word to anybody (the host's preload flag stays), and tells
-// its delegate, which alone knows whether a sheet on screen shows it.
+// It reports upwards through CheckoutWebViewDelegate. The kit obtains views from the preload
+// cache (CheckoutWebViewCache). A view whose web content process dies leaves the cache at once,
+// without a word to anybody (the host's preload flag stays), and tells its delegate, which alone
+// knows whether a sheet on screen shows it.
 //
-// Owner: the cache entry and the controller that shows the view, through std::shared_ptr. All of
-// it, the static state included, is main-thread only (the "preloading activated by client" flag
-// is atomic only because a configuration write on any thread clears it).
+// Owner: the cache entry and the controller that shows the view, through std::shared_ptr. Main
+// thread only.
 #pragma once
 
 #include <chrono>
@@ -37,36 +34,10 @@ class CheckoutWebView final : public platform::NavigationDelegate,
                               public platform::ScriptMessageHandler,
                               public std::enable_shared_from_this<CheckoutWebView> {
  public:
-  // How long a cached view may be reused, and how long a checkout load may take.
-  static constexpr std::chrono::duration<double> kCacheTimeout{300.0};
+  // How long a checkout load may take.
   static constexpr std::chrono::seconds kLoadTimeout{60};
 
-  // --- The cache (CheckoutWebViewCache.cpp) ---
-
-  // The only way the kit obtains a view. Recovery: empties the cache with disconnection and
-  // returns a new recovery view. Preloading disabled: a new uncacheable view (the previous one
-  // loses its bridge). Otherwise the cached view when its key matches and it is fresh, else a
-  // new view that replaces the cache entry. Null only when the platform has no user interface.
-  static std::shared_ptr<CheckoutWebView> forCheckout(const Url& checkout, bool recovery,
-                                                      std::optional<MetaData::EntryPoint> entry);
-  // Empties the cache and clears preloadingActivatedByClient; with `disconnect`, the cached view
-  // first loses its bridge.
-  static void invalidate(bool disconnect);
-  // The view in the cache entry, fresh or not, without using it; null when the cache is empty.
-  // For tools that wait for a preload to finish.
-  static std::shared_ptr<CheckoutWebView> cachedView();
-  // The cache key: the URL's absolute string, "_", the entry point's raw value or "nil".
-  static std::string cacheKey(const Url& checkout, std::optional<MetaData::EntryPoint> entry);
-  // Set by the host's preload; cleared by every invalidation and every write of the
-  // configuration's preloading switch.
-  static bool preloadingActivatedByClient();
-  static void setPreloadingActivatedByClient(bool activated);
-  // Tests only: forgets the cache entry, the uncacheable view and the flag.
-  static void resetForTesting();
-
-  // --- One view ---
-
-  // The designated initialiser (forCheckout() calls it): a view with a fresh configuration on
+  // The designated initialiser (the cache calls it): a view with a fresh configuration on
   // `ui`, its user agent, colours and, for a recovery view, a non-persistent data store and a URL
   // observation instead of the bridge.
   static std::shared_ptr<CheckoutWebView> create(platform::Ui& ui, bool recovery,
@@ -126,8 +97,6 @@ class CheckoutWebView final : public platform::NavigationDelegate,
 
  private:
   CheckoutWebView(bool recovery, std::optional<MetaData::EntryPoint> entry);
-  // Empties the cache when its entry holds `view` (CheckoutWebViewCache.cpp); nothing else.
-  static void dropFromCache(const CheckoutWebView& view);
   void build(platform::Ui& ui);
   void attachBridge();
   void presentedStateDidChange();

@@ -13,6 +13,7 @@
 #include "AdTestSupport.h"
 #include "FakeWebView.h"
 #include "RecordingDelegate.h"
+#include "ads/core/VembaSDKForTesting.h"
 
 namespace vemba::tests {
 namespace {
@@ -122,6 +123,13 @@ TYPED_TEST(AdWebViewPreparationTest, ReleasedOnceNoAdHasBeenReadyForTheGrace) {
   this->fakePlatform.advance(kGrace);
   EXPECT_EQ(this->releases(), 1);
   EXPECT_EQ(this->hints(), 1);
+
+  // A ready ad that outlives a reset of the ad half's state has no say in the fresh one.
+  this->answer(first = TypeParam::create("w"), /*usable=*/true);
+  ads::resetVembaSdkForTesting();
+  this->answer(second = TypeParam::create("x"), /*usable=*/true);
+  first.reset();
+  EXPECT_EQ(this->releases(), 1);
 }
 
 TYPED_TEST(AdWebViewPreparationTest, AProcessWhoseUserInterfaceIsNotUpGetsNothingReadied) {

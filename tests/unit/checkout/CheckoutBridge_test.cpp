@@ -13,9 +13,9 @@
 #include "checkout/config/ContractViolation.h"
 #include "checkout/config/OSLogger.h"
 #include "common/JsonDecoding.h"
+#include "platform/ScopedServices.h"
 #include "platform/ScriptEvaluator.h"
 #include "platform/ScriptMessage.h"
-#include "platform/Services.h"
 
 namespace vemba::checkout {
 namespace {

@@ -89,7 +89,7 @@ TEST_F(CheckoutPresentationTest, APreloadedPageIsReusedAndToldAtOnceThatItIsPres
 
   // A preload that is still loading shows the line.
   sheet->dismiss(false);
-  CheckoutWebView::resetForTesting();
+  resetCheckoutState();
   preload(checkout);
   fakeOf(*obtain()).startProvisionalNavigation();
   drain();
@@ -130,7 +130,7 @@ TEST_F(CheckoutPresentationTest, ClosingCancelsAndKeepsOnlyAPageTheHostPreloaded
   for (const Case c :
        {Case{false, false}, Case{true, false}, Case{false, true}, Case{true, true}}) {
     SCOPED_TRACE(::testing::Message() << c.hostPreloaded << c.byGesture);
-    CheckoutWebView::resetForTesting();
+    resetCheckoutState();
     delegate->calls.clear();
     if (c.hostPreloaded) {
       preload(checkout);

@@ -44,7 +44,7 @@ TEST_F(CheckoutRecoveryTest, OnlyAFirstFailureTheDelegateAgreesToRecoverFromIsRe
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    CheckoutWebView::resetForTesting();
+    resetCheckoutState();
     delegate->calls.clear();
     delegate->recover = c.answer;
     const auto sheet = show(c.withDelegate ? std::weak_ptr<CheckoutDelegate>(delegate)

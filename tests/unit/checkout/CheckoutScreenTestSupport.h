@@ -15,6 +15,7 @@
 #include "checkout/config/OSLogger.h"
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
 #include "checkout/sheet/CheckoutWebViewController.h"
+#include "checkout/webview/CheckoutState.h"
 #include "checkout/webview/CheckoutWebView.h"
 #include "checkout/webview/CheckoutWebViewDelegate.h"
 #include "vemba/checkout/Checkout.h"
@@ -95,6 +96,12 @@ class CheckoutScreenTest : public CheckoutTest {
  protected:
   CheckoutScreenTest() { OSLogger::shared().setLogLevel(LogLevel::all); }
 
+  // The checkout half as at the start of a test (the logger still writing everything).
+  static void resetCheckoutState() {
+    resetCheckoutStateForTesting();
+    OSLogger::shared().setLogLevel(LogLevel::all);
+  }
+
   static fake::FakeWebView& fakeOf(const CheckoutWebView& view) {
     return dynamic_cast<fake::FakeWebView&>(view.webView());
   }
@@ -127,7 +134,7 @@ class CheckoutScreenTest : public CheckoutTest {
 
   // The standard view the cache holds for the test's checkout, made and cached when it has none.
   std::shared_ptr<CheckoutWebView> obtain(std::optional<MetaData::EntryPoint> entry = {}) {
-    return CheckoutWebView::forCheckout(checkout, false, entry);
+    return state().cache.forCheckout(checkout, false, entry);
   }
 
   // The log lines written so far that contain `text`.

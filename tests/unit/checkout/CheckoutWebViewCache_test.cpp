@@ -3,7 +3,6 @@
 #include <functional>
 
 #include "CheckoutScreenTestSupport.h"
-#include "checkout/config/ConfigurationStore.h"
 #include "vemba/checkout/Checkout.h"
 #include "vemba/checkout/CheckoutSheet.h"
 
@@ -42,7 +41,7 @@ TEST_F(CheckoutWebViewCacheTest,
   configure([](Configuration& c) { c.preloading.setEnabled(false); });
   preload(checkout);
   EXPECT_TRUE(platform.ui.webViews.empty());
-  EXPECT_FALSE(CheckoutWebView::preloadingActivatedByClient());
+  EXPECT_FALSE(state().cache.preloadingActivatedByClient());
   // Each view is new, and only the last one keeps its bridge.
   const auto first = obtain();
   const auto second = obtain();
@@ -53,7 +52,7 @@ TEST_F(CheckoutWebViewCacheTest,
   configure([](Configuration& c) { c.preloading.setEnabled(true); });
   EXPECT_NE(obtain(), second);  // nothing was cached meanwhile
   preload(checkout);
-  EXPECT_TRUE(CheckoutWebView::preloadingActivatedByClient());
+  EXPECT_TRUE(state().cache.preloadingActivatedByClient());
   EXPECT_EQ(fakeOf(*obtain()).loads.size(), 1U);
 }
 
@@ -69,8 +68,7 @@ TEST_F(CheckoutWebViewCacheTest, EveryInvalidationPointEmptiesTheCacheAndClearsT
        true},
       {"set configuration", [](CheckoutWebView&) { setConfiguration(configuration()); }, true},
       {"recovery requested",
-       [this](CheckoutWebView&) { CheckoutWebView::forCheckout(checkout, true, std::nullopt); },
-       true},
+       [this](CheckoutWebView&) { state().cache.forCheckout(checkout, true, std::nullopt); }, true},
       {"HTTP error of the document",
        [this](CheckoutWebView& view) {
          view.load(checkout);
@@ -86,11 +84,11 @@ TEST_F(CheckoutWebViewCacheTest, EveryInvalidationPointEmptiesTheCacheAndClearsT
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    CheckoutWebView::resetForTesting();
+    resetCheckoutState();
     const auto cached = obtain();
-    CheckoutWebView::setPreloadingActivatedByClient(true);
+    state().cache.setPreloadingActivatedByClient(true);
     c.action(*cached);
-    EXPECT_FALSE(CheckoutWebView::preloadingActivatedByClient());
+    EXPECT_FALSE(state().cache.preloadingActivatedByClient());
     EXPECT_EQ(hasBridge(*cached), !c.disconnects);
     EXPECT_NE(obtain(), cached);
   }
@@ -101,22 +99,22 @@ TEST_F(CheckoutWebViewCacheTest, EveryInvalidationPointEmptiesTheCacheAndClearsT
 // afresh.
 TEST_F(CheckoutWebViewCacheTest, ACachedPageWhoseProcessDiesOffScreenLeavesWithoutAWord) {
   preload(checkout);
-  const auto preloaded = CheckoutWebView::cachedView();
+  const auto preloaded = state().cache.cachedView();
   fakeOf(*preloaded).terminateWebContentProcess();
-  EXPECT_EQ(CheckoutWebView::cachedView(), nullptr);
-  EXPECT_TRUE(CheckoutWebView::preloadingActivatedByClient());
+  EXPECT_EQ(state().cache.cachedView(), nullptr);
+  EXPECT_TRUE(state().cache.preloadingActivatedByClient());
 
   const auto host = std::make_shared<tests::RecordingDelegate>();
   const auto sheet = show(host);
   const auto shown = page(sheet).checkoutView();
-  ASSERT_EQ(CheckoutWebView::cachedView(), shown);
+  ASSERT_EQ(state().cache.cachedView(), shown);
   EXPECT_TRUE(fakeOf(*shown).loads.at(0).headers.empty());
   page(sheet).close();
   hostScreen()->dismiss(false, {});
   drain();
   fakeOf(*shown).terminateWebContentProcess();
   EXPECT_EQ(host->calls, std::vector<std::string>{"cancel"});
-  EXPECT_EQ(CheckoutWebView::cachedView(), nullptr);
+  EXPECT_EQ(state().cache.cachedView(), nullptr);
 }
 
 TEST_F(CheckoutWebViewCacheTest, OnceASheetExistsStylingKeepsThePreloadedPage) {
@@ -124,15 +122,15 @@ TEST_F(CheckoutWebViewCacheTest, OnceASheetExistsStylingKeepsThePreloadedPage) {
   const auto preloaded = obtain();
   ASSERT_EQ(fakeOf(*preloaded).loads.size(), 1U);
   const CheckoutSheet sheet(checkout);
-  EXPECT_FALSE(detail::invalidateOnConfigurationChange());
+  EXPECT_FALSE(state().configuration.invalidateOnConfigurationChange());
   sheet.title("Pay").tintColor(Color::rgba(0, 0, 0, 1));
   EXPECT_EQ(configuration().title, "Pay");
   EXPECT_EQ(obtain(), preloaded);
-  EXPECT_TRUE(CheckoutWebView::preloadingActivatedByClient());
+  EXPECT_TRUE(state().cache.preloadingActivatedByClient());
 
   // Any write of the preloading switch, even of the value it has, forgets the host's preload.
   configure([](Configuration& c) { c.preloading.setEnabled(true); });
-  EXPECT_FALSE(CheckoutWebView::preloadingActivatedByClient());
+  EXPECT_FALSE(state().cache.preloadingActivatedByClient());
   EXPECT_EQ(obtain(), preloaded);
 }
 

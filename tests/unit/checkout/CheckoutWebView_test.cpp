@@ -28,7 +28,7 @@ class RecordingLogger : public Logger {
 class CheckoutWebViewTest : public tests::CheckoutScreenTest {
  protected:
   std::shared_ptr<CheckoutWebView> make(bool recovery = false) {
-    auto view = CheckoutWebView::forCheckout(checkout, recovery, std::nullopt);
+    auto view = state().cache.forCheckout(checkout, recovery, std::nullopt);
     view->setViewDelegate(delegate);
     return view;
   }
@@ -162,7 +162,7 @@ TEST_F(CheckoutWebViewTest, OnlyAnErrorStatusOfTheCheckoutDocumentFailsTheLoad) 
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    CheckoutWebView::resetForTesting();
+    resetCheckoutState();
     delegate->calls.clear();
     const auto view = make();
     if (c.loaded) {
@@ -273,7 +273,7 @@ TEST_F(CheckoutWebViewTest, BridgeMessagesBecomeDelegateCalls) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.message);
-    CheckoutWebView::resetForTesting();
+    resetCheckoutState();
     delegate->calls.clear();
     const auto view = make();
     ASSERT_TRUE(fakeOf(*view).postMessage("mobileCheckoutSdk", c.message));

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "CheckoutTestSupport.h"
-#include "checkout/config/ConfigurationStore.h"
 
 namespace vemba::checkout {
 namespace {

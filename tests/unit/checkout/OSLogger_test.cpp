@@ -4,8 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "CheckoutTestSupport.h"
-#include "checkout/config/ConfigurationStore.h"
-#include "checkout/sheet/GlobalsForTesting.h"
+#include "checkout/webview/CheckoutState.h"
 #include "vemba/checkout/LogLevel.h"
 
 namespace vemba::checkout {
@@ -47,21 +46,17 @@ TEST_F(OSLoggerTest, EmissionMatrix) {
   EXPECT_EQ(logLevelFrom(""), std::nullopt);
 }
 
-TEST_F(OSLoggerTest, SharedStartsWithTheKitPrefixAndTheConfigurationsLevel) {
+TEST_F(OSLoggerTest, SharedStartsAndIsResetWithTheKitPrefixAndTheConfigurationsDefaultLevel) {
   OSLogger::shared().info("x");
   OSLogger::shared().error("x");
-  EXPECT_THAT(logLines(), ElementsAre("error|[VembaCheckoutKit] (Error) - x"));
-
-  // The shared logger copies the level once, when it is created.
-  resetGlobalsForTesting();
-  detail::modifyConfiguration([](Configuration& c) { c.logLevel = LogLevel::debug; });
-  platform.log.lines.clear();
+  OSLogger::shared().setPrefix("P");
+  OSLogger::shared().setLogLevel(LogLevel::debug);
+  resetCheckoutStateForTesting();
   OSLogger::shared().info("y");
   OSLogger::shared().error("y");
-  detail::modifyConfiguration([](Configuration& c) { c.logLevel = LogLevel::none; });
-  OSLogger::shared().info("z");
-  EXPECT_THAT(logLines(), ElementsAre("info|[VembaCheckoutKit] (Info) - y",
-                                      "info|[VembaCheckoutKit] (Info) - z"));
+  EXPECT_EQ(configuration().logLevel, OSLogger::kDefaultLogLevel);
+  EXPECT_THAT(logLines(), ElementsAre("error|[VembaCheckoutKit] (Error) - x",
+                                      "error|[VembaCheckoutKit] (Error) - y"));
 }
 
 TEST_F(OSLoggerTest, PrefixAndLevelCanBeChangedAndFormatCharactersAreWrittenLiterally) {
