@@ -1,6 +1,4 @@
-// Loopback TCP ports held for the life of their objects: one where connections are refused, one
-// where they are accepted into the backlog and never answered, and the listening socket of a
-// test server.
+// A loopback TCP port where connections are refused, held for the life of its object.
 #pragma once
 
 #include <arpa/inet.h>
@@ -13,27 +11,24 @@
 
 namespace vemba::tests {
 
-// A socket bound to an ephemeral loopback port; `listening` decides whether connections queue
-// (and wait forever) or are refused. Bound either way, so no other process can take the port.
-class LoopbackPort {
+// A socket bound to an ephemeral loopback port and never listening: connecting is refused, and
+// no other process can take the port meanwhile.
+class ClosedPort {
  public:
-  explicit LoopbackPort(bool listening) : fd_(socket(AF_INET, SOCK_STREAM, 0)) {
+  ClosedPort() : fd_(socket(AF_INET, SOCK_STREAM, 0)) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof address;
     if (fd_ < 0 || bind(fd_, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
-        getsockname(fd_, reinterpret_cast<sockaddr*>(&address), &length) != 0 ||
-        (listening && listen(fd_, 16) != 0)) {
+        getsockname(fd_, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
       throw std::runtime_error("cannot reserve a loopback port");
     }
     port_ = ntohs(address.sin_port);
   }
-  ~LoopbackPort() { close(fd_); }
-  LoopbackPort(const LoopbackPort&) = delete;
-  LoopbackPort& operator=(const LoopbackPort&) = delete;
-  int port() const { return port_; }
-  int fd() const { return fd_; }
+  ~ClosedPort() { close(fd_); }
+  ClosedPort(const ClosedPort&) = delete;
+  ClosedPort& operator=(const ClosedPort&) = delete;
   // `scheme`://127.0.0.1:port`path`
   std::string url(const std::string& scheme, const std::string& path) const {
     return scheme + "://127.0.0.1:" + std::to_string(port_) + path;
@@ -42,15 +37,6 @@ class LoopbackPort {
  private:
   int fd_;
   int port_ = 0;
-};
-
-// Connections are refused.
-struct ClosedPort : LoopbackPort {
-  ClosedPort() : LoopbackPort(false) {}
-};
-// Connections are accepted into the backlog and never answered.
-struct SilentPort : LoopbackPort {
-  SilentPort() : LoopbackPort(true) {}
 };
 
 }  // namespace vemba::tests

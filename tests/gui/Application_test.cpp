@@ -33,21 +33,17 @@ TEST_F(ApplicationTest, KeyWindowIsTheActiveToplevelAndScenesAreEmpty) {
   gtk_window_present(second);
   ASSERT_TRUE(runUntil([&] { return gtk_window_is_active(second) == TRUE; }));
 
+  // The first window is listed; the one active last is the only key window.
   const auto windows = app().windows();
-  int keyCount = 0;
-  bool foundFirst = false;
-  for (const auto& candidate : windows) {
-    keyCount += candidate->isKeyWindow() ? 1 : 0;
-    if (candidate->rootScreen() == screenForWindow(window)) {
-      foundFirst = true;
-      EXPECT_FALSE(candidate->isKeyWindow());
+  const auto expectOnlySecondIsKey = [&] {
+    bool foundFirst = false;
+    for (const auto& candidate : app().windows()) {
+      foundFirst = foundFirst || candidate->rootScreen() == screenForWindow(window);
+      EXPECT_EQ(candidate->isKeyWindow(), candidate->rootScreen() == screenForWindow(second));
     }
-    if (candidate->rootScreen() == screenForWindow(second)) {
-      EXPECT_TRUE(candidate->isKeyWindow());
-    }
-  }
-  EXPECT_EQ(keyCount, 1);
-  EXPECT_TRUE(foundFirst);
+    EXPECT_TRUE(foundFirst);
+  };
+  expectOnlySecondIsKey();
 
   // Another application's window takes the focus (ours are in the background): the key window
   // is still the one active last. The other application quits by itself.
@@ -58,10 +54,7 @@ TEST_F(ApplicationTest, KeyWindowIsTheActiveToplevelAndScenesAreEmpty) {
             0);
   ASSERT_TRUE(runUntil([&] { return gtk_window_is_active(second) == FALSE; }, milliseconds(5000)));
   EXPECT_FALSE(gtk_window_is_active(window));
-  for (const auto& candidate : app().windows()) {
-    EXPECT_EQ(candidate->isKeyWindow(),
-              candidate->rootScreen() == platform::Screen::of(screenForWindow(second)));
-  }
+  expectOnlySecondIsKey();
 
   // A window that went away is neither key nor has a screen.
   gtk_window_destroy(second);

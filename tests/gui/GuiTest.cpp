@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "LinuxUi.h"
+#include "vemba/linux/Screens.h"
 
 #if defined(VEMBA_GUI_TESTS_UNDER_SANITIZERS)
 // Sanitizer suppressions, by named library only (defined here, in the object every GUI test
@@ -45,6 +46,17 @@ void GuiTest::SetUp() {
   gtk_window_set_default_size(window, kWindowWidth, kWindowHeight);
   gtk_window_present(window);
   ASSERT_TRUE(runUntil([this] { return gtk_widget_get_width(GTK_WIDGET(window)) > 0; }));
+}
+
+platform::View& GuiTest::presentFullScreen() {
+  fullScreen = ui->createScreen();
+  fullScreen->setModalPresentationStyle(platform::ModalPresentationStyle::fullScreen);
+  bool presented = false;
+  platform::Screen::of(screenForWindow(window))->presentScreen(fullScreen, false, [&] {
+    presented = true;
+  });
+  EXPECT_TRUE(runUntil([&] { return presented; }));
+  return fullScreen->view();
 }
 
 void GuiTest::TearDown() {

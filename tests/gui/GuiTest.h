@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -33,9 +34,12 @@ class GuiTest : public ::testing::Test {
     return tests::runMainLoopUntil(condition, limit);
   }
   static void runFor(std::chrono::milliseconds span) { tests::runMainLoopFor(span); }
+  // Presents a new full-screen screen over the window, without animation; its root view.
+  platform::View& presentFullScreen();
 
   platform::Ui* ui = nullptr;
   GtkWindow* window = nullptr;
+  std::shared_ptr<platform::Screen> fullScreen;  // the last one presentFullScreen() presented
 
  private:
   static void failOnCritical(const gchar* domain, GLogLevelFlags level, const gchar* message,

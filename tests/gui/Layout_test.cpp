@@ -13,22 +13,7 @@ using Edge = platform::LayoutAnchor::Attribute;
 using platform::Rect;
 using std::chrono::milliseconds;
 
-class LayoutTest : public GuiTest {
- protected:
-  // A full-screen screen presented over the window; returns its root view.
-  platform::View& presentFullScreen() {
-    host = platform::Screen::of(screenForWindow(window));
-    screen = ui->createScreen();
-    screen->setModalPresentationStyle(platform::ModalPresentationStyle::fullScreen);
-    bool presented = false;
-    host->presentScreen(screen, false, [&] { presented = true; });
-    EXPECT_TRUE(runUntil([&] { return presented; }));
-    return screen->view();
-  }
-
-  std::shared_ptr<platform::Screen> host;
-  std::shared_ptr<platform::Screen> screen;
-};
+class LayoutTest : public GuiTest {};
 
 TEST_F(LayoutTest, ProgressLineSpansItsGrandparentAndIsOnePixelHigh) {
   platform::View& root = presentFullScreen();

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "GuiTest.h"
+#include "WindowPixels.h"
 #include "ui/GtkScreen.h"
-#include "ui/WindowSnapshot.h"
 #include "vemba/linux/Screens.h"
 
 namespace vemba::gui_test {
@@ -21,31 +21,6 @@ using Edge = platform::LayoutAnchor::Attribute;
 std::string snapshotPath(const std::string& name) {
   const char* dir = std::getenv("VEMBA_SNAPSHOT_DIR");
   return std::string(dir != nullptr ? dir : ".") + "/" + name;
-}
-
-// The pixels of a PNG (ARGB, native endian) and its width; empty when unreadable.
-struct Png {
-  std::vector<guint32> pixels;
-  int width = 0;
-  guint32 at(int x, int y) const {
-    return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                  static_cast<std::size_t>(x)];
-  }
-};
-
-Png readPng(const std::string& path) {
-  Png png;
-  GdkTexture* texture = gdk_texture_new_from_filename(path.c_str(), nullptr);
-  if (texture == nullptr) {
-    return png;
-  }
-  png.width = gdk_texture_get_width(texture);
-  const int height = gdk_texture_get_height(texture);
-  png.pixels.resize(static_cast<std::size_t>(png.width) * static_cast<std::size_t>(height));
-  gdk_texture_download(texture, reinterpret_cast<guchar*>(png.pixels.data()),
-                       static_cast<gsize>(png.width) * 4);
-  g_object_unref(texture);
-  return png;
 }
 
 class SnapshotTest : public GuiTest {};
@@ -83,9 +58,7 @@ TEST_F(SnapshotTest, SheetWithTitleCloseItemProgressLineAndContent) {
                 {line->anchor(Edge::height), std::nullopt, 1}});
   runFor(std::chrono::milliseconds(300));
 
-  const std::string path = snapshotPath("sheet.png");
-  ASSERT_TRUE(linux_platform::saveWindowPng(window, path));
-  const Png png = readPng(path);
+  const tests::WindowPixels png = tests::drawnPixels(window, snapshotPath("sheet.png"));
   ASSERT_EQ(png.width, kWindowWidth);
   const guint32 backdrop = png.at(20, 300);
   const guint32 panel = png.at(400, 500);
@@ -97,13 +70,7 @@ TEST_F(SnapshotTest, SheetWithTitleCloseItemProgressLineAndContent) {
 
 // The close button's frame and the filling view's, then what is drawn of them.
 TEST_F(SnapshotTest, FullScreenScreenWithCloseButton) {
-  auto host = platform::Screen::of(screenForWindow(window));
-  auto screen = ui->createScreen();
-  screen->setModalPresentationStyle(platform::ModalPresentationStyle::fullScreen);
-  bool presented = false;
-  host->presentScreen(screen, false, [&] { presented = true; });
-  ASSERT_TRUE(runUntil([&] { return presented; }));
-  platform::View& root = screen->view();
+  platform::View& root = presentFullScreen();
   root.setBackgroundColor(platform::Color::rgba(0, 0, 0, 1));
   auto ad = ui->createView();
   ad->setFrame(root.bounds());
@@ -131,9 +98,7 @@ TEST_F(SnapshotTest, FullScreenScreenWithCloseButton) {
   EXPECT_EQ(root.bounds(), full);
   runFor(std::chrono::milliseconds(300));
 
-  const std::string path = snapshotPath("fullscreen.png");
-  ASSERT_TRUE(linux_platform::saveWindowPng(window, path));
-  const Png png = readPng(path);
+  const tests::WindowPixels png = tests::drawnPixels(window, snapshotPath("fullscreen.png"));
   ASSERT_EQ(png.width, kWindowWidth);
   const guint32 adColour = png.at(400, 300);
   EXPECT_GT((adColour >> 8U) & 0xFFU, ((adColour >> 16U) & 0xFFU) + 50)

@@ -1,7 +1,7 @@
 // The main of the web view tests: plain gtest with every proxy setting removed (WebKit only ever
 // talks to the loopback servers the tests start), accessibility off (no session bus under
-// Xvfb), and the user's data and cache folders moved to a fresh temporary folder, so that a test
-// can see what a web view leaves behind and nothing reaches the real home.
+// Xvfb), and the user's data and cache folders moved to a fresh temporary folder, so that nothing
+// a web view stores reaches the real home.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -20,7 +20,6 @@ int main(int argc, char** argv) {
   if (mkdtemp(home.data()) != nullptr) {
     setenv("XDG_DATA_HOME", (home + "/data").c_str(), 1);
     setenv("XDG_CACHE_HOME", (home + "/cache").c_str(), 1);
-    setenv("VEMBA_WEB_TEST_HOME", home.c_str(), 1);
   }
   ::testing::InitGoogleTest(&argc, argv);
   const int result = RUN_ALL_TESTS();

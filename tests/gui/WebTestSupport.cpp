@@ -30,13 +30,12 @@ void WindowCloser::operator()(GtkWindow* window) const {
   g_object_unref(window);
 }
 
-TestWebView makeWebView(std::optional<std::string> applicationName) {
+TestWebView makeWebView() {
   setEphemeralWebViews(true);
   TestWebView made;
   made.controller = linux_platform::createUserContentController();
   platform::WebViewConfiguration configuration;
   configuration.userContentController = made.controller;
-  configuration.applicationNameForUserAgent = std::move(applicationName);
   made.view = linux_platform::createWebView(platform::Rect{}, configuration);
   made.delegate = std::make_shared<RecordingNavigationDelegate>();
   made.view->setNavigationDelegate(made.delegate);

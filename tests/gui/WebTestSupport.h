@@ -97,7 +97,7 @@ struct TestWebView {
   // Loads `request` and runs the main loop until the load has ended (once more than before).
   bool loadAndWait(const platform::WebRequest& request);
 };
-TestWebView makeWebView(std::optional<std::string> applicationName = std::nullopt);
+TestWebView makeWebView();
 
 // A request for `url` (which must parse) with a time-out.
 platform::WebRequest requestFor(const std::string& url,

@@ -17,7 +17,7 @@
 #include "ExchangeTest.h"
 #include "LocalExchange.h"
 #include "WebTestSupport.h"
-#include "WindowSnapshot.h"
+#include "WindowPixels.h"
 #include "checkout/bridge/CheckoutBridge.h"
 #include "checkout/bridge/InstrumentationPayload.h"
 #include "platform/UrlErrorCode.h"
@@ -89,23 +89,6 @@ TEST_F(WebViewTest, ShowsATrustedHttpsPageLoadedInTheSeamsOrderFromOneRequest) {
   })) << path;
 }
 
-// The middle pixel of the window as drawn now (ARGB); 0 when it cannot be drawn.
-guint32 middlePixel(GtkWindow* window) {
-  const std::string path = (std::filesystem::current_path() / "web-view-canvas.png").string();
-  GdkTexture* texture = linux_platform::saveWindowPng(window, path)
-                            ? gdk_texture_new_from_filename(path.c_str(), nullptr)
-                            : nullptr;
-  if (texture == nullptr) {
-    return 0;
-  }
-  const int width = gdk_texture_get_width(texture);
-  std::vector<guint32> pixels(static_cast<std::size_t>(width * gdk_texture_get_height(texture)));
-  gdk_texture_download(texture, reinterpret_cast<guchar*>(pixels.data()),
-                       static_cast<gsize>(width) * 4);
-  g_object_unref(texture);
-  return pixels[pixels.size() / 2 + static_cast<std::size_t>(width) / 2];
-}
-
 // Where a page draws nothing: white under an opaque view (its own colour shows only until the
 // first page), the view's own colour under a transparent one.
 TEST_F(WebViewTest, APageWithoutABackgroundIsDrawnOnTheCanvasTheViewAsksFor) {
@@ -124,9 +107,11 @@ TEST_F(WebViewTest, APageWithoutABackgroundIsDrawnOnTheCanvasTheViewAsksFor) {
     made.view->setOpaque(c.opaque);
     made.view->setBackgroundColor(c.color);
     ASSERT_TRUE(made.loadAndWait(requestFor("data:text/html,%3Cp%3Elumen%3C/p%3E")));
+    const std::string path = (std::filesystem::current_path() / "web-view-canvas.png").string();
     guint32 pixel = 0;
     EXPECT_TRUE(runMainLoopUntil([&] {
-      pixel = middlePixel(made.window.get());
+      const WindowPixels drawn = drawnPixels(made.window.get(), path);
+      pixel = drawn.width > 0 ? drawn.at(drawn.width / 2, drawn.height() / 2) : 0;
       return pixel == c.expected;
     })) << std::hex
         << pixel;

@@ -62,16 +62,6 @@ TEST_F(AdShowTest, RewardedPageCloseEarnsTheRewardBeforeTheDismissal) {
   EXPECT_EQ(reward[0]["reward"], (nlohmann::json{{"amount", 1}, {"type", "reward"}}));
 }
 
-TEST_F(AdShowTest, AClickThroughIsReportedAndOpenedOutside) {
-  const InspectorRun run =
-      show("itest-click", page("interstitial.html?auto=clickthrough,close&autoDelay=400"));
-  EXPECT_EQ(run.trace(),
-            (Strings{"adDidLoad", "adDidShow", "adDidClick", "opened", "adDidDismiss"}));
-  EXPECT_EQ(
-      run.where("opened", exchange_->origin() + "/landing/interstitial?from=interstitial").size(),
-      1U);
-}
-
 // The page's first close while the sheet is over the ad dismisses the sheet; the next one, the ad.
 TEST_F(AdShowTest, ShopThisPresentsACheckoutSheetOverTheAd) {
   const InspectorRun run =
@@ -80,16 +70,6 @@ TEST_F(AdShowTest, ShopThisPresentsACheckoutSheetOverTheAd) {
                                   "adDidDismiss"}));
   EXPECT_EQ(pageRequests("/checkout/demo").size(), 1U);
   EXPECT_NE(run.errors.find("Presenting Checkout Sheet for URL: "), std::string::npos);
-}
-
-TEST_F(AdShowTest, APageThatTimesOutIsRetriedOnceASecondLater) {
-  // The first request of this key answers after 12 s: past the 10 s request time-out (-1001).
-  const std::string path = "/ads/slow-first/itest-retry/interstitial.html";
-  const InspectorRun run = show("itest-retry", page("slow-first/itest-retry/interstitial.html"),
-                                {"--close-after", "13"});
-  EXPECT_NE(run.errors.find("(Code: -1001)"), std::string::npos) << run.errors;
-  EXPECT_NE(run.errors.find("Retrying WebView load (Attempt 1/1)..."), std::string::npos);
-  EXPECT_EQ(pageRequests(path).size(), 2U);
 }
 
 TEST_F(AdShowTest, ARefusedConnectionIsNotRetried) {

@@ -27,13 +27,13 @@
 #include "LiveObjects.h"
 #include "MainLoop.h"
 #include "ProcessTree.h"
+#include "WindowPixels.h"
 #include "ads/core/VembaLogger.h"
 #include "platform/Screen.h"
 #include "platform/Services.h"
 #include "platform/View.h"
 #include "platform/WebView.h"
 #include "ui/GtkViewBase.h"
-#include "ui/WindowSnapshot.h"
 #include "unit/ads/RecordingDelegate.h"
 #include "vemba/Vemba.h"
 #include "vemba/checkout/Checkout.h"
@@ -62,17 +62,17 @@ constexpr auto kStepDeadline = 20s;     // one load, show, page load or dismissa
 constexpr auto kSettleDeadline = 15s;   // everything released after the last cycle
 constexpr guint32 kBlack = 0xFF000000;  // opaque, as ARGB: the ad web view's background
 
-bool has(const RecordingDelegate& delegate, const std::string& name) {
-  const Strings names = delegate.names();
+bool contains(const Strings& names, const std::string& name) {
   return std::find(names.begin(), names.end(), name) != names.end();
+}
+bool has(const RecordingDelegate& delegate, const std::string& name) {
+  return contains(delegate.names(), name);
 }
 
 // A checkout delegate that records its calls by name.
 struct CheckoutHost final : checkout::CheckoutDelegate {
   Strings calls;
-  bool has(const std::string& name) const {
-    return std::find(calls.begin(), calls.end(), name) != calls.end();
-  }
+  bool has(const std::string& name) const { return contains(calls, name); }
   void checkoutDidComplete(const checkout::CheckoutCompletedEvent& /*e*/) override {
     calls.emplace_back("complete");
   }
@@ -222,11 +222,11 @@ class InProcessScreensTest
     return page != nullptr && focus != nullptr &&
            (focus == page || gtk_widget_is_ancestor(focus, page));
   }
-  // A rewarded ad that has loaded and tells `delegate`; null when it did not load.
-  static std::shared_ptr<VembaRewardedAd> loadedRewardedAd(
-      const std::shared_ptr<RecordingDelegate>& delegate) {
-    const std::shared_ptr<VembaRewardedAd> ad = VembaRewardedAd::create("cycles-unit");
-    ad->setDelegate(std::static_pointer_cast<VembaRewardedAdDelegate>(delegate));
+  // An ad of type `Ad` that has loaded and tells `delegate`; null when it did not load.
+  template <typename Ad = VembaRewardedAd, typename Delegate = VembaRewardedAdDelegate>
+  static std::shared_ptr<Ad> loadedAd(const std::shared_ptr<RecordingDelegate>& delegate) {
+    const std::shared_ptr<Ad> ad = Ad::create("cycles-unit");
+    ad->setDelegate(std::static_pointer_cast<Delegate>(delegate));
     ad->load();
     return runMainLoopUntil([&] { return has(*delegate, "adDidLoad"); }, kStepDeadline) ? ad
                                                                                         : nullptr;
@@ -246,19 +246,10 @@ class InProcessScreensTest
           std::to_string(static_cast<int>(bounds.origin.y + bounds.size.height / 2)) + " click 1");
   }
 
-  // The window's pixel (ARGB) a quarter of its width in, half way down, as drawn now.
-  guint32 pixelLeftOfCentre() const {
-    const std::string path = home_ + "/window.png";
-    GdkTexture* png = nullptr;
-    if (!linux_platform::saveWindowPng(window_, path) ||
-        (png = gdk_texture_new_from_filename(path.c_str(), nullptr)) == nullptr) {
-      return 0;
-    }
-    const auto width = static_cast<std::size_t>(gdk_texture_get_width(png));
-    std::vector<guint32> pixels(width * static_cast<std::size_t>(gdk_texture_get_height(png)));
-    gdk_texture_download(png, reinterpret_cast<guchar*>(pixels.data()), width * sizeof(guint32));
-    g_object_unref(png);
-    return pixels[pixels.size() / 2 - width / 4];
+  // The window's pixel (ARGB) three quarters of its width in, half way down, as drawn now.
+  guint32 pixelRightOfCentre() const {
+    const WindowPixels drawn = drawnPixels(window_, home_ + "/window.png");
+    return drawn.width > 0 ? drawn.at(drawn.width * 3 / 4, drawn.height() / 2) : 0;
   }
 
   // The ad's screen (the window's top screen) and its views: the web view, then the close button
@@ -285,11 +276,8 @@ class InProcessScreensTest
   template <typename Ad, typename Delegate>
   Strings cycle(std::size_t index, CloseBy closeBy, std::chrono::milliseconds hiddenFor) {
     const auto delegate = std::make_shared<RecordingDelegate>();
-    std::shared_ptr<Ad> ad = Ad::create("cycles-unit");
-    ad->setDelegate(std::static_pointer_cast<Delegate>(delegate));
-    ad->load();
-    const bool loaded = runMainLoopUntil([&] { return !delegate->calls.empty(); }, kStepDeadline);
-    if (!loaded || !has(*delegate, "adDidLoad")) {
+    const std::shared_ptr<Ad> ad = loadedAd<Ad, Delegate>(delegate);
+    if (ad == nullptr) {
       ADD_FAILURE() << "cycle " << index << ": no load";
       return delegate->names();
     }
@@ -387,10 +375,8 @@ TEST_F(InProcessScreensTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowU
   ASSERT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 0; }, kSettleDeadline));
 
   const auto delegate = std::make_shared<RecordingDelegate>();
-  const std::shared_ptr<VembaInterstitialAd> ad = VembaInterstitialAd::create("cycles-unit");
-  ad->setDelegate(std::static_pointer_cast<VembaInterstitialAdDelegate>(delegate));
-  ad->load();
-  ASSERT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidLoad"); }, kStepDeadline));
+  const auto ad = loadedAd<VembaInterstitialAd, VembaInterstitialAdDelegate>(delegate);
+  ASSERT_NE(ad, nullptr);
 
   // Loaded and not shown: exactly one web process, running ahead of the show.
   ASSERT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 1; }, kStepDeadline));
@@ -414,12 +400,12 @@ TEST_F(InProcessScreensTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowU
   const std::size_t before = pages();
   ASSERT_EQ(killWebProcessesOf(getpid()), warm);
   ASSERT_TRUE(runMainLoopUntil(
-      [&] { return pages() == before + 1 && pageLoaded() && pixelLeftOfCentre() != kBlack; },
+      [&] { return pages() == before + 1 && pageLoaded() && pixelRightOfCentre() != kBlack; },
       kStepDeadline));
   ASSERT_EQ(killWebProcessesOf(getpid()).size(), 1U);
   runMainLoopFor(2s);  // time enough for a reload, which must not come
   EXPECT_EQ(pages(), before + 1);
-  EXPECT_EQ(pixelLeftOfCentre(), kBlack);
+  EXPECT_EQ(pixelRightOfCentre(), kBlack);
 
   const std::shared_ptr<platform::View> button = adSubview(1);
   ASSERT_NE(button, nullptr);
@@ -433,10 +419,9 @@ TEST_F(InProcessScreensTest, AnAdWaitingToBeShownKeepsOneWebProcessWhichItsShowU
   EXPECT_EQ(linux_platform::liveWebViewCount(), 0U);
 
   // A ready ad its host lets go of, unshown, takes its readied process with it.
-  std::shared_ptr<VembaInterstitialAd> unshown = VembaInterstitialAd::create("cycles-unit");
-  unshown->setDelegate(std::static_pointer_cast<VembaInterstitialAdDelegate>(delegate));
-  unshown->load();
-  ASSERT_TRUE(runMainLoopUntil([&] { return unshown->isReady(); }, kStepDeadline));
+  auto unshown = loadedAd<VembaInterstitialAd, VembaInterstitialAdDelegate>(
+      std::make_shared<RecordingDelegate>());
+  ASSERT_TRUE(unshown != nullptr && unshown->isReady());
   ASSERT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 1; }, kStepDeadline));
   unshown.reset();
   EXPECT_TRUE(runMainLoopUntil([] { return webProcessesOf(getpid()) == 0; }, kSettleDeadline));
@@ -484,7 +469,7 @@ TEST_F(InProcessScreensTest, ACheckoutSheetIsModalAndItsPageHasTheKeyboardFirst)
 
 TEST_F(InProcessScreensTest, AnAdIsModalAndAnEscapeItsPageLeavesAloneClosesIt) {
   const auto delegate = std::make_shared<RecordingDelegate>();
-  const std::shared_ptr<VembaRewardedAd> ad = loadedRewardedAd(delegate);
+  const std::shared_ptr<VembaRewardedAd> ad = loadedAd(delegate);
   ASSERT_NE(ad, nullptr);
   // From the window's top screen; from its root while something is presented it is refused.
   const auto cover = std::make_shared<CheckoutHost>();
@@ -527,7 +512,7 @@ TEST_F(InProcessScreensTest, AnAdIsModalAndAnEscapeItsPageLeavesAloneClosesIt) {
 // new content goes beneath them, and a closed window ends them as the user would.
 TEST_F(InProcessScreensTest, TheHostMayReplaceItsContentOrCloseItsWindowMeanwhile) {
   const auto delegate = std::make_shared<RecordingDelegate>();
-  const std::shared_ptr<VembaRewardedAd> ad = loadedRewardedAd(delegate);
+  const std::shared_ptr<VembaRewardedAd> ad = loadedAd(delegate);
   ASSERT_NE(ad, nullptr);
   ad->show(screen_);
   ASSERT_TRUE(runMainLoopUntil([&] { return has(*delegate, "adDidShow"); }, kStepDeadline));

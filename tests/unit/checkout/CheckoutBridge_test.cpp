@@ -51,7 +51,6 @@ class CheckoutBridgeTest : public tests::CheckoutTest {};
 
 TEST_F(CheckoutBridgeTest, MalformedErrorBodiesAreLoggedAndIgnored) {
   const std::vector<std::string> texts = {
-      envelope("error", R"([{"group":"Expired"}])"),
       envelope("error", "not json"),
       envelope("error", R"({"group":"expired"})"),
       envelope("error", R"([{"group":"expired","code":5}])"),
