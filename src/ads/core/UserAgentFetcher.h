@@ -3,7 +3,6 @@
 // Created once, never destroyed; thread-safe.
 #pragma once
 
-#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -14,8 +13,8 @@ class UserAgentFetcher {
  public:
   static UserAgentFetcher& shared();
 
-  // Calls `completion` exactly once, synchronously, before returning, with the user agent.
-  void fetch(const std::function<void(const std::string&)>& completion);
+  // The user agent, composed and cached by the first call.
+  std::string userAgent();
 
   std::optional<std::string> cachedUserAgent() const;
 
