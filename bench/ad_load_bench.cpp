@@ -165,8 +165,7 @@ int main(int argc, char** argv) {
   ad->setDelegate(delegate);
 
   // The bytes the library sends, built by the library itself.
-  std::string userAgent;
-  vemba::UserAgentFetcher::shared().fetch([&](const std::string& ua) { userAgent = ua; });
+  const std::string userAgent = vemba::UserAgentFetcher::shared().userAgent();
   vemba::ads::BidExchange requestBuilder({vemba::ads::AdFormat::Kind::interstitial, ""},
                                          "bench-unit");
   const std::string body = *vemba::ads::encodeBidRequestText(

@@ -12,9 +12,9 @@
 #include "ExchangeTest.h"
 #include "LocalExchange.h"
 #include "MainLoop.h"
-#include "ads/bidding/BidExchange.h"
 #include "ads/core/UserAgentFetcher.h"
 #include "ads/core/VembaSDKForTesting.h"
+#include "ads/formats/BidExchangeForTesting.h"
 #include "unit/ads/RecordingDelegate.h"
 #include "vemba/Vemba.h"
 
@@ -75,7 +75,7 @@ TEST_F(AdLoadIntegrationTest, InterstitialRequestAsReceivedByTheServer) {
   EXPECT_NE(entry["body"].get<std::string>().find("Mozilla\\/5.0"), std::string::npos);
 
   // The billing pixel goes out as a GET without the key.
-  ads::AdAccess::exchange(*ad).fireBillingPixel();
+  ads::BidExchangeForTesting::of(*ad).fireBillingPixel();
   const auto hits = exchange_->waitForLog("billing", 1, std::chrono::seconds(10));
   ASSERT_EQ(hits.size(), 1U);
   EXPECT_EQ(hits[0]["method"], "GET");

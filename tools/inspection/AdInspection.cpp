@@ -12,9 +12,7 @@ void setAdLogSink(std::function<void(std::string_view line)> sink) {
 }
 
 std::string adUserAgent() {
-  std::string userAgent;
-  UserAgentFetcher::shared().fetch([&](const std::string& ua) { userAgent = ua; });
-  return userAgent;
+  return UserAgentFetcher::shared().userAgent();
 }
 
 Expected<std::string, std::string> bidRequestBody(bool rewarded, const std::string& adUnitId,

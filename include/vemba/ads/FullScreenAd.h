@@ -3,9 +3,9 @@
 // library).
 //
 // Owned by the host through std::shared_ptr (use create() or std::make_shared): the load path
-// holds the ad through a std::weak_ptr of its class, and an ad that is not owned by a shared_ptr
-// does not load at all. Used on the main thread; all delegate calls arrive there. Hosts may
-// subclass and override.
+// holds the ad through a std::weak_ptr, and an ad that is not owned by a shared_ptr does not load
+// at all. Used on the main thread; all delegate calls arrive there. Hosts may subclass and
+// override.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +22,7 @@ namespace vemba {
 namespace ads {
 class BidExchange;
 struct BidOutcome;
-struct AdAccess;
+struct BidExchangeForTesting;
 class PreparedWebViewClaim;
 class VembaWebViewController;
 class VembaWebViewControllerDelegate;
@@ -67,8 +67,8 @@ class VEMBA_EXPORT FullScreenAd : public std::enable_shared_from_this<Self> {
   explicit FullScreenAd(std::string adUnitId);
 
  private:
-  friend struct ads::AdAccess;
-  ads::BidExchange& bidExchange() const { return *exchange_; }
+  friend struct ads::BidExchangeForTesting;
+  // Main thread: settles the readiness an outcome leaves, then tells the delegate.
   void deliverBidOutcome(const ads::BidOutcome& outcome);
   // Tells the delegate, on a later turn, that a show presented nothing, and why.
   void failToShow(VembaShowErrorCode code);

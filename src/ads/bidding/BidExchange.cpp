@@ -1,6 +1,7 @@
 #include "ads/bidding/BidExchange.h"
 
 #include <cmath>
+#include <cstdint>
 #include <utility>
 
 #include "ads/bidding/BidRecordsJson.h"
@@ -45,6 +46,13 @@ void log(std::string_view prefix, std::string_view value) {
   VembaLogger::log(message);
 }
 
+// Any thread. The hop takes the caller's only strong reference to the ad (inside `delivery`), so
+// the ad is never released on a worker thread.
+void deliverOnMainQueue(BidExchange::Delivery delivery, BidOutcome outcome) {
+  platform::services().mainQueue->post(
+      [delivery = std::move(delivery), outcome = std::move(outcome)] { delivery(outcome); });
+}
+
 }  // namespace
 
 BidEndpoints BidEndpoints::defaults() {
@@ -52,35 +60,31 @@ BidEndpoints BidEndpoints::defaults() {
                       std::string(VEMBA_EXCHANGE_ORIGIN) + kBillingPath};
 }
 
-void fetchUserAgent(const std::function<void(const std::string&)>& completion) {
-  UserAgentFetcher::shared().fetch(completion);
-}
-
 BidExchange::BidExchange(AdFormat format, std::string adUnitId, BidEndpoints endpoints)
     : format_(format), adUnitId_(std::move(adUnitId)), endpoints_(std::move(endpoints)) {}
 
 std::optional<std::string> BidExchange::bidId() const {
-  const std::lock_guard lock(mutex_);
-  return bidId_;
+  const std::lock_guard lock(stored_->mutex);
+  return stored_->bidId;
 }
 
 std::optional<Url> BidExchange::admURL() const {
-  const std::lock_guard lock(mutex_);
-  return admURL_;
+  const std::lock_guard lock(stored_->mutex);
+  return stored_->admURL;
 }
 
 std::optional<Url> BidExchange::billingURL() const {
-  const std::lock_guard lock(mutex_);
-  return billingURL_;
+  const std::lock_guard lock(stored_->mutex);
+  return stored_->billingURL;
 }
 
 Expected<AdValue, std::string> BidExchange::impressionValue() const {
   double price = 0;
   std::optional<std::string> currency;
   {
-    const std::lock_guard lock(mutex_);
-    price = price_;
-    currency = currency_;
+    const std::lock_guard lock(stored_->mutex);
+    price = stored_->price;
+    currency = stored_->currency;
   }
   // A CPM: one impression earns a thousandth of the price, price × 1000 micros.
   const double micros = std::round(price * kMicrosPerCpmUnit);
@@ -93,8 +97,33 @@ Expected<AdValue, std::string> BidExchange::impressionValue() const {
                  kEstimatedPrecision};
 }
 
-void BidExchange::logLoad() const {
+void BidExchange::load(double bidFloor, Recipient recipient) {
   log(format_.loadMessage, adUnitId_);
+  const std::string userAgent = UserAgentFetcher::shared().userAgent();
+  // An ad that no shared_ptr owns is never reached, and nothing is sent for it.
+  Delivery beforeSending = recipient();
+  if (!beforeSending) {
+    return;
+  }
+  Preparation prepared = prepareBidRequest(userAgent, bidFloor);
+  if (Error* failure = std::get_if<Error>(&prepared)) {
+    deliverOnMainQueue(std::move(beforeSending), BidOutcome{std::move(*failure)});
+    return;
+  }
+  platform::HttpRequest* request = std::get_if<platform::HttpRequest>(&prepared);
+  if (request == nullptr) {
+    return;
+  }
+  platform::services().http->dataTask(
+      std::move(*request), [stored = stored_, billingBase = endpoints_.billingEndpointBase,
+                            recipient = std::move(recipient)](platform::HttpResult result) {
+        Delivery delivery = recipient();
+        if (!delivery) {
+          return;  // Released while in flight: nobody is told.
+        }
+        BidOutcome outcome = readAnswer(result, billingBase, *stored);
+        deliverOnMainQueue(std::move(delivery), std::move(outcome));
+      });
 }
 
 BidRequest BidExchange::createBidRequest(const std::string& ua, double bidFloor) const {
@@ -144,7 +173,12 @@ BidExchange::Preparation BidExchange::prepareBidRequest(const std::string& ua,
   return request;
 }
 
-BidOutcome BidExchange::handleHttpResult(const platform::HttpResult& result) {
+BidOutcome BidExchange::handleBidResponse(const BidResponse& response) {
+  return storeBid(response, endpoints_.billingEndpointBase, *stored_);
+}
+
+BidOutcome BidExchange::readAnswer(const platform::HttpResult& result,
+                                   const std::string& billingBase, StoredBid& stored) {
   if (const auto* failure = std::get_if<platform::TransportError>(&result)) {
     // The one place a URL-loading code becomes its readable text.
     const std::string description =
@@ -162,34 +196,32 @@ BidOutcome BidExchange::handleHttpResult(const platform::HttpResult& result) {
     log(log_message::kDecodingError, decoded.error().description());
     return {decoded.error().toError()};
   }
-  return handleBidResponse(decoded.value());
+  return storeBid(decoded.value(), billingBase, stored);
 }
 
-BidOutcome BidExchange::handleBidResponse(const BidResponse& response) {
+BidOutcome BidExchange::storeBid(const BidResponse& response, const std::string& billingBase,
+                                 StoredBid& stored) {
   // Only the first bid of the first seat is ever looked at.
   const Bid* bid = nullptr;
   if (response.seatbid && !response.seatbid->empty() && !response.seatbid->front().bid.empty()) {
     bid = &response.seatbid->front().bid.front();
   }
-  if (bid == nullptr || !bid->adm) {
-    return {VembaError::noBid().toError()};
-  }
-  std::optional<Url> adm = Url::parse(*bid->adm);
+  std::optional<Url> adm = bid != nullptr && bid->adm ? Url::parse(*bid->adm) : std::nullopt;
   if (!adm) {
     return {VembaError::noBid().toError()};
   }
-  // A failure leaves the stored bid state as it is; only a usable bid replaces it.
-  const std::lock_guard lock(mutex_);
-  bidId_ = response.bidid;
-  admURL_ = std::move(adm);
-  price_ = bid->price;
-  currency_ = response.cur;
+  // A failure leaves the stored bid as it is; only a usable bid replaces it.
+  const std::lock_guard lock(stored.mutex);
+  stored.bidId = response.bidid;
+  stored.admURL = std::move(adm);
+  stored.price = bid->price;
+  stored.currency = response.cur;
   std::optional<Url> burl = bid->burl ? Url::parse(*bid->burl) : std::nullopt;
   if (burl) {
-    billingURL_ = std::move(burl);
-  } else if (bidId_) {
+    stored.billingURL = std::move(burl);
+  } else if (stored.bidId) {
     // The bid id goes in as it stands, without percent-encoding.
-    billingURL_ = Url::parse(endpoints_.billingEndpointBase + kBidIdQuery + *bidId_ + kWinQuery);
+    stored.billingURL = Url::parse(billingBase + kBidIdQuery + *stored.bidId + kWinQuery);
   }
   // Otherwise a billing URL from an earlier load of this ad stays in place.
   return {};

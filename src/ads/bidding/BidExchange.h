@@ -1,15 +1,13 @@
 // The bid exchange shared by both ad formats: builds and posts the bid request, reads the
-// winning bid, keeps the page and billing URLs, reports the outcome on the main queue, and fires
+// winning bid, keeps the page and billing URLs, hands the outcome to the main queue, and fires
 // the billing pixel.
 //
-// Owned by its ad (one exchange per ad object, destroyed with it). load() runs on the calling
-// (main) thread. Every closure that outlives a call is bound to a typed pointer of the ad: the
-// user-agent callback and the HTTP completion hold a std::weak_ptr<Ad> and do nothing once it has
-// expired (an ad released in flight gets no callback); once the outcome is known, the main-queue
-// hop holds a std::shared_ptr<Ad> until it has run, and the worker keeps no reference after
-// posting, so the ad is never destroyed on the worker thread. The exchange reaches itself again
-// through the ad (AdAccess), never through a captured `this`. The bid state written on the worker
-// thread is guarded by a mutex; isReady and bidFloor belong to the main thread.
+// Owned by its ad (one exchange per ad object, destroyed with it); used on the main thread. The
+// exchange knows nothing of the ad: a load is given a Recipient, the ad's own closure holding the
+// ad weakly, and asks it for a Delivery wherever the ad could be gone (before sending, and when
+// the answer is in). The closures a load leaves behind hold only that Recipient and the stored
+// bid, never the exchange itself, so an answer arriving after the ad (and with it the exchange)
+// is gone finds what it needs, and then stops.
 #pragma once
 
 #include <functional>
@@ -18,14 +16,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <variant>
 
-#include "ads/bidding/AdAccess.h"
 #include "ads/bidding/BidRecords.h"
 #include "platform/HttpClient.h"
-#include "platform/MainQueue.h"
-#include "platform/Services.h"
 #include "vemba/Error.h"
 #include "vemba/Expected.h"
 #include "vemba/Url.h"
@@ -54,14 +48,25 @@ struct BidOutcome {
 
 class BidExchange {
  public:
+  // Runs on the main queue with one load's outcome: the ad settles its readiness (settle()) and
+  // tells its delegate. It holds the ad strongly until it has run.
+  using Delivery = std::function<void(const BidOutcome&)>;
+  // The ad's way back, asked on the thread where the load stands (the caller's before sending,
+  // the worker's once the answer is in): a Delivery while the ad exists, an empty one once it is
+  // gone. It holds the ad only weakly, so it may be dropped on any thread.
+  using Recipient = std::function<Delivery()>;
+
   explicit BidExchange(AdFormat format, std::string adUnitId,
                        BidEndpoints endpoints = BidEndpoints::defaults());
+  BidExchange(const BidExchange&) = delete;
+  BidExchange& operator=(const BidExchange&) = delete;
 
   const std::string& adUnitId() const { return adUnitId_; }
   double bidFloor() const { return bidFloor_; }
   void setBidFloor(double bidFloor) { bidFloor_ = bidFloor; }
   bool isReady() const { return isReady_; }
 
+  // The stored bid, as the last usable answer left it. Any thread.
   std::optional<std::string> bidId() const;
   std::optional<Url> admURL() const;
   std::optional<Url> billingURL() const;
@@ -69,13 +74,12 @@ class BidExchange {
   // be counted in micros (negative, not finite, or too large).
   Expected<AdValue, std::string> impressionValue() const;
 
-  // Main thread. Logs the load line, takes the user agent from the cache and, unless the ad is
-  // gone by then, performs the bid request. `Ad` is the ad class that owns this exchange, and is
-  // held from here on only through std::weak_ptr<Ad> / std::shared_ptr<Ad>.
-  template <typename Ad>
-  static void load(Ad& ad);
+  // Main thread. Logs the load line, takes the user agent and, while `recipient` reaches the
+  // ad, performs the bid request with `bidFloor` (the ad's bidFloor() as the ad reads it). An
+  // answer that finds the ad gone is dropped unread: no log line, no stored bid, no delivery.
+  // Outcomes are queued in the order the answers arrive.
+  void load(double bidFloor, Recipient recipient);
 
-  // `bidFloor` is the ad's bidFloor() as the ad reads it (a subclass may override the reader).
   BidRequest createBidRequest(const std::string& ua, double bidFloor) const;
 
   // What the request step decided before anything was sent: a request to send, a failure to
@@ -84,9 +88,7 @@ class BidExchange {
   using Preparation = std::variant<std::monostate, platform::HttpRequest, Error>;
   Preparation prepareBidRequest(const std::string& ua, double bidFloor) const;
 
-  // Worker thread: classifies the data task's result (logging where the outcome calls for it)
-  // and stores the bid state of a usable bid.
-  BidOutcome handleHttpResult(const platform::HttpResult& result);
+  // Any thread: stores the bid of a usable response (a failure leaves the stored bid as it is).
   BidOutcome handleBidResponse(const BidResponse& response);
 
   // Main thread: the readiness an outcome leaves (set before the delegate hears of it).
@@ -98,72 +100,30 @@ class BidExchange {
   void fireBillingPixel() const;
 
  private:
-  void logLoad() const;
-
-  template <typename Ad>
-  static void performBidRequest(const std::string& ua, const std::shared_ptr<Ad>& ad);
-  // Any thread. Queues the outcome for the main thread, holding the ad until it has run.
-  template <typename Ad>
-  static void deliverOnMainQueue(std::shared_ptr<Ad> ad, BidOutcome outcome);
+  // The bid the last usable answer left, written on the worker thread and read on the main one:
+  // shared with each request in flight, every field guarded by `mutex`.
+  struct StoredBid {
+    std::mutex mutex;
+    std::optional<std::string> bidId;
+    std::optional<Url> admURL;
+    std::optional<Url> billingURL;
+    double price = 0;
+    std::optional<std::string> currency;
+  };
+  // Any thread: the steps of reading an answer (logging where the outcome calls for it); they
+  // write nothing but `stored`.
+  static BidOutcome readAnswer(const platform::HttpResult& result, const std::string& billingBase,
+                               StoredBid& stored);
+  static BidOutcome storeBid(const BidResponse& response, const std::string& billingBase,
+                             StoredBid& stored);
 
   const AdFormat format_;
   const std::string adUnitId_;
   const BidEndpoints endpoints_;
+  // Main-thread state: no closure of the load path touches it.
   double bidFloor_ = 0.0;
   bool isReady_ = false;
-
-  mutable std::mutex mutex_;  // guards the bid state below
-  std::optional<std::string> bidId_;
-  std::optional<Url> admURL_;
-  std::optional<Url> billingURL_;
-  double price_ = 0;
-  std::optional<std::string> currency_;
+  const std::shared_ptr<StoredBid> stored_ = std::make_shared<StoredBid>();
 };
-
-// The user agent comes from the process-wide cache; declared here so the template below does not
-// pull the cache's header into every includer.
-void fetchUserAgent(const std::function<void(const std::string&)>& completion);
-
-template <typename Ad>
-void BidExchange::load(Ad& ad) {
-  AdAccess::exchange(ad).logLoad();
-  // An ad that no shared_ptr owns has an empty weak pointer and stops here.
-  fetchUserAgent([weakAd = ad.weak_from_this()](const std::string& userAgent) {
-    if (const std::shared_ptr<Ad> alive = weakAd.lock()) {
-      performBidRequest(userAgent, alive);
-    }
-  });
-}
-
-template <typename Ad>
-void BidExchange::performBidRequest(const std::string& ua, const std::shared_ptr<Ad>& ad) {
-  Preparation prepared = AdAccess::exchange(*ad).prepareBidRequest(ua, ad->bidFloor());
-  if (Error* failure = std::get_if<Error>(&prepared)) {
-    deliverOnMainQueue(ad, BidOutcome{std::move(*failure)});
-    return;
-  }
-  platform::HttpRequest* request = std::get_if<platform::HttpRequest>(&prepared);
-  if (request == nullptr) {
-    return;
-  }
-  platform::services().http->dataTask(
-      std::move(*request), [weakAd = std::weak_ptr<Ad>(ad)](platform::HttpResult result) {
-        std::shared_ptr<Ad> alive = weakAd.lock();
-        if (!alive) {
-          return;  // Released while in flight: nobody is told.
-        }
-        BidOutcome outcome = AdAccess::exchange(*alive).handleHttpResult(result);
-        // The hop takes the worker's only reference, so the ad cannot die on this thread.
-        deliverOnMainQueue(std::move(alive), std::move(outcome));
-      });
-}
-
-template <typename Ad>
-void BidExchange::deliverOnMainQueue(std::shared_ptr<Ad> ad, BidOutcome outcome) {
-  platform::services().mainQueue->post([ad = std::move(ad), outcome = std::move(outcome)] {
-    AdAccess::exchange(*ad).settle(outcome);
-    AdAccess::deliver(*ad, outcome);
-  });
-}
 
 }  // namespace vemba::ads

@@ -34,19 +34,13 @@ std::string UserAgentFetcher::compose(const std::string& model, const std::strin
   return out;
 }
 
-void UserAgentFetcher::fetch(const std::function<void(const std::string&)>& completion) {
-  std::string userAgent;
-  {
-    const std::lock_guard lock(mutex_);
-    if (!cachedUserAgent_) {
-      const platform::DeviceInfo& device = *platform::services().device;
-      cachedUserAgent_ = compose(device.model(), device.systemVersion());
-    }
-    userAgent = *cachedUserAgent_;
+std::string UserAgentFetcher::userAgent() {
+  const std::lock_guard lock(mutex_);
+  if (!cachedUserAgent_) {
+    const platform::DeviceInfo& device = *platform::services().device;
+    cachedUserAgent_ = compose(device.model(), device.systemVersion());
   }
-  if (completion) {
-    completion(userAgent);
-  }
+  return *cachedUserAgent_;
 }
 
 std::optional<std::string> UserAgentFetcher::cachedUserAgent() const {

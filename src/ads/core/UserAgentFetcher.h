@@ -3,7 +3,6 @@
 // Owner: AdsState (shared() is its member); thread-safe.
 #pragma once
 
-#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -15,8 +14,8 @@ class UserAgentFetcher {
   // The process-wide cache, in the ad half's state.
   static UserAgentFetcher& shared();
 
-  // Calls `completion` exactly once, synchronously, before returning, with the user agent.
-  void fetch(const std::function<void(const std::string&)>& completion);
+  // The user agent, composed and cached by the first call.
+  std::string userAgent();
 
   std::optional<std::string> cachedUserAgent() const;
 

@@ -61,13 +61,11 @@ void VembaSDK::initialize(const VembaConfiguration& configuration,
     store.adLifetimeSeconds = configuration.adLifetimeSeconds;
   }
   VembaLogger::log(std::string(log_message::kInitializing) + configuration.apiKey);
-  // The callback owns its copy of the completion: it captures nothing of this frame.
-  UserAgentFetcher::shared().fetch([completion](const std::string& userAgent) {
-    VembaLogger::log(std::string(log_message::kUserAgentPrewarmed) + userAgent);
-    if (completion) {
-      completion(true);
-    }
-  });
+  VembaLogger::log(std::string(log_message::kUserAgentPrewarmed) +
+                   UserAgentFetcher::shared().userAgent());
+  if (completion) {
+    completion(true);
+  }
 }
 
 }  // namespace vemba

@@ -86,11 +86,19 @@ bool FullScreenAd<Self, Delegate>::isReady() const {
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::load() {
-  ads::BidExchange::load(static_cast<Self&>(*this));
+  // The ad's one closure on the load path: it holds the ad weakly, its delivery strongly.
+  exchange_->load(bidFloor(), [weakAd = this->weak_from_this()]() -> ads::BidExchange::Delivery {
+    if (std::shared_ptr<Self> ad = weakAd.lock()) {
+      return
+          [ad = std::move(ad)](const ads::BidOutcome& outcome) { ad->deliverBidOutcome(outcome); };
+    }
+    return nullptr;
+  });
 }
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::deliverBidOutcome(const ads::BidOutcome& outcome) {
+  exchange_->settle(outcome);
   // Claimed before the host hears of the ad, so a show from inside adDidLoad finds it readied.
   if (outcome.loaded()) {
     preparedWebView_ = std::make_unique<ads::PreparedWebViewClaim>();
@@ -183,7 +191,16 @@ void FullScreenAd<Self, Delegate>::show(std::shared_ptr<ScreenHandle> handle) {
   // Spent before presenting, so a second show cannot present the same bid twice.
   exchange_->spend();
   if (!screenListener_) {
-    screenListener_ = std::make_shared<ads::AdScreenListener<Self>>(this->weak_from_this());
+    screenListener_ = std::make_shared<ads::AdScreenListener>(
+        [weakAd = this->weak_from_this()](ads::VembaWebViewController& closing) {
+          const std::shared_ptr<Self> ad = weakAd.lock();
+          return ad && ad->screenDidClose(closing);
+        },
+        [weakAd = this->weak_from_this()] {
+          if (const std::shared_ptr<Self> ad = weakAd.lock()) {
+            ad->screenDidClick();
+          }
+        });
   }
   controller->setDelegate(screenListener_);
   controller->holdPreparedWebView(std::move(preparedWebView_));
@@ -201,7 +218,7 @@ void FullScreenAd<Self, Delegate>::show(std::shared_ptr<ScreenHandle> handle) {
         }
         // Billed only once the ad is on screen, with or without a delegate; the impression is
         // recorded with the bill.
-        ads::AdAccess::exchange(*ad).fireBillingPixel();
+        ad->exchange_->fireBillingPixel();
         if (!value) {
           logError(value.error());
         } else if (const std::shared_ptr<Delegate> listener = ad->delegate()) {

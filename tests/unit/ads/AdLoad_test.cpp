@@ -1,5 +1,5 @@
-// The two public ad formats: what differs between them on the load path, and the user agent
-// lookup that holds the ad weakly.
+// The two public ad formats: what differs between them on the load path, and the loads of an ad
+// that no shared_ptr owns or that is released in flight.
 #include <gtest/gtest.h>
 
 #include <iterator>
@@ -11,6 +11,7 @@
 #include "RecordingDelegate.h"
 #include "ads/bidding/BidRecordsJson.h"
 #include "ads/core/UserAgentFetcher.h"
+#include "platform/UrlErrorCode.h"
 
 namespace vemba::tests {
 namespace {
@@ -128,15 +129,20 @@ TYPED_TEST(AdLoadTest, AFailureReloadedFromItsCallbackWaitsForTheNextDispatch) {
   }
   EXPECT_EQ(this->platform.mainQueue.dispatchOnce(), 0U);
   EXPECT_EQ(this->platform.http.taskCount(), 0U);
+  EXPECT_EQ(delegate->calls[0].error.code, 4);  // encodingFailed
 }
 
-TYPED_TEST(AdLoadTest, AdNotOwnedBySharedPtrStopsBeforeTheRequest) {
-  TypeParam ad("u");
-  ad.load();
+TYPED_TEST(AdLoadTest, AnAdNobodyOwnsSendsNothingAndOneReleasedInFlightHearsNothing) {
+  TypeParam("u").load();
   EXPECT_EQ(this->platform.http.taskCount(), 0U);
   EXPECT_EQ(this->logs.size(), 1U);  // only the load line
   // The user agent was still fetched and cached on the way.
   EXPECT_TRUE(UserAgentFetcher::shared().cachedUserAgent());
+
+  TypeParam::create("u")->load();  // released as soon as it has asked
+  this->platform.http.fail(0, platform::UrlErrorCode::timedOut);
+  EXPECT_EQ(this->platform.mainQueue.runUntilIdle(), 0U);
+  EXPECT_EQ(this->logs.size(), 3U);  // its load and send lines: the answer is not even read
 }
 
 }  // namespace
