@@ -59,18 +59,16 @@ TEST(GlibMainQueueTest, PostsFromOtherThreadsWakeTheLoopAndRunOnTheMainThreadInP
       }
     });
   }
-  const auto start = Clock::now();
   while (total < kThreads * kPerThread && !guardFired) {
     g_main_context_iteration(nullptr, TRUE);
   }
-  const auto took = Clock::now() - start;
   for (std::thread& poster : posters) {
     poster.join();
   }
   if (!guardFired) {
     g_source_remove(guard);
   }
-  EXPECT_LT(took, std::chrono::seconds(2));
+  EXPECT_FALSE(guardFired);  // the posts woke the loop, not the guard
   EXPECT_FALSE(offMainPostsSawMain);
   EXPECT_TRUE(allOnMain);
   for (int t = 0; t < kThreads; ++t) {
