@@ -37,7 +37,7 @@ std::string UserAgentFetcher::compose(const std::string& model, const std::strin
 void UserAgentFetcher::fetch(const std::function<void(const std::string&)>& completion) {
   std::string userAgent;
   {
-    const std::lock_guard lock(mutex_);
+    const MutexLock lock(mutex_);
     if (!cachedUserAgent_) {
       const platform::DeviceInfo& device = *platform::services().device;
       cachedUserAgent_ = compose(device.model(), device.systemVersion());
@@ -50,12 +50,12 @@ void UserAgentFetcher::fetch(const std::function<void(const std::string&)>& comp
 }
 
 std::optional<std::string> UserAgentFetcher::cachedUserAgent() const {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   return cachedUserAgent_;
 }
 
 void UserAgentFetcher::resetForTesting() {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   cachedUserAgent_.reset();
 }
 

@@ -4,9 +4,10 @@
 #pragma once
 
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <string>
+
+#include "common/ThreadSafety.h"
 
 namespace vemba {
 
@@ -27,8 +28,8 @@ class UserAgentFetcher {
 
  private:
   UserAgentFetcher() = default;
-  mutable std::mutex mutex_;
-  std::optional<std::string> cachedUserAgent_;
+  mutable Mutex mutex_;
+  std::optional<std::string> cachedUserAgent_ VEMBA_GUARDED_BY(mutex_);
 };
 
 }  // namespace vemba

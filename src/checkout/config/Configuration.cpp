@@ -2,11 +2,11 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <string_view>
 #include <utility>
 
 #include "checkout/config/ConfigurationStore.h"
+#include "common/ThreadSafety.h"
 #include "platform/DeviceInfo.h"
 #include "platform/Services.h"
 
@@ -19,8 +19,8 @@ constexpr std::string_view kTitleKey = "checkout_sheet_title";
 constexpr std::string_view kTitleDefault = "Checkout";
 constexpr std::string_view kTitleTable = "Localizable";
 
-std::mutex gConfigurationMutex;
-std::unique_ptr<Configuration> gConfiguration;  // guarded by gConfigurationMutex
+Mutex gConfigurationMutex;
+std::unique_ptr<Configuration> gConfiguration VEMBA_GUARDED_BY(gConfigurationMutex);
 std::atomic<bool> gInvalidateOnConfigurationChange{true};
 std::atomic<detail::PreloadingEnabledWriteHook> gPreloadingEnabledWriteHook{nullptr};
 
@@ -32,8 +32,7 @@ std::string defaultTitle() {
   return bundle->localizedString(kTitleKey, kTitleDefault, kTitleTable);
 }
 
-// Requires gConfigurationMutex.
-Configuration& globalLocked() {
+Configuration& globalLocked() VEMBA_REQUIRES(gConfigurationMutex) {
   if (!gConfiguration) {
     gConfiguration = std::make_unique<Configuration>();
   }
@@ -52,14 +51,14 @@ void Configuration::Preloading::setEnabled(bool enabled) {
 }
 
 Configuration configuration() {
-  const std::lock_guard<std::mutex> lock(gConfigurationMutex);
+  const MutexLock lock(gConfigurationMutex);
   return globalLocked();
 }
 
 namespace detail {
 
 void replaceConfiguration(Configuration replacement) {
-  const std::lock_guard<std::mutex> lock(gConfigurationMutex);
+  const MutexLock lock(gConfigurationMutex);
   gConfiguration = std::make_unique<Configuration>(std::move(replacement));
 }
 
@@ -84,7 +83,7 @@ void setPreloadingEnabledWriteHook(PreloadingEnabledWriteHook hook) {
 void resetConfigurationForTesting() {
   std::unique_ptr<Configuration> old;
   {
-    const std::lock_guard<std::mutex> lock(gConfigurationMutex);
+    const MutexLock lock(gConfigurationMutex);
     old = std::move(gConfiguration);
   }
   gInvalidateOnConfigurationChange = true;

@@ -28,7 +28,7 @@ std::string_view tagOf(platform::LogSeverity severity) {
   return kErrorTag;
 }
 
-std::mutex gSharedMutex;
+Mutex gSharedMutex;
 // Deliberately never destroyed at exit: lines may still be written by other static destructors.
 std::atomic<OSLogger*> gShared{nullptr};
 
@@ -43,7 +43,7 @@ OSLogger& OSLogger::shared() {
   if (OSLogger* existing = gShared.load(std::memory_order_acquire)) {
     return *existing;
   }
-  const std::lock_guard<std::mutex> lock(gSharedMutex);
+  const MutexLock lock(gSharedMutex);
   OSLogger* existing = gShared.load(std::memory_order_relaxed);
   if (existing == nullptr) {
     existing = new OSLogger();
@@ -53,7 +53,7 @@ OSLogger& OSLogger::shared() {
 }
 
 void OSLogger::resetSharedForTesting() {
-  const std::lock_guard<std::mutex> lock(gSharedMutex);
+  const MutexLock lock(gSharedMutex);
   delete gShared.exchange(nullptr, std::memory_order_acq_rel);
 }
 
@@ -71,12 +71,12 @@ void OSLogger::fault(std::string_view message) const {
 }
 
 std::string OSLogger::prefix() const {
-  const std::lock_guard<std::mutex> lock(prefixMutex_);
+  const MutexLock lock(prefixMutex_);
   return prefix_;
 }
 
 void OSLogger::setPrefix(std::string prefix) {
-  const std::lock_guard<std::mutex> lock(prefixMutex_);
+  const MutexLock lock(prefixMutex_);
   prefix_ = std::move(prefix);
 }
 
@@ -97,7 +97,7 @@ void OSLogger::write(platform::LogSeverity severity, std::string_view message) c
 
   std::string line;
   {
-    const std::lock_guard<std::mutex> lock(prefixMutex_);
+    const MutexLock lock(prefixMutex_);
     line.reserve(prefix_.size() + tag.size() + message.size() + 8);
     line.append("[").append(prefix_).append("] (");
   }

@@ -7,6 +7,7 @@
 #include "checkout/config/OSLogger.h"
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
 #include "checkout/webview/CheckoutWebView.h"
+#include "common/MainThread.h"
 #include "platform/Screen.h"
 #include "platform/Services.h"
 
@@ -27,16 +28,19 @@ void configurationDidChange() {
 }  // namespace
 
 void setConfiguration(Configuration replacement) {
+  VEMBA_ASSERT_MAIN_THREAD();
   detail::replaceConfiguration(std::move(replacement));
   configurationDidChange();
 }
 
 void configure(const std::function<void(Configuration&)>& modify) {
+  VEMBA_ASSERT_MAIN_THREAD();
   detail::modifyConfiguration(modify);
   configurationDidChange();
 }
 
 void preload(const Url& checkout) {
+  VEMBA_ASSERT_MAIN_THREAD();
   if (!configuration().preloading.enabled()) {
     return;
   }
@@ -57,6 +61,7 @@ std::shared_ptr<CheckoutViewController> present(const Url& checkout,
                                                 std::shared_ptr<ScreenHandle> from,
                                                 std::optional<MetaData::EntryPoint> entryPoint,
                                                 std::weak_ptr<CheckoutDelegate> delegate) {
+  VEMBA_ASSERT_MAIN_THREAD();
   return detail::presentCheckout(checkout, std::move(from), [&](platform::Ui& ui) {
     return CheckoutViewControllerImpl::create(ui, checkout, std::move(delegate), entryPoint);
   });
@@ -83,6 +88,7 @@ std::shared_ptr<CheckoutViewController> detail::presentCheckout(
 }
 
 void invalidate() {
+  VEMBA_ASSERT_MAIN_THREAD();
   CheckoutWebView::invalidate(/*disconnect=*/true);
 }
 
