@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds and runs every test: the CI build (warnings are errors), the
-# AddressSanitizer+UBSan and ThreadSanitizer builds, the formatting check and a short run of each
-# fuzzer. Exits non-zero on the first failure.
+# AddressSanitizer+UBSan and ThreadSanitizer builds, the formatting check, Clang's thread-safety
+# analysis of the library and a short run of each fuzzer. Exits non-zero on the first failure.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -16,6 +16,10 @@ section "format"
 scripts/check-format.sh
 section "test share"
 scripts/check-test-share.sh
+
+section "thread-safety analysis (clang, library code only)"
+cmake --preset thread-safety >/dev/null
+cmake --build --preset thread-safety -j "$jobs"
 
 for preset in ci asan-ubsan tsan; do
   section "build ($preset)"

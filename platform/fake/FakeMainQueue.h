@@ -1,5 +1,6 @@
 // A main queue run by hand, with virtual time. Single-threaded: tests post and run on one
-// thread.
+// thread, the thread that made the queue, which plays the main thread (isMainThread() is true
+// there only, so main-thread-only code called from another thread trips its check).
 //
 // It orders work exactly as the GLib main queue of the Linux backend does: one dispatch runs the
 // work that was due and already queued when the dispatch began, in (due time, posting) order;
@@ -13,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <thread>
 #include <utility>
 
 #include "platform/Clock.h"
@@ -24,7 +26,7 @@ class FakeMainQueue final : public platform::MainQueue, public platform::Clock {
  public:
   void post(std::function<void()> work) override;
   void postAfter(std::chrono::milliseconds delay, std::function<void()> work) override;
-  bool isMainThread() const override { return true; }
+  bool isMainThread() const override { return std::this_thread::get_id() == owner_; }
 
   std::chrono::system_clock::time_point wallNow() const override;
   std::chrono::steady_clock::time_point monotonicNow() const override;
@@ -44,6 +46,7 @@ class FakeMainQueue final : public platform::MainQueue, public platform::Clock {
   std::map<Key, std::function<void()>> queue_;
   std::chrono::milliseconds now_{0};
   std::uint64_t sequence_ = 0;
+  const std::thread::id owner_ = std::this_thread::get_id();
 };
 
 }  // namespace vemba::fake

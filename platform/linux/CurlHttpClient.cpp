@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
-#include <mutex>
 #include <new>
 #include <stdexcept>
 #include <string_view>
@@ -17,6 +16,7 @@
 
 #include "CurlErrorMap.h"
 #include "CurlHeaders.h"
+#include "common/ThreadSafety.h"
 #include "platform/UrlErrorCode.h"
 
 namespace vemba::linux_platform {
@@ -99,7 +99,7 @@ class CurlHttpClient::Worker {
 
   ~Worker() {
     {
-      const std::lock_guard<std::mutex> lock(mutex_);
+      const MutexLock lock(mutex_);
       stopping_ = true;
     }
     curl_multi_wakeup(multi_);
@@ -121,7 +121,7 @@ class CurlHttpClient::Worker {
     auto transfer = std::make_unique<Transfer>(std::move(request), std::move(completion),
                                                options_.maxResponseBytes);
     {
-      const std::lock_guard<std::mutex> lock(mutex_);
+      const MutexLock lock(mutex_);
       if (stopping_) {
         return;
       }
@@ -135,7 +135,7 @@ class CurlHttpClient::Worker {
     for (;;) {
       std::vector<std::unique_ptr<Transfer>> handedOver;
       {
-        const std::lock_guard<std::mutex> lock(mutex_);
+        const MutexLock lock(mutex_);
         if (stopping_) {
           return;
         }
@@ -312,9 +312,9 @@ class CurlHttpClient::Worker {
   const bool opensslVerifyResults_;
   CURLM* multi_ = nullptr;
 
-  std::mutex mutex_;
-  bool stopping_ = false;                                        // guarded by mutex_
-  std::vector<std::unique_ptr<Transfer>> incoming_;              // guarded by mutex_
+  Mutex mutex_;
+  bool stopping_ VEMBA_GUARDED_BY(mutex_) = false;
+  std::vector<std::unique_ptr<Transfer>> incoming_ VEMBA_GUARDED_BY(mutex_);
   std::unordered_map<CURL*, std::unique_ptr<Transfer>> active_;  // worker thread only
   std::thread thread_;
 };

@@ -69,7 +69,7 @@ void GlibMainQueue::post(std::function<void()> work) {
 void GlibMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> work) {
   delay = std::max(delay, std::chrono::milliseconds::zero());
   {
-    const std::lock_guard<std::mutex> lock(mutex_);
+    const MutexLock lock(mutex_);
     queue_.emplace(Key{Clock::now() + delay, nextSequence_++}, std::move(work));
   }
   // Once the lock is released the work may already have run on the main thread; only the
@@ -82,12 +82,12 @@ bool GlibMainQueue::isMainThread() const {
 }
 
 std::size_t GlibMainQueue::pendingCount() const {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const MutexLock lock(mutex_);
   return queue_.size();
 }
 
 std::optional<GlibMainQueue::Clock::duration> GlibMainQueue::timeUntilNextDue() const {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const MutexLock lock(mutex_);
   if (queue_.empty()) {
     return std::nullopt;
   }
@@ -98,14 +98,14 @@ void GlibMainQueue::runDue() {
   Clock::time_point now;
   std::uint64_t postedBefore = 0;
   {
-    const std::lock_guard<std::mutex> lock(mutex_);
+    const MutexLock lock(mutex_);
     now = Clock::now();
     postedBefore = nextSequence_;
   }
   for (;;) {
     std::function<void()> work;
     {
-      const std::lock_guard<std::mutex> lock(mutex_);
+      const MutexLock lock(mutex_);
       // Work posted during this dispatch sorts after everything that was due when it began
       // (its due time is at least `now`), so stopping at the first such item keeps the order.
       const auto head = queue_.begin();

@@ -24,10 +24,10 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <optional>
 #include <utility>
 
+#include "common/ThreadSafety.h"
 #include "platform/MainQueue.h"
 
 namespace vemba::linux_platform {
@@ -52,12 +52,12 @@ class GlibMainQueue final : public platform::MainQueue {
   using Key = std::pair<Clock::time_point, std::uint64_t>;  // due time, posting sequence
 
   // For the GSource: the time until the head is due (zero when it is, absent when empty).
-  std::optional<Clock::duration> timeUntilNextDue() const;
-  void runDue();
+  std::optional<Clock::duration> timeUntilNextDue() const VEMBA_EXCLUDES(mutex_);
+  void runDue() VEMBA_EXCLUDES(mutex_);
 
-  mutable std::mutex mutex_;
-  std::map<Key, std::function<void()>> queue_;  // guarded by mutex_
-  std::uint64_t nextSequence_ = 0;              // guarded by mutex_
+  mutable Mutex mutex_;
+  std::map<Key, std::function<void()>> queue_ VEMBA_GUARDED_BY(mutex_);
+  std::uint64_t nextSequence_ VEMBA_GUARDED_BY(mutex_) = 0;
   Source* source_ = nullptr;
 };
 

@@ -6,11 +6,11 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <mutex>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
 
+#include "common/ThreadSafety.h"
 #include "vemba/linux/LinuxPlatform.h"
 
 namespace vemba::linux_platform {
@@ -23,18 +23,18 @@ struct HostBundle {
   std::optional<std::string> shortVersion;
 };
 
-std::mutex& hostBundleMutex() {
-  static std::mutex mutex;
+Mutex& hostBundleMutex() {
+  static Mutex mutex;
   return mutex;
 }
 
-HostBundle& hostBundle() {  // guarded by hostBundleMutex()
+HostBundle& hostBundle() VEMBA_REQUIRES(hostBundleMutex()) {
   static HostBundle bundle;
   return bundle;
 }
 
 HostBundle currentHostBundle() {
-  const std::lock_guard<std::mutex> lock(hostBundleMutex());
+  const MutexLock lock(hostBundleMutex());
   return hostBundle();
 }
 
@@ -145,12 +145,12 @@ std::chrono::steady_clock::time_point SystemClock::monotonicNow() const {
 namespace vemba {
 
 void setBundleInfo(std::optional<std::string> identifier, std::optional<std::string> shortVersion) {
-  const std::lock_guard<std::mutex> lock(linux_platform::hostBundleMutex());
+  const MutexLock lock(linux_platform::hostBundleMutex());
   linux_platform::hostBundle() = {true, std::move(identifier), std::move(shortVersion)};
 }
 
 void clearBundleInfo() {
-  const std::lock_guard<std::mutex> lock(linux_platform::hostBundleMutex());
+  const MutexLock lock(linux_platform::hostBundleMutex());
   linux_platform::hostBundle() = {};
 }
 

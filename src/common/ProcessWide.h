@@ -8,7 +8,8 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
+
+#include "common/ThreadSafety.h"
 
 namespace vemba {
 
@@ -19,7 +20,7 @@ class ProcessWide {
     if (T* existing = instance_.load(std::memory_order_acquire)) {
       return *existing;
     }
-    const std::lock_guard<std::mutex> lock(mutex_);
+    const MutexLock lock(mutex_);
     T* existing = instance_.load(std::memory_order_relaxed);
     if (existing == nullptr) {
       existing = new T();
@@ -32,12 +33,12 @@ class ProcessWide {
   // fresh one); the next get() creates a fresh one.
   void resetForTesting() {
     std::unique_ptr<T> old;
-    const std::lock_guard<std::mutex> lock(mutex_);
+    const MutexLock lock(mutex_);
     old.reset(instance_.exchange(nullptr, std::memory_order_acq_rel));
   }
 
  private:
-  std::mutex mutex_;
+  Mutex mutex_;
   std::atomic<T*> instance_{nullptr};
 };
 

@@ -3,13 +3,14 @@
 #include <gtk/gtk.h>
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string_view>
 
 #include "GtkScreen.h"
 #include "GtkUi.h"
 #include "common/HostCall.h"
+#include "common/MainThread.h"
+#include "common/ThreadSafety.h"
 #include "platform/LogSink.h"
 #include "platform/OpenableSchemes.h"
 #include "platform/Services.h"
@@ -133,8 +134,8 @@ void launchWithDesktop(const std::string& url) {
 }
 
 struct OpenerSlot {
-  std::mutex mutex;
-  UrlOpener opener;
+  Mutex mutex;
+  UrlOpener opener VEMBA_GUARDED_BY(mutex);
 };
 
 OpenerSlot& openerSlot() {
@@ -203,7 +204,7 @@ std::vector<std::shared_ptr<platform::Window>> GtkHostApplication::windows() con
 namespace {
 
 UrlOpener hostOpener() {
-  const std::lock_guard lock(openerSlot().mutex);
+  const MutexLock lock(openerSlot().mutex);
   return openerSlot().opener;
 }
 
@@ -243,15 +244,17 @@ namespace vemba {
 
 void setUrlOpener(UrlOpener opener) {
   auto& slot = linux_platform::openerSlot();
-  const std::lock_guard lock(slot.mutex);
+  const MutexLock lock(slot.mutex);
   slot.opener = std::move(opener);
 }
 
 std::shared_ptr<ScreenHandle> screenForWindow(GtkWindow* window) {
+  VEMBA_ASSERT_MAIN_THREAD();
   return linux_platform::GtkScreen::forWindow(window);
 }
 
 std::shared_ptr<ScreenHandle> topScreenForWindow(GtkWindow* window) {
+  VEMBA_ASSERT_MAIN_THREAD();
   std::shared_ptr<platform::Screen> top = linux_platform::GtkScreen::forWindow(window);
   while (top) {
     std::shared_ptr<platform::Screen> presented = top->presentedScreen();

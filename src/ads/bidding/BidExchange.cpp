@@ -64,17 +64,17 @@ BidExchange::BidExchange(AdFormat format, std::string adUnitId, BidEndpoints end
     : format_(format), adUnitId_(std::move(adUnitId)), endpoints_(std::move(endpoints)) {}
 
 std::optional<std::string> BidExchange::bidId() const {
-  const std::lock_guard lock(stored_->mutex);
+  const MutexLock lock(stored_->mutex);
   return stored_->bidId;
 }
 
 std::optional<Url> BidExchange::admURL() const {
-  const std::lock_guard lock(stored_->mutex);
+  const MutexLock lock(stored_->mutex);
   return stored_->admURL;
 }
 
 std::optional<Url> BidExchange::billingURL() const {
-  const std::lock_guard lock(stored_->mutex);
+  const MutexLock lock(stored_->mutex);
   return stored_->billingURL;
 }
 
@@ -82,7 +82,7 @@ Expected<AdValue, std::string> BidExchange::impressionValue() const {
   double price = 0;
   std::optional<std::string> currency;
   {
-    const std::lock_guard lock(stored_->mutex);
+    const MutexLock lock(stored_->mutex);
     price = stored_->price;
     currency = stored_->currency;
   }
@@ -211,7 +211,7 @@ BidOutcome BidExchange::storeBid(const BidResponse& response, const std::string&
     return {VembaError::noBid().toError()};
   }
   // A failure leaves the stored bid as it is; only a usable bid replaces it.
-  const std::lock_guard lock(stored.mutex);
+  const MutexLock lock(stored.mutex);
   stored.bidId = response.bidid;
   stored.admURL = std::move(adm);
   stored.price = bid->price;

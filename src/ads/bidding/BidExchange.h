@@ -12,13 +12,13 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
 
 #include "ads/bidding/BidRecords.h"
+#include "common/ThreadSafety.h"
 #include "platform/HttpClient.h"
 #include "vemba/Error.h"
 #include "vemba/Expected.h"
@@ -103,12 +103,12 @@ class BidExchange {
   // The bid the last usable answer left, written on the worker thread and read on the main one:
   // shared with each request in flight, every field guarded by `mutex`.
   struct StoredBid {
-    std::mutex mutex;
-    std::optional<std::string> bidId;
-    std::optional<Url> admURL;
-    std::optional<Url> billingURL;
-    double price = 0;
-    std::optional<std::string> currency;
+    Mutex mutex;
+    std::optional<std::string> bidId VEMBA_GUARDED_BY(mutex);
+    std::optional<Url> admURL VEMBA_GUARDED_BY(mutex);
+    std::optional<Url> billingURL VEMBA_GUARDED_BY(mutex);
+    double price VEMBA_GUARDED_BY(mutex) = 0;
+    std::optional<std::string> currency VEMBA_GUARDED_BY(mutex);
   };
   // Any thread: the steps of reading an answer (logging where the outcome calls for it); they
   // write nothing but `stored`.

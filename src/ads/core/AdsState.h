@@ -7,12 +7,12 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
 #include "ads/core/UserAgentFetcher.h"
 #include "ads/formats/AdWebViewPreparation.h"
+#include "common/ThreadSafety.h"
 #include "vemba/ads/VembaPrivacy.h"
 
 namespace vemba::ads {
@@ -20,11 +20,11 @@ namespace vemba::ads {
 struct AdsState {
   // What initialize() and the setters of VembaSDK stored; read from any thread, under `mutex`.
   struct Sdk {
-    std::mutex mutex;
-    std::optional<std::string> apiKey;
-    VembaPrivacy privacy;
-    double adLifetimeSeconds = 0;
-    bool muted = false;
+    Mutex mutex;
+    std::optional<std::string> apiKey VEMBA_GUARDED_BY(mutex);
+    VembaPrivacy privacy VEMBA_GUARDED_BY(mutex);
+    double adLifetimeSeconds VEMBA_GUARDED_BY(mutex) = 0;
+    bool muted VEMBA_GUARDED_BY(mutex) = false;
   };
 
   Sdk sdk;

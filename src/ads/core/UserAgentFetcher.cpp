@@ -35,7 +35,7 @@ std::string UserAgentFetcher::compose(const std::string& model, const std::strin
 }
 
 std::string UserAgentFetcher::userAgent() {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   if (!cachedUserAgent_) {
     const platform::DeviceInfo& device = *platform::services().device;
     cachedUserAgent_ = compose(device.model(), device.systemVersion());
@@ -44,7 +44,7 @@ std::string UserAgentFetcher::userAgent() {
 }
 
 std::optional<std::string> UserAgentFetcher::cachedUserAgent() const {
-  const std::lock_guard lock(mutex_);
+  const MutexLock lock(mutex_);
   return cachedUserAgent_;
 }
 

@@ -3,9 +3,10 @@
 // Owner: AdsState (shared() is its member); thread-safe.
 #pragma once
 
-#include <mutex>
 #include <optional>
 #include <string>
+
+#include "common/ThreadSafety.h"
 
 namespace vemba {
 
@@ -23,8 +24,8 @@ class UserAgentFetcher {
   static std::string compose(const std::string& model, const std::string& systemVersion);
 
  private:
-  mutable std::mutex mutex_;
-  std::optional<std::string> cachedUserAgent_;
+  mutable Mutex mutex_;
+  std::optional<std::string> cachedUserAgent_ VEMBA_GUARDED_BY(mutex_);
 };
 
 }  // namespace vemba

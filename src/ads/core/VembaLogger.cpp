@@ -1,20 +1,21 @@
 #include "ads/core/VembaLogger.h"
 
 #include <memory>
-#include <mutex>
+
+#include "common/ThreadSafety.h"
 
 namespace vemba {
 namespace {
 
-std::mutex gSinkMutex;
-std::shared_ptr<const VembaLogger::Sink> gSink;  // guarded by gSinkMutex
+Mutex gSinkMutex;
+std::shared_ptr<const VembaLogger::Sink> gSink VEMBA_GUARDED_BY(gSinkMutex);
 
 }  // namespace
 
 void VembaLogger::log(std::string_view message) {
   std::shared_ptr<const Sink> sink;
   {
-    const std::lock_guard lock(gSinkMutex);
+    const MutexLock lock(gSinkMutex);
     sink = gSink;
   }
   if (sink) {
@@ -23,7 +24,7 @@ void VembaLogger::log(std::string_view message) {
 }
 
 void VembaLogger::setDevelopmentSink(Sink sink) {
-  const std::lock_guard lock(gSinkMutex);
+  const MutexLock lock(gSinkMutex);
   gSink = sink ? std::make_shared<const Sink>(std::move(sink)) : nullptr;
 }
 

@@ -10,6 +10,7 @@
 #include "ads/formats/UIUtils.h"
 #include "ads/formats/VembaWebViewController.h"
 #include "common/HostCall.h"
+#include "common/MainThread.h"
 #include "platform/LogSink.h"
 #include "platform/MainQueue.h"
 #include "platform/Screen.h"
@@ -76,16 +77,19 @@ double FullScreenAd<Self, Delegate>::bidFloor() const {
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::setBidFloor(double bidFloor) {
+  VEMBA_ASSERT_MAIN_THREAD();
   exchange_->setBidFloor(bidFloor);
 }
 
 template <typename Self, typename Delegate>
 bool FullScreenAd<Self, Delegate>::isReady() const {
+  VEMBA_ASSERT_MAIN_THREAD();
   return exchange_->isReady();
 }
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::load() {
+  VEMBA_ASSERT_MAIN_THREAD();
   // The ad's one closure on the load path: it holds the ad weakly, its delivery strongly.
   exchange_->load(bidFloor(), [weakAd = this->weak_from_this()]() -> ads::BidExchange::Delivery {
     if (std::shared_ptr<Self> ad = weakAd.lock()) {
@@ -98,6 +102,7 @@ void FullScreenAd<Self, Delegate>::load() {
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::deliverBidOutcome(const ads::BidOutcome& outcome) {
+  VEMBA_ASSERT_MAIN_THREAD();
   exchange_->settle(outcome);
   // Claimed before the host hears of the ad, so a show from inside adDidLoad finds it readied.
   if (outcome.loaded()) {
@@ -133,6 +138,7 @@ void FullScreenAd<Self, Delegate>::deliverBidOutcome(const ads::BidOutcome& outc
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::expire(std::uint64_t generation) {
+  VEMBA_ASSERT_MAIN_THREAD();
   // A later load, or a show, has taken this bid's place.
   if (generation != loadGeneration_ || !exchange_->isReady()) {
     return;
@@ -162,6 +168,7 @@ void FullScreenAd<Self, Delegate>::failToShow(VembaShowErrorCode code) {
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::show(std::shared_ptr<ScreenHandle> handle) {
+  VEMBA_ASSERT_MAIN_THREAD();
   // The refusals: the ad stays as it is, and the delegate hears why.
   if (!isReady()) {
     failToShow(expired_ ? VembaShowErrorCode::expired : VembaShowErrorCode::notReady);
@@ -233,6 +240,7 @@ void FullScreenAd<Self, Delegate>::show(std::shared_ptr<ScreenHandle> handle) {
 
 template <typename Self, typename Delegate>
 bool FullScreenAd<Self, Delegate>::screenDidClose(ads::VembaWebViewController& controller) {
+  VEMBA_ASSERT_MAIN_THREAD();
   platform::Screen& screen = *controller.screen();
   if (screen.presentedScreen()) {
     // A screen over the ad (a checkout sheet) goes, as dismissing a screen that presents another
@@ -262,6 +270,7 @@ bool FullScreenAd<Self, Delegate>::screenDidClose(ads::VembaWebViewController& c
 
 template <typename Self, typename Delegate>
 void FullScreenAd<Self, Delegate>::screenDidClick() {
+  VEMBA_ASSERT_MAIN_THREAD();
   if (const std::shared_ptr<Delegate> listener = delegate()) {
     tellHost("adDidClick", [&] { listener->adDidClick(static_cast<Self&>(*this)); });
   }

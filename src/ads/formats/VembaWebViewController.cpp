@@ -10,6 +10,7 @@
 #include "ads/formats/AdWebViewPreparation.h"
 #include "checkout/webview/MessageHandler.h"
 #include "common/JsonDecoding.h"
+#include "common/MainThread.h"
 #include "platform/Application.h"
 #include "platform/MainQueue.h"
 #include "platform/Services.h"
@@ -91,6 +92,7 @@ VembaWebViewController::VembaWebViewController(std::shared_ptr<platform::Screen>
     : screen_(std::move(screen)) {}
 
 void VembaWebViewController::viewDidLoad() {
+  VEMBA_ASSERT_MAIN_THREAD();
   setupWebView();
   setupCloseButton();
   if (pendingURL_) {
@@ -163,6 +165,7 @@ void VembaWebViewController::handleCloseButton() {
 }
 
 bool VembaWebViewController::accessibilityPerformEscape() {
+  VEMBA_ASSERT_MAIN_THREAD();
   handleCloseButton();
   return true;
 }
@@ -180,6 +183,7 @@ void VembaWebViewController::load(const Url& url) {
 
 void VembaWebViewController::didFailProvisionalNavigation(platform::WebView& /*webView*/,
                                                           const platform::NavigationError& error) {
+  VEMBA_ASSERT_MAIN_THREAD();
   const std::string description = platform::describe(error.domain, error.code, error.failingUrl);
   log(kFailedProvisionalMessage, description + " (Code: " + std::to_string(error.code) + ")");
   handleLoadError(error);
@@ -187,6 +191,7 @@ void VembaWebViewController::didFailProvisionalNavigation(platform::WebView& /*w
 
 void VembaWebViewController::didFailNavigation(platform::WebView& /*webView*/,
                                                const platform::NavigationError& error) {
+  VEMBA_ASSERT_MAIN_THREAD();
   log(kFailedLoadMessage, platform::describe(error.domain, error.code, error.failingUrl));
   handleLoadError(error);
 }
@@ -219,6 +224,7 @@ void VembaWebViewController::handleLoadError(const platform::NavigationError& er
 
 void VembaWebViewController::webContentProcessDidTerminate(platform::WebView& /*webView*/,
                                                            platform::WebProcessTermination reason) {
+  VEMBA_ASSERT_MAIN_THREAD();
   log(kProcessTerminatedMessage, platform::describe(reason));
   // The ad's own page, as parked before the view loaded (the page may have navigated away from
   // it, and its URL went with the process).
@@ -238,6 +244,7 @@ void VembaWebViewController::webContentProcessDidTerminate(platform::WebView& /*
 
 void VembaWebViewController::userContentControllerDidReceive(
     platform::UserContentController& /*controller*/, const platform::ScriptMessage& message) {
+  VEMBA_ASSERT_MAIN_THREAD();
   log(kReceivedMessage, message.name);
   if (message.name != kMessageHandlerName) {
     return;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "checkout/config/ConfigurationStore.h"
+#include "common/ThreadSafety.h"
 #include "platform/DeviceInfo.h"
 #include "platform/Services.h"
 
@@ -29,7 +30,7 @@ std::string defaultTitle() {
 Configuration::Configuration() : title(defaultTitle()) {}
 
 Configuration ConfigurationStore::get() const {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const MutexLock lock(mutex_);
   if (!record_) {
     record_.emplace();
   }
@@ -37,7 +38,7 @@ Configuration ConfigurationStore::get() const {
 }
 
 void ConfigurationStore::replace(Configuration replacement) {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const MutexLock lock(mutex_);
   record_ = std::move(replacement);
 }
 

@@ -7,9 +7,9 @@
 #pragma once
 
 #include <atomic>
-#include <mutex>
 #include <optional>
 
+#include "common/ThreadSafety.h"
 #include "vemba/checkout/Configuration.h"
 
 namespace vemba::checkout {
@@ -28,8 +28,8 @@ class ConfigurationStore {
   void setInvalidateOnConfigurationChange(bool value) { invalidateOnChange_ = value; }
 
  private:
-  mutable std::mutex mutex_;
-  mutable std::optional<Configuration> record_;  // guarded by mutex_
+  mutable Mutex mutex_;
+  mutable std::optional<Configuration> record_ VEMBA_GUARDED_BY(mutex_);
   std::atomic<bool> invalidateOnChange_{true};
 };
 

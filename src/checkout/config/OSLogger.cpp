@@ -54,12 +54,12 @@ void OSLogger::fault(std::string_view message) const {
 }
 
 std::string OSLogger::prefix() const {
-  const std::lock_guard<std::mutex> lock(prefixMutex_);
+  const MutexLock lock(prefixMutex_);
   return prefix_;
 }
 
 void OSLogger::setPrefix(std::string prefix) {
-  const std::lock_guard<std::mutex> lock(prefixMutex_);
+  const MutexLock lock(prefixMutex_);
   prefix_ = std::move(prefix);
 }
 
@@ -80,7 +80,7 @@ void OSLogger::write(platform::LogSeverity severity, std::string_view message) c
 
   std::string line;
   {
-    const std::lock_guard<std::mutex> lock(prefixMutex_);
+    const MutexLock lock(prefixMutex_);
     line.reserve(prefix_.size() + tag.size() + message.size() + 8);
     line.append("[").append(prefix_).append("] (");
   }

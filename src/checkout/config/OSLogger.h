@@ -11,10 +11,10 @@
 #pragma once
 
 #include <atomic>
-#include <mutex>
 #include <string>
 #include <string_view>
 
+#include "common/ThreadSafety.h"
 #include "platform/LogSink.h"
 #include "vemba/checkout/LogLevel.h"
 
@@ -57,8 +57,8 @@ class OSLogger {
  private:
   void write(platform::LogSeverity severity, std::string_view message) const;
 
-  mutable std::mutex prefixMutex_;
-  std::string prefix_;
+  mutable Mutex prefixMutex_;
+  std::string prefix_ VEMBA_GUARDED_BY(prefixMutex_);
   std::atomic<LogLevel> logLevel_;
 };
 

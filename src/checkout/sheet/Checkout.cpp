@@ -7,6 +7,7 @@
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
 #include "checkout/webview/CheckoutState.h"
 #include "checkout/webview/CheckoutWebView.h"
+#include "common/MainThread.h"
 #include "platform/Screen.h"
 #include "platform/Services.h"
 
@@ -27,11 +28,13 @@ void configurationDidChange() {
 }  // namespace
 
 void setConfiguration(Configuration replacement) {
+  VEMBA_ASSERT_MAIN_THREAD();
   state().configuration.replace(std::move(replacement));
   configurationDidChange();
 }
 
 void configure(const std::function<void(Configuration&)>& modify) {
+  VEMBA_ASSERT_MAIN_THREAD();
   // On a copy, so that `modify` may itself read configuration().
   Configuration copy = configuration();
   modify(copy);
@@ -40,6 +43,7 @@ void configure(const std::function<void(Configuration&)>& modify) {
 }
 
 void preload(const Url& checkout) {
+  VEMBA_ASSERT_MAIN_THREAD();
   if (!configuration().preloading.enabled()) {
     return;
   }
@@ -60,6 +64,7 @@ std::shared_ptr<CheckoutViewController> present(const Url& checkout,
                                                 std::shared_ptr<ScreenHandle> from,
                                                 std::optional<MetaData::EntryPoint> entryPoint,
                                                 std::weak_ptr<CheckoutDelegate> delegate) {
+  VEMBA_ASSERT_MAIN_THREAD();
   return detail::presentCheckout(checkout, std::move(from), [&](platform::Ui& ui) {
     return CheckoutViewControllerImpl::create(ui, checkout, std::move(delegate), entryPoint);
   });
@@ -86,6 +91,7 @@ std::shared_ptr<CheckoutViewController> detail::presentCheckout(
 }
 
 void invalidate() {
+  VEMBA_ASSERT_MAIN_THREAD();
   state().cache.invalidate(/*disconnect=*/true);
 }
 

@@ -6,6 +6,7 @@
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
 #include "checkout/sheet/CheckoutWebViewController.h"
 #include "checkout/webview/CheckoutState.h"
+#include "common/MainThread.h"
 #include "platform/Services.h"
 
 namespace vemba::checkout {
@@ -19,38 +20,45 @@ constexpr std::string_view kNoMatchingController =
 
 CheckoutSheet::CheckoutSheet(Url checkout)
     : checkoutURL_(std::move(checkout)), shared_(std::make_shared<Shared>()) {
+  VEMBA_ASSERT_MAIN_THREAD();
   shared_->delegate = std::make_shared<CheckoutDelegateWrapper>();
   // From now on styling changes keep the preloaded page.
   state().configuration.setInvalidateOnConfigurationChange(false);
 }
 
 CheckoutSheet CheckoutSheet::onCancel(std::function<void()> callback) const {
+  VEMBA_ASSERT_MAIN_THREAD();
   shared_->delegate->onCancel = std::move(callback);
   return *this;
 }
 
 CheckoutSheet CheckoutSheet::onComplete(
     std::function<void(const CheckoutCompletedEvent&)> callback) const {
+  VEMBA_ASSERT_MAIN_THREAD();
   shared_->delegate->onComplete = std::move(callback);
   return *this;
 }
 
 CheckoutSheet CheckoutSheet::onFail(std::function<void(const CheckoutError&)> callback) const {
+  VEMBA_ASSERT_MAIN_THREAD();
   shared_->delegate->onFail = std::move(callback);
   return *this;
 }
 
 CheckoutSheet CheckoutSheet::onPixelEvent(std::function<void(const PixelEvent&)> callback) const {
+  VEMBA_ASSERT_MAIN_THREAD();
   shared_->delegate->onPixelEvent = std::move(callback);
   return *this;
 }
 
 CheckoutSheet CheckoutSheet::onLinkClick(std::function<void(const Url&)> callback) const {
+  VEMBA_ASSERT_MAIN_THREAD();
   shared_->delegate->onLinkClick = std::move(callback);
   return *this;
 }
 
 std::shared_ptr<CheckoutViewController> CheckoutSheet::viewController() const {
+  VEMBA_ASSERT_MAIN_THREAD();
   const auto* made = dynamic_cast<const CheckoutViewControllerImpl*>(shared_->viewController.get());
   if (made == nullptr || made->hasLeftTheScreen()) {
     platform::Ui* ui = platform::ui();
@@ -88,6 +96,7 @@ std::shared_ptr<CheckoutViewController> CheckoutSheet::viewController() const {
 
 std::shared_ptr<CheckoutViewController> CheckoutSheet::present(
     std::shared_ptr<ScreenHandle> from) const {
+  VEMBA_ASSERT_MAIN_THREAD();
   return detail::presentCheckout(checkoutURL_, std::move(from),
                                  [this](platform::Ui& /*ui*/) { return viewController(); });
 }

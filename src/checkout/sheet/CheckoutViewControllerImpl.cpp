@@ -1,6 +1,7 @@
 #include "checkout/sheet/CheckoutViewControllerImpl.h"
 
 #include "checkout/sheet/CheckoutWebViewController.h"
+#include "common/MainThread.h"
 #include "platform/Ui.h"
 
 namespace vemba::checkout {
@@ -25,6 +26,7 @@ std::shared_ptr<CheckoutViewControllerImpl> CheckoutViewControllerImpl::create(
 }
 
 void CheckoutViewControllerImpl::dismiss(bool animated, std::function<void()> completion) {
+  VEMBA_ASSERT_MAIN_THREAD();
   screen_->dismiss(animated, std::move(completion));
 }
 

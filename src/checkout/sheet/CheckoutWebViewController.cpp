@@ -8,6 +8,7 @@
 #include "checkout/webview/CheckoutURL.h"
 #include "checkout/webview/CheckoutWebView.h"
 #include "common/HostCall.h"
+#include "common/MainThread.h"
 #include "platform/Services.h"
 #include "platform/Ui.h"
 #include "vemba/checkout/Configuration.h"
@@ -114,6 +115,7 @@ void CheckoutWebViewController::notifyPresented() {
 }
 
 void CheckoutWebViewController::viewDidLoad() {
+  VEMBA_ASSERT_MAIN_THREAD();
   layOutCheckoutViewAndProgressBar();
   screen_->view().bringSubviewToFront(progressBar().view());
   observeProgress();
@@ -121,6 +123,7 @@ void CheckoutWebViewController::viewDidLoad() {
 }
 
 void CheckoutWebViewController::viewWillAppear() {
+  VEMBA_ASSERT_MAIN_THREAD();
   screen_->view().setBackgroundColor(configuration().backgroundColor);
 }
 
@@ -178,15 +181,18 @@ void CheckoutWebViewController::close() {
 }
 
 bool CheckoutWebViewController::presentationControllerShouldDismiss() {
+  VEMBA_ASSERT_MAIN_THREAD();
   // While the page shows a dialog of its own, the user's gesture is the page's business.
   return !pageShowsModal_;
 }
 
 platform::View* CheckoutWebViewController::preferredFocusView() {
+  VEMBA_ASSERT_MAIN_THREAD();
   return checkoutView_->webViewPtr().get();
 }
 
 void CheckoutWebViewController::presentationControllerDidDismiss() {
+  VEMBA_ASSERT_MAIN_THREAD();
   close();
 }
 

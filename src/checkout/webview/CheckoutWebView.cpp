@@ -15,6 +15,7 @@
 #include "checkout/webview/ExternalLink.h"
 #include "checkout/webview/MessageHandler.h"
 #include "common/HostCall.h"
+#include "common/MainThread.h"
 #include "platform/Clock.h"
 #include "platform/Services.h"
 #include "platform/Ui.h"
@@ -218,6 +219,7 @@ void CheckoutWebView::completeCheckout(const CheckoutCompletedEvent& event) {
 
 platform::NavigationActionPolicy CheckoutWebView::decidePolicyForNavigationAction(
     platform::WebView& /*webView*/, const platform::NavigationAction& action) {
+  VEMBA_ASSERT_MAIN_THREAD();
   if (!action.url) {
     return platform::NavigationActionPolicy::allow;
   }
@@ -238,6 +240,7 @@ platform::NavigationActionPolicy CheckoutWebView::decidePolicyForNavigationActio
 
 platform::NavigationResponsePolicy CheckoutWebView::decidePolicyForNavigationResponse(
     platform::WebView& /*webView*/, const platform::NavigationResponse& response) {
+  VEMBA_ASSERT_MAIN_THREAD();
   if (!response.statusCode) {
     return platform::NavigationResponsePolicy::allow;  // not an HTTP response
   }
@@ -258,18 +261,21 @@ platform::NavigationResponsePolicy CheckoutWebView::decidePolicyForNavigationRes
 }
 
 void CheckoutWebView::didStartProvisionalNavigation(platform::WebView& /*webView*/) {
+  VEMBA_ASSERT_MAIN_THREAD();
   OSLogger::shared().info(joined({kProvisionalStarted, currentUrlText()}));
   timer_ = platform::services().clock->wallNow();
 }
 
 void CheckoutWebView::didFailProvisionalNavigation(platform::WebView& /*webView*/,
                                                    const platform::NavigationError& error) {
+  VEMBA_ASSERT_MAIN_THREAD();
   OSLogger::shared().debug(joined(
       {kProvisionalFailed, errorOf(error).description, kProvisionalFailedUrl, currentUrlText()}));
   timer_.reset();
 }
 
 void CheckoutWebView::didFinishNavigation(platform::WebView& /*webView*/) {
+  VEMBA_ASSERT_MAIN_THREAD();
   const std::shared_ptr<CheckoutWebView> self = shared_from_this();
   if (const std::shared_ptr<CheckoutWebViewDelegate> delegate = viewDelegate()) {
     delegate->checkoutViewDidFinishNavigation();
@@ -305,6 +311,7 @@ void CheckoutWebView::didFinishNavigation(platform::WebView& /*webView*/) {
 
 void CheckoutWebView::didFailNavigation(platform::WebView& /*webView*/,
                                         const platform::NavigationError& error) {
+  VEMBA_ASSERT_MAIN_THREAD();
   const std::shared_ptr<CheckoutWebView> self = shared_from_this();
   timer_.reset();
   if (const std::optional<CheckoutError> failure =
@@ -315,6 +322,7 @@ void CheckoutWebView::didFailNavigation(platform::WebView& /*webView*/,
 
 void CheckoutWebView::webContentProcessDidTerminate(platform::WebView& /*webView*/,
                                                     platform::WebProcessTermination reason) {
+  VEMBA_ASSERT_MAIN_THREAD();
   const std::shared_ptr<CheckoutWebView> self = shared_from_this();
   timer_.reset();
   // The page is gone: a preloaded copy of it is no use to the next presentation.
@@ -327,6 +335,7 @@ void CheckoutWebView::webContentProcessDidTerminate(platform::WebView& /*webView
 
 void CheckoutWebView::userContentControllerDidReceive(
     platform::UserContentController& /*controller*/, const platform::ScriptMessage& message) {
+  VEMBA_ASSERT_MAIN_THREAD();
   using WebEvent = CheckoutBridge::WebEvent;
   const std::shared_ptr<CheckoutWebView> self = shared_from_this();
   const Expected<WebEvent, BridgeError> decoded = CheckoutBridge::decode(message);

@@ -1,10 +1,17 @@
-// Initialisation, the user-agent cache, the device description and the error values.
+// Initialisation, the user-agent cache, the device description, the error values and the
+// entry points' thread contracts.
 #include <gtest/gtest.h>
+
+#include <functional>
+#include <thread>
 
 #include "AdTestSupport.h"
 #include "ads/core/DeviceDescription.h"
 #include "ads/core/UserAgentFetcher.h"
+#include "common/ContractViolation.h"
 #include "vemba/ads/VembaError.h"
+#include "vemba/ads/VembaInterstitialAd.h"
+#include "vemba/checkout/CheckoutSheet.h"
 
 namespace vemba::tests {
 namespace {
@@ -84,6 +91,44 @@ TEST_F(SdkEntryTest, ErrorCodesKeepTheirPlaces) {
     }
   }
   EXPECT_FALSE(VembaError::from(Error{"URLError", 6, ""}));
+}
+
+// Main-thread-only entry points report a call from another thread before doing anything; the
+// thread-safe ones take it.
+TEST_F(SdkEntryTest, MainThreadOnlyEntryPointsRefuseOtherThreads) {
+#if !defined(VEMBA_THREAD_CHECKS)
+  GTEST_SKIP() << "thread checks are compiled out of this build";
+#endif
+  const std::shared_ptr<VembaInterstitialAd> ad = VembaInterstitialAd::create("unit-1");
+  const Url checkoutUrl = url("https://shop.example/checkouts/c1");
+  const struct {
+    std::string entryPoint;
+    std::function<void()> call;
+    bool mainThreadOnly;
+  } cases[] = {
+      {"initialize", [] { VembaSDK::shared().initialize(VembaConfiguration("key", false)); }, true},
+      {"load", [&] { ad->load(); }, true},
+      {"show", [&] { ad->show(fakePlatform.hostScreen()); }, true},
+      {"present", [&] { checkout::present(checkoutUrl, fakePlatform.hostScreen()); }, true},
+      {"CheckoutSheet", [&] { checkout::CheckoutSheet sheet(checkoutUrl); }, true},
+      {"apiKey", [] { (void)VembaSDK::shared().apiKey(); }, false},
+      {"setPrivacy", [] { VembaSDK::shared().setPrivacy({}); }, false},
+  };
+  const ScopedContractViolationHook hook(throwContractViolationForTesting);
+  for (const auto& c : cases) {
+    std::string violation;
+    std::thread([&] {
+      try {
+        c.call();
+      } catch (const ContractViolationForTesting& e) {
+        violation = e.what();
+      }
+    }).join();
+    EXPECT_EQ(violation, c.mainThreadOnly ? c.entryPoint + " called off the main thread" : "");
+  }
+  EXPECT_FALSE(VembaSDK::shared().apiKey());
+  EXPECT_EQ(platform.mainQueue.pendingCount(), 0U);
+  EXPECT_TRUE(fakePlatform.bidRequests().empty());
 }
 
 }  // namespace
