@@ -55,6 +55,11 @@ TEST(WebErrorMapTest, MapsEachFailureClass) {
     EXPECT_EQ(error.code, row.expectedCode) << g_quark_to_string(row.domain) << " " << row.code;
     EXPECT_EQ(error.failingUrl, "https://shop.invalid/pay");
   }
+  // A cancellation after a refused certificate is the refusal.
+  EXPECT_EQ(navigationErrorFor(WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED,
+                               G_TLS_CERTIFICATE_UNKNOWN_CA, "https://shop.invalid/pay")
+                .code,
+            Code::serverCertificateHasUnknownRoot);
   // An error of no known domain ends a redirect loop only once the engine's limit is reached;
   // without a failing URL, none is handed on.
   const GQuark none = 0;

@@ -61,7 +61,6 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Load& event) 
   abandoned_ = false;
   trustReissues_ = 0;
   cancelReissued_ = false;
-  reissueAtFinish_ = false;
   loadStartPending_ = true;
   ownNavigation_ = false;
   if (timerRunning_) {
@@ -127,15 +126,6 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Finished& /*e
     swallowFinish_ = false;
     return {};
   }
-  if (reissueAtFinish_) {
-    // The end of the navigation the engine cancelled on its own: the same request goes again,
-    // and the core, which allowed it and heard it start, hears nothing of the second attempt's
-    // beginning.
-    reissueAtFinish_ = false;
-    swallowAction_ = true;
-    swallowStart_ = true;
-    return {send(*request_)};
-  }
   Effects effects;
   if (requestStarted_) {
     // A FINISHED before the last load's STARTED belongs to the load it replaced.
@@ -165,13 +155,17 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Failed& event
     return {};
   }
   if (isCancellation(event.error) && ownNavigation_ && !timedOut_ && !documentArrived_ &&
-      !event.atCommit && !cancelReissued_) {
-    // Nothing stopped or replaced this load, yet the engine cancelled it before its document
-    // began to arrive (seen on a loaded machine, with several views starting at once). Rather than
-    // leave the page blank, it is loaded again once, when the cancelled navigation has finished.
+      tlsErrors_ == 0 && !event.atCommit && !cancelReissued_) {
+    // Nothing stopped, replaced or refused this load, yet the engine cancelled it before its
+    // document began to arrive (seen on a loaded machine, with several views starting at once).
+    // Rather than leave the page blank, the same request goes again, once; the cancelled
+    // navigation's FINISHED and the second attempt's action decision and start stay unseen, as
+    // after a certificate reissue.
     cancelReissued_ = true;
-    reissueAtFinish_ = true;
-    return {};
+    swallowFinish_ = true;
+    swallowAction_ = true;
+    swallowStart_ = true;
+    return {send(*request_)};
   }
   Effects effects;
   failed_ = true;
@@ -251,7 +245,6 @@ NavigationMachine::Effects NavigationMachine::on(const navigation::Terminated& e
   swallowFinish_ = false;
   swallowAction_ = false;
   swallowStart_ = false;
-  reissueAtFinish_ = false;
   releaseWarmView(effects);  // the process it shared is gone
   effects.push_back(Effect{Kind::reportTerminated, {}, std::nullopt, std::nullopt, event.reason});
   return effects;

@@ -8,8 +8,8 @@
 // FINISHED is silent. A certificate refused by the engine but vouched for by the bundle is
 // trusted and the request reissued (at most kMaxTrustReissues times per load); the refused
 // attempt's FINISHED and the reissue's action decision and start stay invisible. A load that the
-// engine cancels on its own, started and not stopped, replaced or answered yet, is reissued the
-// same way, once per load; a second such cancellation is reported.
+// engine cancels on its own (started, and not stopped, replaced, refused or answered yet) is
+// reissued the same way, once per load; a second such cancellation is reported.
 //
 // The time-out of a load covers its document request only: the timer starts with the load and
 // stops once the main document's response has begun (its main-frame response decision or its
@@ -169,9 +169,6 @@ class NavigationMachine {
   bool swallowFinish_ = false;
   bool swallowAction_ = false;
   bool swallowStart_ = false;
-  // The engine cancelled the live load on its own: it goes again at the cancelled navigation's
-  // FINISHED.
-  bool reissueAtFinish_ = false;
 };
 
 }  // namespace vemba::linux_platform

@@ -123,7 +123,11 @@ platform::NavigationError navigationErrorFor(GQuark domain, int code, GTlsCertif
     return error;
   }
   error.domain = std::string(platform::kUrlErrorDomain);
-  if (domain == WEBKIT_NETWORK_ERROR) {
+  if (domain == WEBKIT_NETWORK_ERROR && code == WEBKIT_NETWORK_ERROR_CANCELLED && tlsFlags != 0) {
+    // The engine may end a load whose certificate it refused with a cancellation: the refusal is
+    // the cause.
+    error.code = urlErrorCodeForTlsFlags(tlsFlags);
+  } else if (domain == WEBKIT_NETWORK_ERROR) {
     error.code = webKitNetworkCode(code);
   } else if (domain == G_IO_ERROR) {
     error.code = gioCode(code);

@@ -20,7 +20,8 @@ inline constexpr int kEngineRedirectLimit = 20;
 // are the certificate problems WebKit reported just before a TLS failure (0 when none);
 // `redirects` the redirects the navigation had followed (an error of no known domain after
 // kEngineRedirectLimit of them is the engine ending a redirect loop); the failing URL is handed
-// on as it is. Anything without a closer equivalent is UrlErrorCode::unknown.
+// on as it is. A cancellation after a refused certificate (`tlsFlags` not 0) reads as the refusal.
+// Anything without a closer equivalent is UrlErrorCode::unknown.
 platform::NavigationError navigationErrorFor(GQuark domain, int code, GTlsCertificateFlags tlsFlags,
                                              const char* failingUri, int redirects = 0);
 

@@ -109,14 +109,17 @@ TEST(NavigationMachineTest, TurnsEngineEventsIntoEffects) {
       {"the engine cancels the load before its document, unasked: it goes again once, unseen",
        {load(), action, started, failed(Code::cancelled), finished, action, started, response,
         committed, finished},
-       "| ask | start |  | " + send + " | allow |  | cancel-timer, ask | release-warm | finish"},
+       "| ask | start | " + send + " |  | allow |  | cancel-timer, ask | release-warm | finish"},
       {"a second such cancellation is the load's failure, as is one of a later navigation",
        {load(), action, started, failed(Code::cancelled), finished, action, started,
         failed(Code::cancelled), finished, load(), action, started, finished, started,
         failed(Code::cancelled)},
-       "| ask | start |  | " + send + " | allow |  | release-warm, fail-provisional -999 | " +
+       "| ask | start | " + send + " |  | allow |  | release-warm, fail-provisional -999 | " +
            "cancel-timer | " + sent + " | ask | start | cancel-timer, finish | start | " +
            "fail-provisional -999"},
+      {"so is one after a refused certificate",
+       {load(), action, started, tls(false), failed(Code::cancelled)},
+       "| ask | start |  | release-warm, fail-provisional -999 tls=4"},
       {"a refused redirect target goes again bare; the fourth reissue of a load is refused",
        {load(), started, tls(true, kMoved), tls(false), tls(true), tls(true), tls(true),
         failed(Code::serverCertificateHasUnknownRoot)},
