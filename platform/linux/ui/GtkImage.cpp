@@ -2,6 +2,7 @@
 
 #include <gtk/gtk.h>
 
+#include "common/MainThread.h"
 #include "vemba/linux/Images.h"
 
 namespace vemba::linux_platform {
@@ -44,6 +45,7 @@ const TextureImage* TextureImage::of(const platform::Image& image) {
 namespace vemba {
 
 platform::Image imageFromTexture(GdkTexture* texture) {
+  VEMBA_ASSERT_MAIN_THREAD();
   if (texture == nullptr) {
     return {};
   }
@@ -51,6 +53,7 @@ platform::Image imageFromTexture(GdkTexture* texture) {
 }
 
 platform::Image imageFromPngFile(const std::string& path) {
+  VEMBA_ASSERT_MAIN_THREAD();
   GError* error = nullptr;
   GdkTexture* texture = gdk_texture_new_from_filename(path.c_str(), &error);
   if (texture == nullptr) {

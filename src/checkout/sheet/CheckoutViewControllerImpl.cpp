@@ -25,6 +25,11 @@ std::shared_ptr<CheckoutViewControllerImpl> CheckoutViewControllerImpl::create(
   return controller;
 }
 
+void CheckoutViewControllerImpl::viewWillAppear() {
+  VEMBA_ASSERT_MAIN_THREAD();
+  appeared_ = true;
+}
+
 void CheckoutViewControllerImpl::dismiss(bool animated, std::function<void()> completion) {
   VEMBA_ASSERT_MAIN_THREAD();
   screen_->dismiss(animated, std::move(completion));

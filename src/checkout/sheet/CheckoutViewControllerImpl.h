@@ -50,7 +50,7 @@ class CheckoutViewControllerImpl final
   bool hasLeftTheScreen() const { return appeared_ && screen_->presentingScreen() == nullptr; }
 
   // platform::ScreenDelegate
-  void viewWillAppear() override { appeared_ = true; }
+  void viewWillAppear() override;
 
  private:
   CheckoutViewControllerImpl() = default;
