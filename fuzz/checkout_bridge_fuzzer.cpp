@@ -149,7 +149,7 @@ void requireTextOutcome(std::string_view text, const vemba::fake::RecordingLogSi
   checkout::CheckoutErrorEvent event;
   try {
     event = CheckoutErrorEventDecoder::decode(*envelope);
-  } catch (const checkout::ContractViolationForTesting&) {
+  } catch (const vemba::ContractViolationForTesting&) {
     if (!log.lines.empty()) {
       __builtin_trap();
     }
@@ -212,8 +212,7 @@ void requireEventOutcome(const WebEvent& decoded, std::string_view text, std::si
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static vemba::fake::InstalledFakePlatform platform;
-  static const checkout::ScopedContractViolationHook hook(
-      checkout::throwContractViolationForTesting);
+  static const vemba::ScopedContractViolationHook hook(vemba::throwContractViolationForTesting);
   checkout::OSLogger::shared().setLogLevel(checkout::LogLevel::all);
   platform.log.lines.clear();
   if (size == 0) {
@@ -268,7 +267,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         requirePublicRoundTrip(*error);
       }
     }
-  } catch (const checkout::ContractViolationForTesting&) {
+  } catch (const vemba::ContractViolationForTesting&) {
     if (mode >= 2 && name != "error" && name != "checkoutBlockingEvent") {
       __builtin_trap();
     }

@@ -19,7 +19,6 @@
 #define VEMBA_CAPABILITY(name) VEMBA_THREAD_ANNOTATION(capability(name))
 #define VEMBA_SCOPED_CAPABILITY VEMBA_THREAD_ANNOTATION(scoped_lockable)
 #define VEMBA_GUARDED_BY(m) VEMBA_THREAD_ANNOTATION(guarded_by(m))
-#define VEMBA_PT_GUARDED_BY(m) VEMBA_THREAD_ANNOTATION(pt_guarded_by(m))
 #define VEMBA_REQUIRES(...) VEMBA_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
 #define VEMBA_EXCLUDES(...) VEMBA_THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))
 #define VEMBA_ACQUIRE(...) VEMBA_THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))

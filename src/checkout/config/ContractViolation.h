@@ -16,9 +16,4 @@ inline constexpr std::string_view kContractViolationPrefix = "vemba-checkout: co
 
 [[noreturn]] void contractViolation(std::string_view reason);
 
-using ::vemba::ContractViolationForTesting;
-using ::vemba::ContractViolationHook;
-using ::vemba::ScopedContractViolationHook;
-using ::vemba::throwContractViolationForTesting;
-
 }  // namespace vemba::checkout

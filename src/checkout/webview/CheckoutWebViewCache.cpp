@@ -31,9 +31,9 @@ std::chrono::system_clock::time_point now() {
 }
 
 // Fresh while the age, as a magnitude (a clock set back counts as well), is below the timeout.
-bool isFresh(std::chrono::system_clock::time_point timestamp,
-             std::chrono::duration<double> timeout) {
-  return std::abs(std::chrono::duration<double>(now() - timestamp).count()) < timeout.count();
+bool isFresh(std::chrono::system_clock::time_point timestamp) {
+  return std::abs(std::chrono::duration<double>(now() - timestamp).count()) <
+         CheckoutWebViewCache::kTimeout.count();
 }
 
 }  // namespace
@@ -71,14 +71,14 @@ std::shared_ptr<CheckoutWebView> CheckoutWebViewCache::forCheckout(
     return view;
   }
 
-  if (entry_ && entry_->key == cacheKey && isFresh(entry_->timestamp, entry_->timeout)) {
+  if (entry_ && entry_->key == cacheKey && isFresh(entry_->timestamp)) {
     OSLogger::shared().debug(kPresentingCached);
     return entry_->view;
   }
   std::shared_ptr<CheckoutWebView> view = CheckoutWebView::create(*ui, /*recovery=*/false, entry);
   // The earlier entry's view is simply released (its bridge stays as it is).
   release();
-  entry_ = Entry{std::move(cacheKey), view, now(), kTimeout};
+  entry_ = Entry{std::move(cacheKey), view, now()};
   return view;
 }
 

@@ -51,7 +51,6 @@ class CheckoutWebViewCache {
     std::string key;
     std::shared_ptr<CheckoutWebView> view;
     std::chrono::system_clock::time_point timestamp;
-    std::chrono::duration<double> timeout;
   };
   // Takes the entry out before releasing it: its view's teardown may log and must see an empty
   // cache.
