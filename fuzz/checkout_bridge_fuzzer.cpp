@@ -6,12 +6,12 @@
 //   7      an envelope whose "body" is the rest inserted as raw JSON (any type, or broken);
 // with <name> one of the page's message names or a name outside the vocabulary. The byte's next
 // three bits choose the public record the rest is also read as.
-// Nothing may crash, hang or leak. The page's two contract violations (an "error" body that is
-// an empty array, a "checkoutBlockingEvent" body other than "true"/"false") end the process by
-// design; here a hook turns them into an exception, and they must come only from those names.
-// Whatever is decoded also goes through the error mapping the web view applies, and the rest is
-// used as a kit-to-page message body to build the dispatch script. What the readers behind the
-// bridge must hold:
+// Nothing may crash, hang or leak, nor exhaust the stack: seeds nest 100,000 deep. The page's two
+// contract violations (an "error" body that is an empty array, a "checkoutBlockingEvent" body other
+// than "true"/"false") end the process by design; here a hook turns them into an exception, and
+// they must come only from those names. Whatever is decoded also goes through the error mapping the
+// web view applies, and the rest is used as a kit-to-page message body to build the dispatch
+// script. What the readers behind the bridge must hold:
 // - the envelope reader keeps exactly what the full parse of the same text holds under "name"
 //   and "body";
 // - a failure of the bridge never logs; the "completed" and "error" readers never fail, and log

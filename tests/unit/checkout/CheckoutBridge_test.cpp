@@ -8,7 +8,6 @@
 #include <nlohmann/json.hpp>
 
 #include "CheckoutTestSupport.h"
-#include "checkout/bridge/BridgeEnvelope.h"
 #include "checkout/bridge/CheckoutErrorEventDecoder.h"
 #include "checkout/config/ContractViolation.h"
 #include "checkout/config/OSLogger.h"
@@ -139,15 +138,6 @@ TEST_F(CheckoutBridgeTest, DecodingFailures) {
     ASSERT_TRUE(error.underlying().has_value()) << c.text;
     EXPECT_EQ(error.underlying()->description, c.description) << c.text;
   }
-}
-
-TEST(BridgeEnvelopeTest, DeepNestingOutsideTheKeptMembersIsOnlyValidated) {
-  const std::string deep(100000, '[');
-  EXPECT_FALSE(readEnvelope(R"({"name":"a","x":)" + deep + "}"));
-  const std::string closed = deep + std::string(100000, ']');
-  const std::optional<nlohmann::json> read = readEnvelope(R"({"name":"a","body":)" + closed + "}");
-  ASSERT_TRUE(read);
-  EXPECT_EQ((*read)["body"], nlohmann::json::array());
 }
 
 // Writes each line on standard error, where a death test can see it.

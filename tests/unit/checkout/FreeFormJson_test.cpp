@@ -54,9 +54,6 @@ TEST(FreeFormJsonTest, NonObjectsFailAsTypeMismatchAndNestingIsBoundedAtTheLimit
   auto over = readObjectText("{\"k\":" + nested("[", ']', kMaxFreeFormDepth, "1") + "}");
   ASSERT_FALSE(over);
   EXPECT_EQ(over.error().kind, json::DecodingError::Kind::dataCorrupted);
-  // Far beyond the limit: fails, does not exhaust the stack.
-  EXPECT_FALSE(readObjectText(nested("{\"a\":", '}', 50000, "1")));
-  EXPECT_FALSE(readObjectText("{\"a\":" + nested("[", ']', 50000, "") + "}"));
 }
 
 }  // namespace

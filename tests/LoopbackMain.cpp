@@ -1,7 +1,7 @@
-// The main of the web view tests: plain gtest with every proxy setting removed (WebKit only ever
-// talks to the loopback servers the tests start), accessibility off (no session bus under
-// Xvfb), and the user's data and cache folders moved to a fresh temporary folder, so that nothing
-// a web view stores reaches the real home.
+// The main of the tests on the real backend: plain gtest with every proxy setting removed (libcurl
+// and WebKit only ever talk to the loopback servers the tests start), accessibility off (no
+// session bus under Xvfb), and the user's data and cache folders moved to a fresh temporary
+// folder, so that nothing a web view stores reaches the real home.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
