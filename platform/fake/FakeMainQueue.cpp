@@ -1,18 +1,19 @@
 #include "FakeMainQueue.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vemba::fake {
 
 void FakeMainQueue::post(std::function<void()> work) {
-  postAfter({}, std::move(work));
+  postAfter({}, std::exchange(work, nullptr));
 }
 
 void FakeMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> work) {
   if (delay.count() < 0) {
     delay = {};
   }
-  queue_.emplace(Key{now_ + delay, sequence_++}, std::move(work));
+  queue_.emplace(Key{now_ + delay, sequence_++}, std::exchange(work, nullptr));
 }
 
 std::chrono::system_clock::time_point FakeMainQueue::wallNow() const {

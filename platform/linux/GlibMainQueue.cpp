@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <utility>
 
 namespace vemba::linux_platform {
 
@@ -63,14 +64,14 @@ GlibMainQueue::~GlibMainQueue() {
 }
 
 void GlibMainQueue::post(std::function<void()> work) {
-  postAfter(std::chrono::milliseconds::zero(), std::move(work));
+  postAfter(std::chrono::milliseconds::zero(), std::exchange(work, nullptr));
 }
 
 void GlibMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> work) {
   delay = std::max(delay, std::chrono::milliseconds::zero());
   {
     const MutexLock lock(mutex_);
-    queue_.emplace(Key{Clock::now() + delay, nextSequence_++}, std::move(work));
+    queue_.emplace(Key{Clock::now() + delay, nextSequence_++}, std::exchange(work, nullptr));
   }
   // Once the lock is released the work may already have run on the main thread; only the
   // default context, which lives for the process, is touched from here on.

@@ -8,7 +8,9 @@ namespace vemba::platform {
 
 // Contract: post() and postAfter() may be called from any thread; the work runs later on the
 // main thread, in posting order for equal due times, never on the caller's stack. The queue
-// keeps the work (and everything it captures) alive until it has run.
+// takes the work over whole and keeps it (and everything it captures) alive until it has run, so
+// what it captures is released on the main thread: implementations hand the std::function on
+// with std::exchange(work, nullptr), never leaving a moved-from one to the caller's thread.
 class MainQueue {
  public:
   virtual ~MainQueue() = default;

@@ -46,11 +46,14 @@ void log(std::string_view prefix, std::string_view value) {
   VembaLogger::log(message);
 }
 
-// Any thread. The hop takes the caller's only strong reference to the ad (inside `delivery`), so
-// the ad is never released on a worker thread.
-void deliverOnMainQueue(BidExchange::Delivery delivery, BidOutcome outcome) {
+// Any thread. The hop takes the caller's only strong reference to the ad (inside `delivery`,
+// left empty), so the ad is never released on a worker thread. A moved-from std::function is in
+// an unspecified state; one assigned null is empty, and a moved-from shared_ptr is null, so no
+// copy of the reference stays behind on this thread whatever the library does.
+void deliverOnMainQueue(BidExchange::Delivery& delivery, BidOutcome outcome) {
+  auto held = std::make_shared<BidExchange::Delivery>(std::exchange(delivery, nullptr));
   platform::services().mainQueue->post(
-      [delivery = std::move(delivery), outcome = std::move(outcome)] { delivery(outcome); });
+      [held = std::move(held), outcome = std::move(outcome)] { (*held)(outcome); });
 }
 
 }  // namespace
@@ -107,7 +110,7 @@ void BidExchange::load(double bidFloor, Recipient recipient) {
   }
   Preparation prepared = prepareBidRequest(userAgent, bidFloor);
   if (Error* failure = std::get_if<Error>(&prepared)) {
-    deliverOnMainQueue(std::move(beforeSending), BidOutcome{std::move(*failure)});
+    deliverOnMainQueue(beforeSending, BidOutcome{std::move(*failure)});
     return;
   }
   platform::HttpRequest* request = std::get_if<platform::HttpRequest>(&prepared);
@@ -122,7 +125,7 @@ void BidExchange::load(double bidFloor, Recipient recipient) {
           return;  // Released while in flight: nobody is told.
         }
         BidOutcome outcome = readAnswer(result, billingBase, *stored);
-        deliverOnMainQueue(std::move(delivery), std::move(outcome));
+        deliverOnMainQueue(delivery, std::move(outcome));
       });
 }
 

@@ -1,5 +1,5 @@
-// The ad half's process-wide state: what the host gave the entry point, the user-agent cache and
-// the bookkeeping of the readied ad web view.
+// The ad half's process-wide state: what the host gave the entry point, the user-agent cache, the
+// bookkeeping of the readied ad web view and the ad pages alive.
 //
 // Owner: the process, through state(); created on first use (thread-safe) and never destroyed at
 // exit. Members follow their own thread contracts. Tests alone replace it, through
@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "ads/core/UserAgentFetcher.h"
 #include "ads/formats/AdWebViewPreparation.h"
@@ -16,6 +17,8 @@
 #include "vemba/ads/VembaPrivacy.h"
 
 namespace vemba::ads {
+
+class VembaWebViewController;
 
 struct AdsState {
   // What initialize() and the setters of VembaSDK stored; read from any thread, under `mutex`.
@@ -32,6 +35,9 @@ struct AdsState {
   // Main thread only (see AdWebViewPreparation.h).
   const std::shared_ptr<WebViewPreparation> webViewPreparation =
       std::make_shared<WebViewPreparation>();
+  // The ad page controllers made so far (expired ones dropped as new ones come), so that a change
+  // of the application's muting reaches every page. Main thread only.
+  std::vector<std::weak_ptr<VembaWebViewController>> liveControllers;
 };
 
 AdsState& state();

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "ads/core/AdsState.h"
 #include "ads/core/VembaLogger.h"
 #include "ads/formats/AdWebViewPreparation.h"
 #include "checkout/webview/MessageHandler.h"
@@ -59,13 +60,6 @@ void log(std::string_view prefix, std::string_view value) {
   VembaLogger::log(message);
 }
 
-// The controllers alive, so that a change of the application's muting reaches their pages. Main
-// thread only; never destroyed.
-std::vector<std::weak_ptr<VembaWebViewController>>& liveControllers() {
-  static auto* const controllers = new std::vector<std::weak_ptr<VembaWebViewController>>();
-  return *controllers;
-}
-
 }  // namespace
 
 std::shared_ptr<VembaWebViewController> VembaWebViewController::create() {
@@ -75,13 +69,14 @@ std::shared_ptr<VembaWebViewController> VembaWebViewController::create() {
   }
   auto controller = std::make_shared<VembaWebViewController>(ui->createScreen());
   controller->screen_->setDelegate(controller);
-  std::erase_if(liveControllers(), [](const auto& weak) { return weak.expired(); });
-  liveControllers().push_back(controller);
+  auto& live = state().liveControllers;
+  std::erase_if(live, [](const auto& weak) { return weak.expired(); });
+  live.push_back(controller);
   return controller;
 }
 
 void VembaWebViewController::applicationMutedDidChange(bool muted) {
-  for (const std::weak_ptr<VembaWebViewController>& weak : liveControllers()) {
+  for (const std::weak_ptr<VembaWebViewController>& weak : state().liveControllers) {
     if (const auto controller = weak.lock(); controller && controller->webView_) {
       controller->webView_->setMuted(muted);
     }
