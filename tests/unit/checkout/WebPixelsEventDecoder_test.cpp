@@ -182,8 +182,9 @@ std::optional<Json> writtenBack(std::string_view text, Decode decode, Encode enc
   return decoded ? std::optional(encode(*decoded)) : std::nullopt;
 }
 
-// Every key of the pixel model read from the page's message and written back (toJson, fromJson):
-// the event comes out as it went in, under its own name rather than the message's.
+// Every key of the pixel model read from the page's message and written back (toJson): the event
+// comes out as it went in, under its own name rather than the message's. (That fromJson reads it
+// back, the bridge fuzzer checks on this seed.)
 TEST(PixelRecordsTest, EncodingWritesBackEveryKeyRead) {
   // The bridge fuzzer's seed of the whole message (after its mode byte).
   const Json message =
@@ -194,10 +195,6 @@ TEST(PixelRecordsTest, EncodingWritesBackEveryKeyRead) {
   const PixelEvent& event = **decoded;
   standard.erase("type");
   EXPECT_EQ(Json::parse(toJson(event)), (Json{{"standardEvent", standard}}));
-  EXPECT_EQ(fromJson<PixelEvent>(toJson(event)).value(), event);
-  const StandardEvent& typed = std::get<StandardEvent>(event);
-  EXPECT_EQ(fromJson<Context>(toJson(*typed.context)).value(), typed.context);
-  EXPECT_EQ(fromJson<StandardEventData>(toJson(*typed.data)).value(), typed.data);
   const std::string custom = R"({"customEvent":{"context":{},"customData":"{\"a\":1}","id":"1",)"
                              R"("name":"n","timestamp":"t"}})";
   EXPECT_EQ(Json::parse(toJson(fromJson<PixelEvent>(custom).value())), Json::parse(custom));
