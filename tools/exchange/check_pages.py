@@ -192,6 +192,20 @@ def presented_before_the_page_script_runs_is_delivered_by_the_ready_event(exchan
 
 
 @check
+def presented_while_the_page_is_not_ready_waits_for_it(exchange):
+    # bridge.js has run, the page's own listeners are not in place yet: the message waits for them.
+    browser = Browser(exchange)
+    browser.view.load_html('<script src="/checkout/assets/bridge.js"></script>',
+                           exchange.origin + "/checkout/not-ready")
+    spin_until(lambda: browser.finished, 15)
+    browser.evaluate(dispatch_script("presented") + "\ntrue")
+    browser.evaluate("window.heard = 0; VembaSite.on('presented', function () { window.heard += 1; });"
+                     " VembaSite.ready(); true")
+    expect(browser.evaluate("window.heard") == 1, "the early presented reached the page's listener")
+    browser.close()
+
+
+@check
 def ad_buttons_and_auto_tokens_post_the_ad_vocabulary(exchange):
     browser = Browser(exchange)
     browser.load(exchange.origin + "/ads/interstitial.html?auto=click,openURL,openCheckout,close,dance"

@@ -4,7 +4,7 @@
 // the JSON of {"name": ..., "body": ...} and body is always a string (JSON text where structured).
 // Sheet to page: the sheet evaluates a script that calls
 // window.MobileCheckoutSdk.dispatchMessage(name[, body]), or waits for the window event
-// "mobileCheckoutBridgeReady" when this script has not run yet. The sheet may send "presented"
+// "mobileCheckoutBridgeReady" while the page is not ready (its listeners not yet in place). The sheet may send "presented"
 // more than once; listeners must tolerate that.
 //
 // Everything received and sent is kept in window.VembaSite.received / .sent for scripted checks,
@@ -115,14 +115,16 @@
     (listeners[name] = listeners[name] || []).push(listener);
   }
 
-  // Announces the dispatcher once the page's listeners are in place.
+  // Publishes the dispatcher and announces it once the page's listeners are in place. Not before:
+  // the sheet's script calls the dispatcher whenever it exists, and a "presented" taken while the
+  // page's later scripts are still loading would reach no listener and be lost.
   function ready() {
     if (isReady) { return; }
     isReady = true;
+    window.MobileCheckoutSdk = { dispatchMessage: dispatchMessage };
     window.dispatchEvent(new Event(READY_EVENT));
   }
 
-  window.MobileCheckoutSdk = { dispatchMessage: dispatchMessage };
   window.VembaSite = {
     hasBridge: function () { return handler() !== null; },
     send: send,
