@@ -27,5 +27,8 @@ class LiveCounter {
 std::size_t liveWebViewCount();
 // GtkScreen objects alive, the screens of host windows included.
 std::size_t liveScreenCount();
+// The CSS class names made so far for widgets styled alone (ui/GtkCss.h): names are reused, so
+// this stays at the most widgets styled at one time, however many come and go.
+std::size_t cssClassNamesMade();
 
 }  // namespace vemba::linux_platform

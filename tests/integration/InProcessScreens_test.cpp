@@ -338,8 +338,10 @@ TEST_F(InProcessScreensTest, TwentyShowCloseCyclesEvenThroughAHiddenWindowLeaveN
 
   const CloseBy closings[] = {CloseBy::buttonAtOnce, CloseBy::buttonAfterLoad,
                               CloseBy::pageAfterLoad};
+  std::size_t classNamesAfterTwo = 0;  // CSS class names are reused, not made anew each cycle
   // One broken cycle says enough; the census below runs all the same.
   for (std::size_t i = 0; i < kCycles && !HasFailure(); ++i) {
+    classNamesAfterTwo = i == 2 ? linux_platform::cssClassNamesMade() : classNamesAfterTwo;
     const CloseBy closeBy = closings[i % 3];
     // Some shows see their window unmapped mid-transition, some for the whole of it.
     const auto hiddenFor = i % 5 == 1 ? 100ms : i % 5 == 3 ? 1000ms : 0ms;
@@ -365,6 +367,7 @@ TEST_F(InProcessScreensTest, TwentyShowCloseCyclesEvenThroughAHiddenWindowLeaveN
   const auto released = std::tuple(std::size_t{0}, screensBefore, false, std::size_t{0});
   runMainLoopUntil([&] { return census() == released; }, kSettleDeadline);
   EXPECT_EQ(census(), released);
+  EXPECT_LE(linux_platform::cssClassNamesMade(), 2 * classNamesAfterTwo);  // made anew: 40
   if (allCyclesRan) {
     EXPECT_EQ(exchange_->waitForLog("billing", kCycles, 5s).size(), std::size_t{kCycles});
   }

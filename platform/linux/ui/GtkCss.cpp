@@ -1,8 +1,12 @@
 #include "GtkCss.h"
 
+#include <gtk/gtk.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <utility>
+#include <vector>
 
 namespace vemba::linux_platform {
 
@@ -32,33 +36,61 @@ std::string cssColor(const platform::Color& color) {
          ", " + cssNumber(std::clamp(color.alpha, 0.0, 1.0)) + ")";
 }
 
-}  // namespace vemba::linux_platform
-
-#include <gtk/gtk.h>
-
-namespace vemba::linux_platform {
-
 namespace {
+
 constexpr const char* kProviderKey = "vemba-css-provider";
+constexpr const char* kClassKey = "vemba-css-class";
+
+struct CssClassPool {
+  std::size_t made = 0;
+  std::vector<std::string> free;
+};
+
+CssClassPool& cssClassPool() {
+  static auto* const pool = new CssClassPool();  // main thread only; never destroyed
+  return *pool;
+}
+
 }  // namespace
+
+std::string acquireCssClass() {
+  CssClassPool& pool = cssClassPool();
+  if (pool.free.empty()) {
+    return "vemba-c" + std::to_string(++pool.made);
+  }
+  std::string name = std::move(pool.free.back());
+  pool.free.pop_back();
+  return name;
+}
+
+void releaseCssClass(std::string name) {
+  cssClassPool().free.push_back(std::move(name));
+}
+
+std::size_t cssClassNamesMadeSoFar() {
+  return cssClassPool().made;
+}
 
 void styleWidget(GtkWidget* widget, const std::string& declarations) {
   auto* provider = static_cast<GtkCssProvider*>(g_object_get_data(G_OBJECT(widget), kProviderKey));
   if (provider == nullptr) {
-    static unsigned nextClass = 0;
-    const std::string cssClass = "vemba-w" + std::to_string(++nextClass);
+    const std::string cssClass = acquireCssClass();
     gtk_widget_add_css_class(widget, cssClass.c_str());
     provider = gtk_css_provider_new();
     g_object_set_data_full(G_OBJECT(widget), kProviderKey, provider, g_object_unref);
-    g_object_set_data_full(G_OBJECT(widget), "vemba-css-class", g_strdup(cssClass.c_str()), g_free);
+    // The name goes back to the pool when the widget is finalised, and with it the class.
+    g_object_set_data_full(G_OBJECT(widget), kClassKey, g_strdup(cssClass.c_str()),
+                           [](gpointer name) {
+                             releaseCssClass(static_cast<const char*>(name));
+                             g_free(name);
+                           });
     G_GNUC_BEGIN_IGNORE_DEPRECATIONS
     gtk_style_context_add_provider(gtk_widget_get_style_context(widget),
                                    GTK_STYLE_PROVIDER(provider),
                                    GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
     G_GNUC_END_IGNORE_DEPRECATIONS
   }
-  const auto* cssClass =
-      static_cast<const char*>(g_object_get_data(G_OBJECT(widget), "vemba-css-class"));
+  const auto* cssClass = static_cast<const char*>(g_object_get_data(G_OBJECT(widget), kClassKey));
   const std::string text = std::string(".") + cssClass + " {" + declarations + "}";
   gtk_css_provider_load_from_data(provider, text.c_str(), static_cast<gssize>(text.size()));
 }

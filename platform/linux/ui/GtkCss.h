@@ -2,6 +2,7 @@
 // process locale (GTK switches to the user's locale, where "0.5" could become "0,5").
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "vemba/platform/Color.h"
@@ -23,5 +24,13 @@ namespace vemba::linux_platform {
 // Styles `widget` alone with `declarations` through a provider and a CSS class of its own (for
 // widgets that are not views: bar items, sheet panels). Replaces what an earlier call set.
 void styleWidget(GtkWidget* widget, const std::string& declarations);
+
+// Class names that select one widget alone ("vemba-c1", "vemba-c2", ...). GLib interns every
+// class name for the life of the process, so a name is handed back once its widget no longer
+// carries it and is handed out again: the names ever made never exceed the widgets styled at one
+// time. Main thread only.
+std::string acquireCssClass();
+void releaseCssClass(std::string name);
+std::size_t cssClassNamesMadeSoFar();
 
 }  // namespace vemba::linux_platform

@@ -80,6 +80,9 @@ GtkViewState::~GtkViewState() {
     gtk_style_context_remove_provider_for_display(gtk_widget_get_display(widget_),
                                                   GTK_STYLE_PROVIDER(css_));
     g_object_unref(css_);
+    // The widget may outlive this view (another reference to it); it no longer carries the name.
+    gtk_widget_remove_css_class(widget_, cssClass_.c_str());
+    releaseCssClass(std::move(cssClass_));
   }
   g_object_unref(widget_);
 }
@@ -103,8 +106,7 @@ void GtkViewState::setCss(const std::string& key, std::string declarations, std:
     cssBlocks_.push_back({key, std::move(subnode), std::move(declarations)});
   }
   if (css_ == nullptr) {
-    static unsigned nextClass = 0;
-    cssClass_ = "vemba-v" + std::to_string(++nextClass);
+    cssClass_ = acquireCssClass();
     gtk_widget_add_css_class(widget_, cssClass_.c_str());
     css_ = gtk_css_provider_new();
     // A provider on a widget's own style context does not reach its subnodes (a progress bar's
