@@ -1,6 +1,5 @@
 #include "LiveObjects.h"
 
-#include "ui/GtkCss.h"
 #include "ui/GtkScreen.h"
 #include "web/GtkWebView.h"
 
@@ -12,10 +11,6 @@ std::size_t liveWebViewCount() {
 
 std::size_t liveScreenCount() {
   return LiveCounter<GtkScreen>::live();
-}
-
-std::size_t cssClassNamesMade() {
-  return cssClassNamesMadeSoFar();
 }
 
 }  // namespace vemba::linux_platform

@@ -28,7 +28,8 @@ std::size_t liveWebViewCount();
 // GtkScreen objects alive, the screens of host windows included.
 std::size_t liveScreenCount();
 // The CSS class names made so far for widgets styled alone (ui/GtkCss.h): names are reused, so
-// this stays at the most widgets styled at one time, however many come and go.
+// this stays at the most widgets styled at one time, however many come and go. Defined in
+// ui/GtkCss.cpp.
 std::size_t cssClassNamesMade();
 
 }  // namespace vemba::linux_platform

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "LiveObjects.h"
+
 namespace vemba::linux_platform {
 
 std::string cssNumber(double value) {
@@ -67,7 +69,7 @@ void releaseCssClass(std::string name) {
   cssClassPool().free.push_back(std::move(name));
 }
 
-std::size_t cssClassNamesMadeSoFar() {
+std::size_t cssClassNamesMade() {
   return cssClassPool().made;
 }
 

@@ -31,6 +31,5 @@ void styleWidget(GtkWidget* widget, const std::string& declarations);
 // time. Main thread only.
 std::string acquireCssClass();
 void releaseCssClass(std::string name);
-std::size_t cssClassNamesMadeSoFar();
 
 }  // namespace vemba::linux_platform
